@@ -1,0 +1,41 @@
+// Calls of C functions by their declared types, through libffi.
+#pragma once
+
+#include <ffi.h>
+
+#include <memory>
+#include <span>
+#include <vector>
+
+#include "frame/host_interface.h"
+#include "runtime/value.h"
+
+namespace host {
+
+// How one argument travels: by its type, or as a pointer to a variable of that type.
+struct Passing {
+  Type type;
+  bool byRef = false;
+};
+
+// A function ready to be called any number of times, by any number of threads at once.
+class Call {
+ public:
+  Call() = default;
+  Call(REALproc function, std::vector<Passing> arguments, Type result);
+
+  explicit operator bool() const { return function_ != nullptr; }
+  REALproc function() const { return function_; }
+
+  // Slots hold values as value.h says; a byRef argument's slot holds the address of a variable of exactly its type.
+  // A reference result is owned by the caller. Throws HostException when the function left an exception pending
+  // (its result is released first).
+  Slot operator()(std::span<const Slot> arguments) const;
+
+ private:
+  struct Prepared;
+  REALproc function_ = nullptr;
+  std::shared_ptr<const Prepared> prepared_;  // libffi keeps pointers into it
+};
+
+}  // namespace host

@@ -1,0 +1,36 @@
+// The host's strings: bytes with an encoding. Immutable; null stands for the empty string everywhere.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "frame/host_interface.h"
+#include "runtime/heap.h"
+
+namespace host {
+
+struct Text : Heap {
+  std::uint32_t encoding;
+  std::size_t length;  // in bytes
+  const char* bytes() const { return reinterpret_cast<const char*>(this + 1); }  // length bytes, then a NUL
+};
+
+// Throws HostException OutOfMemoryException when it cannot be allocated. An empty one may be null.
+Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding = encoding::utf8);
+
+// A view of the bytes; empty for null.
+inline std::string_view bytesOf(const Text* text) {
+  return text ? std::string_view(text->bytes(), text->length) : std::string_view();
+}
+
+// The text in UTF-8, whatever its encoding; bytes of no known encoding as they are; what the encoding cannot
+// mean as U+FFFD.
+std::string utf8Of(const Text* text);
+
+// A new string with the same text in another encoding; null when the platform cannot convert.
+Ref<Text> converted(const Text* text, std::uint32_t textEncoding);
+
+// By characters of the encoding; ASCII case is ignored, as the language's string comparison does. <0, 0, >0.
+int compareText(const Text* left, const Text* right);
+
+}  // namespace host

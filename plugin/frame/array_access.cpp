@@ -1,0 +1,108 @@
+#include "frame/array_access.h"
+
+#include <cstring>
+
+#include "frame/debug_log.h"
+#include "frame/host_operations.h"
+#include "frame/raise.h"
+
+namespace qtx {
+
+namespace {
+
+template <typename Field>
+Field fieldAt(const void* array, std::size_t offset) {
+  Field field;
+  std::memcpy(&field, static_cast<const char*>(array) + offset, sizeof field);
+  return field;
+}
+
+// Traces what was found where it is not what was expected.
+bool matches(const char* failure, long long found, long long expected) {
+  if (found == expected) return true;
+  Trace(failure, found);
+  return false;
+}
+
+constexpr RBInteger testUpperBound = 1234;
+constexpr std::int64_t testValue0 = 12345;
+constexpr std::int64_t testValue9 = 123456;
+
+// Whether a new Integer array with the upper bound above works as arrays do, and looks in memory as expected.
+bool TestArray(REALarrayInteger array) {
+  const auto handle = reinterpret_cast<REALarray>(array);
+  if (!matches("ubound failed", REALGetArrayUBound(handle), testUpperBound)) return false;
+
+  const IntegerSetter set = REALSetArrayValueInteger(array);
+  if (set) {
+    set(array, testValue0, 0);
+    set(array, testValue9, 9);
+  }
+  const IntegerGetter get = REALGetArrayValueInteger(array);
+  const auto valueAt = [&](RBInteger index) { return get ? get(array, index) : 0; };
+  if (!matches("Index 0 failed", valueAt(0), testValue0) || !matches("Index 1 failed", valueAt(1), 0) ||
+      !matches("Index 9 failed", valueAt(9), testValue9)) {
+    return false;
+  }
+
+  const bool wider = hostState.version >= arrayShape::widerSinceHostVersion;
+  const long long dimensions = wider ? fieldAt<std::int64_t>(array, arrayShape::dimensions)
+                                     : fieldAt<std::int32_t>(array, arrayShape::dimensions);
+  const auto upperBound = fieldAt<std::int32_t>(
+      array, wider ? arrayShape::upperBoundSince2021 : arrayShape::upperBoundBefore2021);
+  if (!matches("refCount wrong", fieldAt<std::int64_t>(array, arrayShape::referenceCount), 1) ||
+      !matches("DimensionCount wrong", dimensions, 1) ||
+      !matches("ubound wrong", upperBound, testUpperBound)) {
+    return false;
+  }
+  const void* elements = fieldAt<const void*>(array, arrayShape::storage);
+  if (!elements) {
+    Trace("data is nil");
+    return false;
+  }
+  return matches("Index 0 failed", fieldAt<std::int64_t>(elements, 0), testValue0) &&
+         matches("Index 9 failed", fieldAt<std::int64_t>(elements, 9 * sizeof(std::int64_t)), testValue9);
+}
+
+// The test runs once; a thread that comes while it runs waits for the outcome instead of taking it for a
+// failure.
+bool mayReadDirectly() {
+  static const bool success = [] {
+    Trace("TestArray", hostState.version);
+    const REALarray array = REALCreateArray(arrayElement::integer, testUpperBound);
+    if (!array) {
+      Trace("Failed to allocate array");
+      return false;
+    }
+    const bool passed = TestArray(reinterpret_cast<REALarrayInteger>(array));
+    REALUnlockObject(reinterpret_cast<REALobject>(array));
+    return passed;
+  }();
+  return success;
+}
+
+}  // namespace
+
+const void* directElements(REALarray array) {
+  return mayReadDirectly() ? fieldAt<const void*>(array, arrayShape::storage) : nullptr;
+}
+
+void REALGetArrayValue(REALarrayDouble array, long long index, double* out) {
+  if (!array) {
+    Trace("REALGetArrayValue", "Array is nil");
+    return;
+  }
+  const auto handle = reinterpret_cast<REALarray>(array);
+  const RBInteger upperBound = REALGetArrayUBound(handle);
+  if (index < 0 || index > upperBound) {
+    RaiseOutOfBoundsException(index, upperBound + 1, "index", "");
+    return;
+  }
+  if (const void* elements = directElements(handle)) {
+    *out = fieldAt<double>(elements, static_cast<std::size_t>(index) * sizeof(double));
+  } else if (const DoubleGetter get = REALGetArrayValueDouble(array)) {
+    *out = get(array, index);
+  }
+}
+
+}  // namespace qtx

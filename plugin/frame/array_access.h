@@ -1,0 +1,17 @@
+// Reads elements of host arrays: straight from their memory where a one-time self-test has shown that arrays
+// look as expected, through the host otherwise.
+#pragma once
+
+#include "frame/host_interface.h"
+
+namespace qtx {
+
+// Stores element `index` of the array in *out. A nil array leaves *out as it is; an index outside 0 … upper
+// bound raises "OutOfBoundsException" and does too.
+void REALGetArrayValue(REALarrayDouble array, long long index, double* out);
+
+// The array's elements, eight bytes each; null where memory may not be read directly or the array has none.
+// Runs the self-test if it has not run.
+const void* directElements(REALarray array);
+
+}  // namespace qtx

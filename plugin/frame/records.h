@@ -1,0 +1,110 @@
+// Builds the records that are registered with the host: declaration and property tables read like
+// documentation, and every function that could throw gets its guard here.
+#pragma once
+
+#include <cstddef>
+#include <span>
+
+#include "frame/host_interface.h"
+#include "frame/raise.h"
+
+namespace qtx {
+
+namespace detail {
+
+template <auto function, typename Signature = decltype(function)>
+struct Entry;
+
+// A function that may throw is entered through a guard.
+template <auto function, typename Result, typename... Arguments>
+struct Entry<function, Result (*)(Arguments...)> {
+  static Result call(Arguments... arguments) noexcept {
+    return guard([&] { return function(arguments...); });
+  }
+  static REALproc address() { return reinterpret_cast<REALproc>(&call); }
+};
+
+// One that never does is entered directly.
+template <auto function, typename Result, typename... Arguments>
+struct Entry<function, Result (*)(Arguments...) noexcept> {
+  static REALproc address() { return reinterpret_cast<REALproc>(function); }
+};
+
+template <auto function>
+struct Entry<function, std::nullptr_t> {
+  static REALproc address() { return nullptr; }
+};
+
+}  // namespace detail
+
+// What the host calls for the function. No exception leaves it.
+template <auto function>
+REALproc entryOf() {
+  return detail::Entry<function>::address();
+}
+
+// A method, shared method or global function.
+template <auto function>
+REALmethodDefinition method(const char* declaration) {
+  return {entryOf<function>(), nullptr, declaration, recordFlags::console, nullptr, 0};
+}
+
+// An instance property; read-only without a setter.
+template <auto getter, auto setter = nullptr>
+REALproperty property(const char* name, const char* type) {
+  return {.group = nullptr,
+          .name = name,
+          .type = type,
+          .flags = recordFlags::console | recordFlags::property,
+          .getter = entryOf<getter>(),
+          .setter = entryOf<setter>(),
+          .parameter = 0,
+          .editorCount = 0,
+          .editors = nullptr,
+          .attributes = nullptr,
+          .attributeCount = 0};
+}
+
+// An instance property that the host reads and writes itself, at an offset in the instance data.
+inline REALproperty fieldProperty(const char* name, const char* type, std::size_t offset) {
+  REALproperty record = property<nullptr>(name, type);
+  record.getter = record.setter = reinterpret_cast<REALproc>(~std::uintptr_t{0});
+  record.parameter = static_cast<std::intptr_t>(offset);
+  return record;
+}
+
+// A class without superclass, events or constants. The record and its tables must outlive the process's use
+// of them: the host keeps pointers.
+struct ClassTables {
+  const char* name;
+  std::size_t dataSize;
+  REALproc initializer = nullptr;
+  REALproc destructor = nullptr;
+  std::span<REALproperty> properties;
+  std::span<REALmethodDefinition> methods;
+  std::span<REALmethodDefinition> sharedMethods = {};
+};
+inline REALclassDefinition classDefinition(const ClassTables& tables) {
+  REALclassDefinition record = {};
+  record.version = 15;  // replaced by the control version at registration
+  record.name = tables.name;
+  record.dataSize = tables.dataSize;
+  record.constructor = tables.initializer;
+  record.destructor = tables.destructor;
+  record.properties = tables.properties.data();
+  record.propertyCount = tables.properties.size();
+  record.methods = tables.methods.data();
+  record.methodCount = tables.methods.size();
+  record.flags = recordFlags::console;
+  record.sharedMethods = tables.sharedMethods.data();
+  record.sharedMethodCount = tables.sharedMethods.size();
+  return record;
+}
+
+// The instance data of an object of the class, which the host has put `dataOffset` bytes behind the handle.
+template <typename Data>
+Data& instanceData(REALobject object, const REALclassDefinition& record) {
+  return *reinterpret_cast<Data*>(reinterpret_cast<char*>(object) + record.dataOffset);
+}
+
+}  // namespace qtx

@@ -1,0 +1,224 @@
+#include "frame/text_bridge.h"
+
+#include <algorithm>
+#include <cstring>
+#include <new>
+
+#include "frame/debug_log.h"
+#include "frame/host_operations.h"
+#include "frame/raise.h"
+
+namespace qtx {
+
+namespace {
+
+// The host string's own bytes. They need not be NUL-terminated, but the host keeps one readable byte behind
+// them.
+std::string_view hostBytes(REALstring string) {
+  const char* bytes = REALGetStringContents(string);
+  RBInteger length = LenB(string);
+  if (!bytes && length != 0) {
+    Trace("data is NULL, so size fixed to zero.");
+    length = 0;
+  }
+  return {bytes ? bytes : "", static_cast<std::size_t>(std::max<RBInteger>(length, 0))};
+}
+
+bool isASCII(std::string_view bytes) {
+  return std::all_of(bytes.begin(), bytes.end(),
+                     [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
+}
+
+}  // namespace
+
+rbText::rbText(REALstring string) {
+  if (!string) return;
+  keep(string);
+  state_ = ASCIIState::unknown;
+  if (!REALGetStringEncoding.resolve()) {
+    sourceEncoding_ = encoding::macRoman;
+    return;
+  }
+  sourceEncoding_ = REALGetStringEncoding(string);
+  switch (sourceEncoding_) {
+    case encoding::ascii:
+      viewHostBytes(ascii_);
+      [[fallthrough]];
+    case encoding::utf8:
+      viewHostBytes(utf8_);
+      break;
+    case encoding::utf16:
+    case encoding::utf32:
+    case encoding::utf16BigEndian:
+    case encoding::utf16LittleEndian:
+    case encoding::utf32BigEndian:
+    case encoding::utf32LittleEndian:
+      state_ = ASCIIState::impure;
+      break;
+    case encoding::none: {
+      CheckASCII();
+      const std::string_view bytes = hostBytes(string);
+      if (bytes.empty()) {
+        utf8_ = View();
+        ascii_ = View();
+      } else if (state_ == ASCIIState::impure) {
+        // Bytes of no known encoding are given one to be converted from: whatever the host takes 0 for.
+        const REALstring guessed =
+            REALBuildUnicodeString(bytes.data(), static_cast<long long>(bytes.size()), encoding::macRoman);
+        if (guessed) {
+          keep(guessed);
+          REALUnlockString(guessed);
+          sourceEncoding_ = REALGetStringEncoding(guessed);
+        }
+      }
+      break;
+    }
+    default:
+      break;
+  }
+}
+
+rbText::~rbText() {
+  if (frontGuard_ != guardWord) Trace("Check1 in rbText invalid", frontGuard_);
+  if (backGuard_ != guardWord) Trace("Check2 in rbText invalid", backGuard_);
+  if (string_) REALUnlockString(string_);
+  for (View* view : {&utf8_, &ascii_}) {
+    if (view->dispose) REALDisposeStringData(&view->data);
+  }
+}
+
+void rbText::keep(REALstring string) {
+  REALLockString(string);
+  if (string_) REALUnlockString(string_);
+  string_ = string;
+}
+
+void rbText::viewHostBytes(View& view) {
+  const std::string_view bytes = hostBytes(string_);
+  view.length = static_cast<long long>(bytes.size());
+  view.text = bytes.empty() ? "" : bytes.data();
+  view.terminated = bytes.empty();
+}
+
+void rbText::CheckASCII() {
+  if (state_ != ASCIIState::unknown) return;
+  if (isASCII(rbData(string_).bytes())) {
+    state_ = ASCIIState::pure;
+    viewHostBytes(ascii_);
+    viewHostBytes(utf8_);
+  } else {
+    state_ = ASCIIState::impure;
+  }
+}
+
+void rbText::fill(View& view, std::uint32_t encoding) {
+  if (view.length < 0) {
+    view.length = 0;
+    view.terminated = true;
+    if (string_) CheckASCII();
+    if (string_ && state_ != ASCIIState::pure) {
+      if (REALGetStringData(string_, encoding, &view.data)) {
+        view.dispose = true;
+        if (view.data.data && view.data.length >= 1) {
+          view.text = view.data.data;
+          view.length = static_cast<long long>(view.data.length);
+          view.terminated = false;
+        }
+      } else {
+        Trace("REALGetStringData failed.");
+        failed_ = true;
+      }
+    }
+  }
+  terminate(view);
+}
+
+void rbText::terminate(View& view) {
+  if (view.terminated) return;
+  view.terminated = true;
+  const auto length = static_cast<std::size_t>(view.length);
+  if (view.text[length] == 0) return;
+  Trace("String is not zero terminated. Fixed.");
+  view.copy.reset(new (std::nothrow) char[length + 4]());
+  if (!view.copy) {
+    Trace("Out of memory");
+    view.text = "";
+    view.length = 0;
+    return;
+  }
+  std::memcpy(view.copy.get(), view.text, length);
+  view.text = view.copy.get();
+}
+
+const char* rbText::GetUTF8() {
+  fill(utf8_, encoding::utf8);
+  return utf8_.text;
+}
+
+void rbText::ConvertASCII() { fill(ascii_, encoding::ascii); }
+
+std::string_view rbText::plain() { return sourceEncoding_ == encoding::utf8 ? utf8() : ascii(); }
+
+rbData::rbData(REALstring string) : string_(string) {
+  if (!string_) return;
+  REALLockString(string_);
+  bytes_ = hostBytes(string_);
+}
+
+rbData::~rbData() {
+  if (string_) REALUnlockString(string_);
+}
+
+namespace {
+
+// Hosts before 2012.0 build first and are told the encoding afterwards.
+REALstring build(const char* bytes, std::int32_t count, std::uint32_t encoding) {
+  if (hostState.version >= 2012.0) return REALBuildStringWithEncoding(bytes, count, encoding);
+  const REALstring string = originalREALBuildString(bytes, count, 0);
+  if (string) REALSetStringEncoding(string, encoding);
+  return string;
+}
+
+REALstring buildFromUTF16(const char* bytes, std::int32_t count) {
+  const REALstring wide = build(bytes, count, encoding::utf16);
+  if (!wide) {
+    if (!(hostState.version >= 2012.0)) Trace("Out of memory in REALBuildUnicodeStringUTF16.");
+    return nullptr;
+  }
+  const REALstring string = REALConvertString(wide, encoding::utf8);
+  REALUnlockString(wide);
+  return string;
+}
+
+}  // namespace
+
+REALstring REALBuildUnicodeString(const void* bytes, long long count, std::uint32_t encoding) {
+  return guard([&]() -> REALstring {
+    if (count < 1 || !bytes) return nullptr;
+    if (count >= 1LL << 31) {
+      Trace("Count too big for REALBuildUnicodeString.");
+      return nullptr;
+    }
+    const auto* text = static_cast<const char*>(bytes);
+    const auto length = static_cast<std::int32_t>(count);
+    switch (encoding) {
+      case encoding::utf16:
+        return buildFromUTF16(text, length);
+      case encoding::macRoman:
+      case encoding::isoLatin1:
+      case encoding::windowsLatin1:
+      case encoding::none:
+        if (isASCII({text, static_cast<std::size_t>(count)})) return build(text, length, encoding::ascii);
+        break;
+      case encoding::ascii:
+      case encoding::utf8:
+        return build(text, length, encoding);
+      default:
+        break;
+    }
+    Trace("Unknown encoding in REALBuildUnicodeString", encoding);
+    return build(text, length, encoding);
+  });
+}
+
+}  // namespace qtx
