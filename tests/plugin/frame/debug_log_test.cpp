@@ -1,0 +1,79 @@
+// The tracing switch, the log lines and their formats.
+#include "frame/debug_log.h"
+
+#include "fake_host.h"
+
+namespace qtx {
+namespace {
+
+TEST(Debugging, IsOffAtFirst) { EXPECT_FALSE(getDebugging()); }
+
+TEST(Debugging, IsReportedEachTimeItIsSwitchedOn) {
+  const std::string log = logOf([] {
+    setDebugging(1);
+    setDebugging(1);
+    EXPECT_TRUE(getDebugging());
+    setDebugging(0);
+    EXPECT_FALSE(getDebugging());
+  });
+  EXPECT_EQ(log, "QTX Debug: QTX debug logging enabled.\nQTX Debug: QTX debug logging enabled.\n");
+}
+
+TEST(Debugging, TakesAnyByteButZeroForOn) {
+  logOf([] { setDebugging(2); });
+  EXPECT_TRUE(getDebugging());
+  setDebugging(0);
+  EXPECT_FALSE(getDebugging());
+}
+
+TEST(Debugging, HasOneHiddenSharedPropertyRecord) {
+  ASSERT_EQ(std::size(debuggingProperty), 1u);
+  const REALproperty& record = debuggingProperty[0];
+  EXPECT_EQ(record.group, nullptr);
+  EXPECT_STREQ(record.name, "Debugging");
+  EXPECT_STREQ(record.type, "Boolean");
+  EXPECT_EQ(record.flags, 0x26u);
+  ASSERT_EQ(record.attributeCount, 1u);
+  EXPECT_STREQ(record.attributes[0].name, "Hidden");
+  EXPECT_STREQ(record.attributes[0].value, "");
+  logOf([&] { reinterpret_cast<void (*)(bool)>(record.setter)(true); });
+  EXPECT_TRUE(reinterpret_cast<bool (*)()>(record.getter)());
+}
+
+TEST(LogMessageX, WritesWhetherOrNotDebuggingIsOn) {
+  EXPECT_EQ(logOf([] { LogMessageX("%s%s %u", logPrefix, "number", 7u); }), "QTX Debug: number 7\n");
+}
+
+TEST(LogMessageX, CutsWhatIsLongerThan4095Bytes) {
+  const std::string long4095(4095, 'x');
+  EXPECT_EQ(logOf([&] { LogMessageX("%s", long4095.c_str()); }), long4095 + "\n");
+  EXPECT_EQ(logOf([&] { LogMessageX("%sy", long4095.c_str()); }), long4095 + "\n");
+  EXPECT_EQ(logOf([&] { LogMessageX("%s%s", long4095.c_str(), long4095.c_str()); }), long4095 + "\n");
+}
+
+TEST(Trace, IsSilentWhileOff) {
+  EXPECT_EQ(logOf([] {
+              Trace("PopCount");
+              Trace("other", "is nil");
+              Trace("value", 1.5);
+            }),
+            "");
+}
+
+TEST(Trace, WritesNameAndValue) {
+  debugging = true;
+  EXPECT_EQ(logOf([] { Trace("PopCount"); }), "QTX Debug: PopCount\n");
+  EXPECT_EQ(logOf([] { Trace("other", "is nil"); }), "QTX Debug: other is nil\n");
+  EXPECT_EQ(logOf([] { Trace("new constant", std::int32_t{-3}); }), "QTX Debug: new constant -3\n");
+  EXPECT_EQ(logOf([] { Trace("encoding", std::uint32_t{0x1C000100}); }), "QTX Debug: encoding 469762304\n");
+  EXPECT_EQ(logOf([] { Trace("same size", std::size_t{12}); }), "QTX Debug: same size 12\n");
+  EXPECT_EQ(logOf([] { Trace("low", INT64_MIN); }), "QTX Debug: low -9223372036854775808\n");
+  EXPECT_EQ(logOf([] { Trace("high", UINT64_MAX); }), "QTX Debug: high 18446744073709551615\n");
+  EXPECT_EQ(logOf([] { Trace("TestArray", 2021.01); }), "QTX Debug: TestArray 2021.010000\n");
+  EXPECT_EQ(
+      logOf([] { Trace("pair", static_cast<const void*>(nullptr), reinterpret_cast<const void*>(0xABC0)); }),
+      "QTX Debug: pair 0x0, 0xabc0\n");
+}
+
+}  // namespace
+}  // namespace qtx

@@ -1,0 +1,375 @@
+// Host strings in and out, for every encoding and every missing operation.
+#include "frame/text_bridge.h"
+
+#include <cstring>
+#include <new>
+
+#include "failing_allocation.h"
+#include "fake_host.h"
+#include "frame/debug_log.h"
+
+namespace qtx {
+namespace {
+
+using Strings = std::vector<std::string>;
+
+// Makes a string, hands it to `body`, and gives it back.
+void withString(FakeHost& host, std::string_view bytes, std::uint32_t encoding,
+                const std::function<void(REALstring)>& body) {
+  const REALstring string = host.makeString(bytes, encoding);
+  body(string);
+  EXPECT_EQ(host.string(string).references, 1);
+  host.unlock(string);
+}
+
+TEST(Text, OfANullStringIsEmpty) {
+  FakeHost host;
+  rbText text(nullptr);
+  EXPECT_STREQ(text.GetUTF8(), "");
+  EXPECT_EQ(text.utf8(), "");
+  EXPECT_EQ(text.ascii(), "");
+  EXPECT_EQ(text.plain(), "");
+  EXPECT_EQ(text.sourceEncoding(), encoding::ascii);
+}
+
+TEST(Text, InUTF8IsTheHostsOwnBytes) {
+  FakeHost host;
+  withString(host, "Größe", encoding::utf8, [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(host.string(string).references, 2) << "held while viewed";
+    EXPECT_EQ(text.GetUTF8(), host.string(string).bytes.data());
+    EXPECT_EQ(text.utf8(), "Größe");
+    EXPECT_EQ(text.plain(), "Größe");
+  });
+  EXPECT_EQ(host.conversions, Strings());
+}
+
+TEST(Text, InASCIIIsTheHostsOwnBytesForBothViews) {
+  FakeHost host;
+  withString(host, "plain", encoding::ascii, [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(text.utf8().data(), host.string(string).bytes.data());
+    EXPECT_EQ(text.ascii().data(), host.string(string).bytes.data());
+    EXPECT_EQ(text.plain(), "plain");
+  });
+  EXPECT_EQ(host.conversions, Strings());
+}
+
+TEST(Text, InUTF8AndPureASCIINeedsNoConversionToASCII) {
+  FakeHost host;
+  withString(host, "plain", encoding::utf8, [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(text.ascii(), "plain");
+  });
+  withString(host, "Größe", encoding::utf8, [&](REALstring string) {
+    EXPECT_EQ(host.conversions, Strings());
+    rbText text(string);
+    text.ConvertASCII();
+  });
+  EXPECT_EQ(host.conversions, Strings({"PluginGetStringData 1536"}));
+}
+
+class WideText : public testing::TestWithParam<std::uint32_t> {};
+TEST_P(WideText, IsAlwaysConverted) {
+  FakeHost host;
+  withString(host, "1 2 ", GetParam(), [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(text.utf8(), "1 2 ");
+    EXPECT_EQ(text.plain(), "1 2 ");
+    text.GetUTF8();
+  });
+  EXPECT_EQ(host.conversions, Strings({"PluginGetStringData 134217984", "PluginGetStringData 1536"}));
+}
+INSTANTIATE_TEST_SUITE_P(Encodings, WideText,
+                         testing::Values(encoding::utf16, encoding::utf32, encoding::utf16BigEndian,
+                                         encoding::utf16LittleEndian, encoding::utf32BigEndian,
+                                         encoding::utf32LittleEndian));
+
+class OtherText : public testing::TestWithParam<std::uint32_t> {};
+TEST_P(OtherText, IsConvertedOnlyWhereItIsNotASCII) {
+  FakeHost host;
+  withString(host, "plain", GetParam(), [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(text.utf8().data(), host.string(string).bytes.data());
+    EXPECT_EQ(text.ascii().data(), host.string(string).bytes.data());
+  });
+  EXPECT_EQ(host.conversions, Strings());
+  withString(host,
+             "Gr\x9A\xA7"
+             "e",
+             GetParam(), [&](REALstring string) {
+               rbText text(string);
+               text.GetUTF8();
+               EXPECT_EQ(host.conversions, Strings({"PluginGetStringData 134217984"}));
+               text.ConvertASCII();
+               text.GetUTF8();
+             });
+  EXPECT_EQ(host.conversions, Strings({"PluginGetStringData 134217984", "PluginGetStringData 1536"}));
+}
+INSTANTIATE_TEST_SUITE_P(Encodings, OtherText,
+                         testing::Values(encoding::macRoman, encoding::isoLatin1, encoding::windowsLatin1,
+                                         0x0A01u));
+
+TEST(Text, WithoutKnownEncodingIsTakenAsItIsWhereItIsASCII) {
+  FakeHost host;
+  withString(host, "plain", encoding::none, [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(text.utf8().data(), host.string(string).bytes.data());
+    EXPECT_EQ(text.sourceEncoding(), encoding::none);
+  });
+  withString(host, "", encoding::none, [&](REALstring string) { EXPECT_EQ(rbText(string).utf8(), ""); });
+  EXPECT_EQ(host.conversions, Strings());
+}
+
+TEST(Text, WithoutKnownEncodingIsGuessedWhereItIsNotASCII) {
+  FakeHost host;
+  debugging = true;
+  const std::string log = logOf([&] {
+    withString(host,
+               "Gr\x9A\xA7"
+               "e",
+               encoding::none, [&](REALstring string) {
+                 rbText text(string);
+                 EXPECT_EQ(host.string(string).references, 1) << "replaced by the guess";
+                 EXPECT_EQ(text.sourceEncoding(), encoding::macRoman);
+                 EXPECT_EQ(text.utf8(),
+                           "Gr\x9A\xA7"
+                           "e");
+               });
+  });
+  EXPECT_EQ(log, "QTX Debug: Unknown encoding in REALBuildUnicodeString 0\n");
+  EXPECT_EQ(host.conversions, Strings({"PluginGetStringData 134217984"}));
+}
+
+TEST(Text, StaysWithTheOriginalWhereTheGuessCannotBeBuilt) {
+  FakeHost host;
+  host.withhold("REALBuildStringWithEncoding");
+  withString(host, "\x9A", encoding::none, [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(text.utf8(), "\x9A");
+    EXPECT_EQ(text.sourceEncoding(), encoding::none);
+  });
+}
+
+TEST(Text, OfAHostThatTellsNoEncodingIsConvertedWhereItIsNotASCII) {
+  FakeHost host;
+  host.withhold("REALGetStringEncoding");
+  withString(host, "plain", encoding::utf8, [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(text.sourceEncoding(), 0u);
+    EXPECT_EQ(text.utf8(), "plain");
+  });
+  EXPECT_EQ(host.conversions, Strings());
+  withString(host, "Größe", encoding::utf8, [&](REALstring string) { rbText(string).GetUTF8(); });
+  EXPECT_EQ(host.conversions, Strings({"PluginGetStringData 134217984"}));
+}
+
+TEST(Text, IsEmptyWhereTheHostCannotConvert) {
+  FakeHost host;
+  debugging = true;
+  host.withhold("PluginGetStringData");
+  withString(host, "\x9A", encoding::macRoman, [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(logOf([&] { EXPECT_STREQ(text.GetUTF8(), ""); }), "QTX Debug: REALGetStringData failed.\n");
+    EXPECT_TRUE(text.failed());
+    EXPECT_EQ(logOf([&] { EXPECT_STREQ(text.GetUTF8(), ""); }), "") << "asked once";
+  });
+}
+
+TEST(Text, IsEmptyWhereTheHostRefusesToConvert) {
+  FakeHost host;
+  host.offer(
+      "PluginGetStringData", +[](REALstring, std::uint32_t, REALstringData*) { return false; });
+  withString(host, "\x9A", encoding::macRoman, [&](REALstring string) {
+    rbText text(string);
+    EXPECT_EQ(text.ascii(), "");
+    EXPECT_TRUE(text.failed());
+  });
+}
+
+TEST(Text, IsEmptyOnAHostWithoutByteLengths) {
+  FakeHost host;
+  host.withhold("LenB( s as string ) as integer");
+  withString(host, "text", encoding::utf8, [&](REALstring string) { EXPECT_EQ(rbText(string).utf8(), ""); });
+}
+
+TEST(Text, IsEmptyOnAHostWithoutStringBytes) {
+  FakeHost host;
+  debugging = true;
+  host.withhold("StringGetCString");
+  withString(host, "text", encoding::utf8, [&](REALstring string) {
+    EXPECT_EQ(logOf([&] { EXPECT_EQ(rbText(string).utf8(), ""); }),
+              "QTX Debug: data is NULL, so size fixed to zero.\n");
+  });
+}
+
+TEST(Text, IsTerminatedWhereTheHostDoesNot) {
+  FakeHost host;
+  host.terminator = '9';
+  debugging = true;
+  for (const auto encoding : {encoding::utf8, encoding::ascii, encoding::none, encoding::utf16}) {
+    withString(host, "1234", encoding, [&](REALstring string) {
+      rbText text(string);
+      const std::string log = logOf([&] {
+        EXPECT_STREQ(text.GetUTF8(), "1234");
+        EXPECT_STREQ(text.GetUTF8(), "1234");
+      });
+      EXPECT_EQ(log, "QTX Debug: String is not zero terminated. Fixed.\n");
+      EXPECT_EQ(text.utf8().size(), 4u);
+      EXPECT_STREQ(text.ascii().data(), "1234");
+    });
+  }
+}
+
+TEST(Text, IsEmptyWhereThereIsNoMemoryToTerminateIt) {
+  FakeHost host;
+  host.terminator = '9';
+  const std::string bytes(50000, 'x');
+  withString(host, bytes, encoding::utf8, [&](REALstring string) {
+    rbText text(string);
+    debugging = true;
+    FailAllocationsOf failing(50004, 50005);
+    EXPECT_EQ(logOf([&] { EXPECT_STREQ(text.GetUTF8(), ""); }),
+              "QTX Debug: String is not zero terminated. Fixed.\nQTX Debug: Out of memory\n");
+    EXPECT_EQ(text.utf8().size(), 0u);
+  });
+}
+
+TEST(Text, ReportsDamagedGuardWords) {
+  FakeHost host;
+  debugging = true;
+  const std::uint64_t damage = 7;
+  for (const auto& [offset, message] :
+       {std::pair<std::size_t, const char*>{0, "QTX Debug: Check1 in rbText invalid 7\n"},
+        {sizeof(rbText) - sizeof damage, "QTX Debug: Check2 in rbText invalid 7\n"}}) {
+    alignas(rbText) std::byte memory[sizeof(rbText)];
+    auto* text = new (memory) rbText(nullptr);
+    std::uint64_t word;
+    std::memcpy(&word, memory + offset, sizeof word);
+    EXPECT_EQ(word, 0x51545854u) << "'QTXT'";
+    std::memcpy(memory + offset, &damage, sizeof damage);
+    EXPECT_EQ(logOf([&] { text->~rbText(); }), message);
+  }
+}
+
+TEST(Data, IsTheHostsOwnBytes) {
+  FakeHost host;
+  const std::string_view bytes("\0\xFF\0z", 4);
+  withString(host, bytes, encoding::none, [&](REALstring string) {
+    rbData data(string);
+    EXPECT_EQ(host.string(string).references, 2);
+    EXPECT_EQ(data.bytes(), bytes);
+    EXPECT_EQ(data.data(), host.string(string).bytes.data());
+    EXPECT_EQ(data.length(), 4u);
+  });
+  EXPECT_EQ(rbData(nullptr).length(), 0u);
+}
+
+TEST(Data, IsEmptyWhereTheHostHasNoBytes) {
+  FakeHost host;
+  debugging = true;
+  host.offer(
+      "StringGetCString", +[](REALstring) -> const char* { return nullptr; });
+  withString(host, "four", encoding::none, [&](REALstring string) {
+    EXPECT_EQ(logOf([&] { EXPECT_EQ(rbData(string).length(), 0u); }),
+              "QTX Debug: data is NULL, so size fixed to zero.\n");
+  });
+  withString(host, "", encoding::none, [&](REALstring string) {
+    EXPECT_EQ(logOf([&] { EXPECT_EQ(rbData(string).length(), 0u); }), "");
+  });
+}
+
+struct BuildRow {
+  std::string_view bytes;
+  std::uint32_t asked, built;
+  const char* log;
+};
+
+void expectBuilt(FakeHost& host, const BuildRow& row) {
+  SCOPED_TRACE(row.asked);
+  REALstring string = nullptr;
+  EXPECT_EQ(logOf([&] {
+              string = REALBuildUnicodeString(row.bytes.data(), static_cast<long long>(row.bytes.size()),
+                                              row.asked);
+            }),
+            row.log);
+  ASSERT_NE(string, nullptr);
+  EXPECT_EQ(host.bytesOf(string), row.bytes);
+  EXPECT_EQ(host.string(string).encoding, row.built);
+  EXPECT_EQ(host.string(string).references, 1);
+  host.unlock(string);
+}
+
+const BuildRow buildRows[] = {
+    {"plain", encoding::macRoman, encoding::ascii, ""},
+    {"plain", encoding::isoLatin1, encoding::ascii, ""},
+    {"plain", encoding::windowsLatin1, encoding::ascii, ""},
+    {"plain", encoding::none, encoding::ascii, ""},
+    {"plain", encoding::ascii, encoding::ascii, ""},
+    {"plain", encoding::utf8, encoding::utf8, ""},
+    {"\x80", encoding::utf8, encoding::utf8, ""},
+    {"\x80", encoding::ascii, encoding::ascii, ""},
+    {"\x7F", encoding::macRoman, encoding::ascii, ""},
+    {"\x80", encoding::macRoman, encoding::macRoman,
+     "QTX Debug: Unknown encoding in REALBuildUnicodeString 0\n"},
+    {"\xFF", encoding::isoLatin1, encoding::isoLatin1,
+     "QTX Debug: Unknown encoding in REALBuildUnicodeString 513\n"},
+    {"\x80", encoding::windowsLatin1, encoding::windowsLatin1,
+     "QTX Debug: Unknown encoding in REALBuildUnicodeString 1280\n"},
+    {"\x80", encoding::none, encoding::none, "QTX Debug: Unknown encoding in REALBuildUnicodeString 65535\n"},
+    {"plain", encoding::utf32, encoding::utf32,
+     "QTX Debug: Unknown encoding in REALBuildUnicodeString 201326848\n"},
+    {"plain", 0x1C000100, 0x1C000100, "QTX Debug: Unknown encoding in REALBuildUnicodeString 469762304\n"},
+};
+
+class BuildString : public testing::TestWithParam<double> {};
+
+TEST_P(BuildString, TakesEveryEncoding) {
+  FakeHost host(GetParam());
+  debugging = true;
+  for (const BuildRow& row : buildRows) expectBuilt(host, row);
+  EXPECT_EQ(host.lookUps["REALBuildString"] > 0, GetParam() < 2012.0);
+  EXPECT_EQ(host.lookUps["REALBuildStringWithEncoding"] > 0, GetParam() >= 2012.0);
+}
+
+TEST_P(BuildString, ConvertsUTF16ToUTF8) {
+  FakeHost host(GetParam());
+  debugging = true;
+  expectBuilt(host, {"t\0w\0", encoding::utf16, encoding::utf8, ""});
+  EXPECT_EQ(host.conversions, Strings({"REALConvertString 134217984"}));
+}
+
+TEST_P(BuildString, GivesNullForNoBytes) {
+  FakeHost host(GetParam());
+  EXPECT_EQ(REALBuildUnicodeString("text", 0, encoding::utf8), nullptr);
+  EXPECT_EQ(REALBuildUnicodeString("text", -1, encoding::utf8), nullptr);
+  EXPECT_EQ(REALBuildUnicodeString(nullptr, 4, encoding::utf8), nullptr);
+}
+
+TEST_P(BuildString, RefusesTwoGibibytes) {
+  FakeHost host(GetParam());
+  debugging = true;
+  EXPECT_EQ(logOf([] { EXPECT_EQ(REALBuildUnicodeString("text", 1LL << 31, encoding::utf8), nullptr); }),
+            "QTX Debug: Count too big for REALBuildUnicodeString.\n");
+}
+
+TEST_P(BuildString, GivesNullWhereTheHostCannotBuild) {
+  FakeHost host(GetParam());
+  debugging = true;
+  host.withhold("REALBuildString");
+  host.withhold("REALBuildStringWithEncoding");
+  EXPECT_EQ(logOf([] { EXPECT_EQ(REALBuildUnicodeString("text", 4, encoding::utf8), nullptr); }), "");
+  EXPECT_EQ(logOf([] { EXPECT_EQ(REALBuildUnicodeString("t\0", 2, encoding::utf16), nullptr); }),
+            GetParam() < 2012.0 ? "QTX Debug: Out of memory in REALBuildUnicodeStringUTF16.\n" : "");
+}
+
+TEST_P(BuildString, GivesNullForUTF16WhereTheHostCannotConvert) {
+  FakeHost host(GetParam());
+  host.withhold("REALConvertString");
+  EXPECT_EQ(REALBuildUnicodeString("t\0", 2, encoding::utf16), nullptr);
+}
+
+INSTANTIATE_TEST_SUITE_P(Versions, BuildString, testing::Values(2009.0, 2011.99, 2012.0, 2024.01));
+
+}  // namespace
+}  // namespace qtx
