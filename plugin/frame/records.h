@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <span>
 
+#include "frame/checked_declaration.h"
 #include "frame/host_interface.h"
 #include "frame/raise.h"
 
@@ -45,8 +46,8 @@ REALproc entryOf() {
 
 // A method, shared method or global function.
 template <auto function>
-REALmethodDefinition method(const char* declaration) {
-  return {entryOf<function>(), nullptr, declaration, recordFlags::console, nullptr, 0};
+REALmethodDefinition method(CheckedDeclaration<std::remove_const_t<decltype(function)>> declaration) {
+  return {entryOf<function>(), nullptr, declaration.text(), recordFlags::console, nullptr, 0};
 }
 
 // An instance property; read-only without a setter.
