@@ -19,7 +19,9 @@ class RatioReporter : public benchmark::ConsoleReporter {
       if (run.aggregate_name != "median") continue;
       const std::string name = run.run_name.str();
       if (!medians_.contains(name)) order_.push_back(name);
-      medians_[name] = run.GetAdjustedCPUTime();
+      // Between threads it is the time on the clock that counts.
+      const bool onTheClock = name.find("/real_time") != std::string::npos;
+      medians_[name] = onTheClock ? run.GetAdjustedRealTime() : run.GetAdjustedCPUTime();
     }
   }
 

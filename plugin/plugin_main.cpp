@@ -1,9 +1,11 @@
 // REALPluginMain, the library's one exported symbol: meets the host and registers everything there is.
 #include "atomic/atomic_flag.h"
 #include "atomic/atomic_integer.h"
+#include "atomic/atomic_queue.h"
 #include "frame/host_interface.h"
 #include "frame/host_state.h"
 #include "frame/registration.h"
+#include "spline/spline_class.h"
 
 using namespace qtx;
 
@@ -16,7 +18,7 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolv
   // Every host that is supported has this operation.
   reinterpret_cast<void (*)(std::int32_t)>(lookUp("RegisterPluginVersion"))(hostState.controlVersion);
 
-  for (REALclassDefinition* record : {&atomicIntegerClass, &atomicFlagClass}) {
+  for (REALclassDefinition* record : {&atomicIntegerClass, &atomicFlagClass, &atomicQueueClass, &splineClass}) {
     MyREALRegisterClass(record);
   }
 }

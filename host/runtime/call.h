@@ -22,14 +22,14 @@ struct Passing {
 class Call {
  public:
   Call() = default;
-  Call(REALproc function, std::vector<Passing> arguments, Type result);
+  Call(REALproc callee, const std::vector<Passing>& arguments, Type result);
 
   explicit operator bool() const { return function_ != nullptr; }
   REALproc function() const { return function_; }
 
-  // Slots hold values as value.h says; a byRef argument's slot holds the address of a variable of exactly its type.
-  // A reference result is owned by the caller. Throws HostException when the function left an exception pending
-  // (its result is released first).
+  // Slots hold values as value.h says; a byRef argument's slot holds the address of a variable of exactly its
+  // type. A reference result is owned by the caller. Throws HostException when the function left an exception
+  // pending (its result is released first).
   Slot operator()(std::span<const Slot> arguments) const;
 
  private:

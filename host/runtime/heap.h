@@ -35,13 +35,24 @@ class Ref {
  public:
   Ref() = default;
   Ref(std::nullptr_t) {}
-  static Ref adopt(Thing* thing) { Ref ref; ref.thing_ = thing; return ref; }  // takes the caller's reference
-  static Ref share(Thing* thing) { retain(thing); return adopt(thing); }       // adds one
+  static Ref adopt(Thing* thing) {
+    Ref ref;
+    ref.thing_ = thing;
+    return ref;
+  }  // takes the caller's reference
+  static Ref share(Thing* thing) {
+    retain(thing);
+    return adopt(thing);
+  }  // adds one
   Ref(const Ref& other) : thing_(other.thing_) { retain(thing_); }
   Ref(Ref&& other) noexcept : thing_(std::exchange(other.thing_, nullptr)) {}
-  template <typename Derived> requires(!std::is_same_v<Derived, Thing> && std::is_convertible_v<Derived*, Thing*>)
-  Ref(Ref<Derived> other) : thing_(other.detach()) {}
-  Ref& operator=(Ref other) noexcept { std::swap(thing_, other.thing_); return *this; }
+  template <typename Derived>
+  requires(!std::is_same_v<Derived, Thing> && std::is_convertible_v<Derived*, Thing*>) Ref(Ref<Derived> other)
+      : thing_(other.detach()) {}
+  Ref& operator=(Ref other) noexcept {
+    std::swap(thing_, other.thing_);
+    return *this;
+  }
   ~Ref() { release(thing_); }
 
   Thing* get() const { return thing_; }

@@ -10,7 +10,9 @@ namespace host {
 
 struct Object : Heap {
   // The instance data of the class that declares it (a subclass's data follows its superclass's).
-  std::byte* dataOf(const Class& declaring) { return reinterpret_cast<std::byte*>(this) + declaring.dataOffset; }
+  std::byte* dataOf(const Class& declaring) {
+    return reinterpret_cast<std::byte*>(this) + declaring.dataOffset;
+  }
 };
 
 // Zero-filled, initializers run (superclass first), no Constructor called. Throws HostException

@@ -11,7 +11,7 @@ namespace host {
 
 struct Text : Heap {
   std::uint32_t encoding;
-  std::size_t length;  // in bytes
+  std::size_t length;                                                            // in bytes
   const char* bytes() const { return reinterpret_cast<const char*>(this + 1); }  // length bytes, then a NUL
 };
 

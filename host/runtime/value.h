@@ -12,12 +12,22 @@ struct Heap;
 enum class Kind : std::uint8_t {
   None,  // a Sub's result
   Nil,   // the literal; fits every Object, Array and Variant
-  Boolean, Int8, Int16, Int32, Int64, UInt8, UInt16, UInt32, UInt64,
+  Boolean,
+  Int8,
+  Int16,
+  Int32,
+  Int64,
+  UInt8,
+  UInt16,
+  UInt32,
+  UInt64,
   Currency,  // 64-bit count of ten-thousandths
-  Single, Double,
-  Pointer,   // Ptr
-  String, Variant,
-  Object,    // of a class
+  Single,
+  Double,
+  Pointer,  // Ptr
+  String,
+  Variant,
+  Object,  // of a class
 };
 
 // A declared type: a kind, the class where the kind is Object, and whether it is an array of such elements.
@@ -44,8 +54,9 @@ std::size_t sizeOf(Type type);
 // As a program would write it: "Integer", "UInt64", "Variant()", "Dictionary".
 std::string nameOf(Type type);
 
-// One value. Integers, Boolean and Currency are kept widened to 64 bits (sign- or zero-extended by their type);
-// a Single stays a float, so that no NaN pattern is lost; handles are borrowed or owned as the holder says.
+// One value. Integers, Boolean and Currency are kept widened to 64 bits (sign- or zero-extended by their
+// type); a Single stays a float, so that no NaN pattern is lost; handles are borrowed or owned as the holder
+// says.
 union Slot {
   std::int64_t integer;
   std::uint64_t word;

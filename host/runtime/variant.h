@@ -12,15 +12,18 @@ namespace host {
 
 // VarType codes, as the language's VarType function gives them.
 namespace varType {
-inline constexpr std::int64_t nil = 0, int32 = 2, int64 = 3, single = 4, floating = 5, currency = 6, date = 7, string = 8,
-                              object = 9, boolean = 11, pointer = 26, dateTime = 38, arrayFlag = 4096;
+inline constexpr std::int64_t nil = 0, int32 = 2, int64 = 3, single = 4, floating = 5, currency = 6, date = 7,
+                              string = 8, object = 9, boolean = 11, pointer = 26, dateTime = 38,
+                              arrayFlag = 4096;
 }
 
-// A variant holding the value; the slot is borrowed. Int8, Int16, Int32, UInt8 and UInt16 become Int32; UInt32 and
-// UInt64 keep their kinds in boxes of "_VariantUInt32" and "_VariantUInt64". An empty string gives a box, nil gives null.
+// A variant holding the value; the slot is borrowed. Int8, Int16, Int32, UInt8 and UInt16 become Int32;
+// UInt32 and UInt64 keep their kinds in boxes of "_VariantUInt32" and "_VariantUInt64". An empty string gives
+// a box, nil gives null.
 Ref<Heap> box(Slot value, Type type);
 
-// What is in it: for a box the plain type, for an object its class, for an array its type; Kind::Nil for null.
+// What is in it: for a box the plain type, for an object its class, for an array its type; Kind::Nil for
+// null.
 Type typeIn(const Heap* variant);
 Slot valueIn(const Heap* variant);  // borrowed
 
@@ -34,13 +37,13 @@ std::uint64_t toUInt64(const Heap* variant);
 double toDouble(const Heap* variant);
 Ref<Text> toText(const Heap* variant);
 
-// A slot of type `to` from one of type `from`, both plain (numbers, Boolean, Currency, String, Variant). A reference
-// result is owned by the caller. This is the one table of the language's implicit conversions.
+// A slot of type `to` from one of type `from`, both plain (numbers, Boolean, Currency, String, Variant). A
+// reference result is owned by the caller. This is the one table of the language's implicit conversions.
 Slot convert(Slot value, Type from, Type to);
 bool isConvertible(Type from, Type to);
 
-// As Print and Str write a value: Doubles in the shortest form that reads back, "True"/"False", Currency with up to
-// four decimals.
+// As Print and Str write a value: Doubles in the shortest form that reads back, "True"/"False", Currency with
+// up to four decimals.
 std::string display(Slot value, Type type);
 
 }  // namespace host

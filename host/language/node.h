@@ -1,0 +1,210 @@
+// What a compiled program consists of: typed expressions, places that can be assigned to, and statements.
+#pragma once
+
+#include <memory>
+#include <utility>
+#include <vector>
+
+#include "language/lexer.h"
+#include "runtime/heap.h"
+#include "runtime/value.h"
+
+namespace host {
+
+// One call of a Sub or Function, or the main program.
+struct Frame {
+  Slot* locals = nullptr;
+  int line = 0;      // of the statement being run
+  Slot result = {};  // owned, where it is a reference
+};
+
+// Which of the four evaluations an expression of the type has.
+enum class Register { integer, real, single, reference };
+inline Register registerOf(Type type) {
+  if (type.isReference()) return Register::reference;
+  if (type.kind == Kind::Double) return Register::real;
+  return type.kind == Kind::Single ? Register::single
+                                   : Register::integer;  // Boolean, Currency and Ptr are integers
+}
+
+// Drops the reference that a slot owns, if its type is one.
+inline void releaseSlot(Slot slot, Type type) {
+  if (type.isReference()) release(slot.heap);
+}
+
+class Expression {
+ public:
+  explicit Expression(Type ofType) : type(ofType) {}
+  virtual ~Expression() = default;
+
+  // Only the one that belongs to the type's register may be called.
+  virtual std::int64_t integer(Frame&) const { std::abort(); }
+  virtual double real(Frame&) const { std::abort(); }
+  virtual float single(Frame&) const { std::abort(); }
+  virtual Ref<Heap> reference(Frame&) const { std::abort(); }
+
+  // Whichever it is; the caller owns a reference.
+  Slot evaluate(Frame& frame) const {
+    Slot slot = {};
+    switch (registerOf(type)) {
+      case Register::integer:
+        slot.integer = integer(frame);
+        break;
+      case Register::real:
+        slot.number = real(frame);
+        break;
+      case Register::single:
+        slot.single = single(frame);
+        break;
+      case Register::reference:
+        slot.heap = reference(frame).detach();
+        break;
+    }
+    return slot;
+  }
+
+  Type type;
+  Position position;
+  bool isLiteral = false;    // a number that fits whatever holds it
+  std::int64_t literal = 0;  // of an integer literal
+};
+using Expr = std::unique_ptr<Expression>;
+
+// An expression that can be assigned to.
+class Place : public Expression {
+ public:
+  using Expression::Expression;
+  virtual void put(Frame& frame, Slot owned) const = 0;
+};
+
+// Evaluated, and given back at the end of the scope.
+class Held {
+ public:
+  Held(const Expression& expression, Frame& frame)
+      : slot(expression.evaluate(frame)), type_(expression.type) {}
+  Held(Slot owned, Type type) : slot(owned), type_(type) {}
+  ~Held() { releaseSlot(slot, type_); }
+  Held(const Held&) = delete;
+  Held& operator=(const Held&) = delete;
+  Slot detach() {
+    type_ = {};
+    return slot;
+  }
+  Slot slot;
+
+ private:
+  Type type_;
+};
+
+namespace detail {
+template <typename Function>
+struct IntegerNode final : Expression {
+  IntegerNode(Type ofType, Function f) : Expression(ofType), function(std::move(f)) {}
+  std::int64_t integer(Frame& frame) const override { return static_cast<std::int64_t>(function(frame)); }
+  Function function;
+};
+template <typename Function>
+struct RealNode final : Expression {
+  RealNode(Type ofType, Function f) : Expression(ofType), function(std::move(f)) {}
+  double real(Frame& frame) const override { return function(frame); }
+  Function function;
+};
+template <typename Function>
+struct SingleNode final : Expression {
+  SingleNode(Type ofType, Function f) : Expression(ofType), function(std::move(f)) {}
+  float single(Frame& frame) const override { return function(frame); }
+  Function function;
+};
+template <typename Function>
+struct ReferenceNode final : Expression {
+  ReferenceNode(Type ofType, Function f) : Expression(ofType), function(std::move(f)) {}
+  Ref<Heap> reference(Frame& frame) const override { return function(frame); }
+  Function function;
+};
+template <typename Function>
+struct SlotNode final : Expression {
+  SlotNode(Type ofType, Function f) : Expression(ofType), function(std::move(f)) {}
+  std::int64_t integer(Frame& frame) const override { return function(frame).integer; }
+  double real(Frame& frame) const override { return function(frame).number; }
+  float single(Frame& frame) const override { return function(frame).single; }
+  Ref<Heap> reference(Frame& frame) const override { return Ref<Heap>::adopt(function(frame).heap); }
+  Function function;
+};
+}  // namespace detail
+
+// Expressions made of a function of the frame; the last gives any type's slot, owned.
+template <typename Function>
+Expr integerNode(Type type, Function function) {
+  return std::make_unique<detail::IntegerNode<Function>>(type, std::move(function));
+}
+template <typename Function>
+Expr realNode(Function function) {
+  return std::make_unique<detail::RealNode<Function>>(Type{Kind::Double}, std::move(function));
+}
+template <typename Function>
+Expr singleNode(Function function) {
+  return std::make_unique<detail::SingleNode<Function>>(Type{Kind::Single}, std::move(function));
+}
+template <typename Function>
+Expr referenceNode(Type type, Function function) {
+  return std::make_unique<detail::ReferenceNode<Function>>(type, std::move(function));
+}
+template <typename Function>
+Expr slotNode(Type type, Function function) {
+  return std::make_unique<detail::SlotNode<Function>>(type, std::move(function));
+}
+
+// How a statement ends: by going on, or on the way out of something.
+enum class Flow : std::uint8_t {
+  next,
+  exitFor,
+  exitWhile,
+  exitDo,
+  continueFor,
+  continueWhile,
+  continueDo,
+  leave,  // the Sub, Function or program
+};
+
+class Statement {
+ public:
+  virtual ~Statement() = default;
+  virtual Flow run(Frame&) const = 0;
+};
+using Stmt = std::unique_ptr<Statement>;
+
+namespace detail {
+template <typename Function>
+struct StatementNode final : Statement {
+  StatementNode(int atLine, Function f) : line(atLine), function(std::move(f)) {}
+  Flow run(Frame& frame) const override {
+    frame.line = line;
+    if constexpr (std::is_void_v<decltype(function(frame))>) {
+      function(frame);
+      return Flow::next;
+    } else {
+      return function(frame);
+    }
+  }
+  int line;
+  Function function;
+};
+}  // namespace detail
+
+template <typename Function>
+Stmt statement(Position position, Function function) {
+  return std::make_unique<detail::StatementNode<Function>>(position.line, std::move(function));
+}
+
+struct Block {
+  std::vector<Stmt> statements;
+  Flow run(Frame& frame) const {
+    for (const Stmt& each : statements) {
+      if (const Flow flow = each->run(frame); flow != Flow::next) [[unlikely]]
+        return flow;
+    }
+    return Flow::next;
+  }
+};
+
+}  // namespace host

@@ -1,0 +1,165 @@
+#include "language/program.h"
+
+#include <alloca.h>
+#include <pthread.h>
+
+#include <atomic>
+#include <cstring>
+#include <thread>
+
+namespace host {
+
+Sub::~Sub() {
+  for (const SubParameter& parameter : parameters) {
+    if (parameter.defaultValue) releaseSlot(*parameter.defaultValue, parameter.type);
+  }
+}
+
+namespace {
+
+// Keeps a handle from being given back by one thread while another takes a reference of its own.
+std::mutex globalReferences;
+
+class LocalsScope {
+ public:
+  LocalsScope(Slot* locals, const std::vector<Type>& types) : locals_(locals), types_(types) {}
+  ~LocalsScope() {
+    for (std::size_t i = 0; i < types_.size(); ++i) releaseSlot(locals_[i], types_[i]);
+  }
+  LocalsScope(const LocalsScope&) = delete;
+  LocalsScope& operator=(const LocalsScope&) = delete;
+
+ private:
+  Slot* locals_;
+  const std::vector<Type>& types_;
+};
+
+constexpr std::size_t mainStackSize = std::size_t{64} << 20;
+constexpr std::size_t stackReserve = std::size_t{384} << 10;  // for what runs between two checks
+
+// The lowest address that this thread's frames may reach.
+const char* stackLimit() {
+  static thread_local const char* limit = [] {
+#if defined(__APPLE__)
+    const pthread_t self = pthread_self();
+    return static_cast<const char*>(pthread_get_stackaddr_np(self)) - pthread_get_stacksize_np(self) +
+           stackReserve;
+#else
+    pthread_attr_t attributes;
+    void* lowest = nullptr;
+    std::size_t size = 0;
+    pthread_getattr_np(pthread_self(), &attributes);
+    pthread_attr_getstack(&attributes, &lowest, &size);
+    pthread_attr_destroy(&attributes);
+    return static_cast<const char*>(lowest) + stackReserve;
+#endif
+  }();
+  return limit;
+}
+
+std::string where(const Program& program, const Frame& frame, const std::string& sub) {
+  return program.name + ":" + std::to_string(frame.line) + (sub.empty() ? "" : ": " + sub);
+}
+
+void runFrame(const Program& program, Frame& frame, const Block& body, const std::string& name) {
+  try {
+    body.run(frame);
+  } catch (HostException& exception) {
+    exception.trace.push_back(where(program, frame, name));
+    throw;
+  } catch (const std::bad_alloc&) {
+    HostException exception("OutOfMemoryException", "There is not enough memory.");
+    exception.trace.push_back(where(program, frame, name));
+    throw exception;
+  }
+}
+
+}  // namespace
+
+Slot Global::load() const {
+  Slot loaded;
+  if (type.isReference()) {
+    const std::lock_guard lock(globalReferences);
+    retain(slot.heap);
+    loaded = slot;
+  } else {
+    loaded.word = __atomic_load_n(&slot.word, __ATOMIC_RELAXED);
+  }
+  return loaded;
+}
+
+void Global::store(Slot owned) {
+  if (type.isReference()) {
+    Slot old;
+    {
+      const std::lock_guard lock(globalReferences);
+      old = std::exchange(slot, owned);
+    }
+    release(old.heap);
+  } else {
+    __atomic_store_n(&slot.word, owned.word, __ATOMIC_RELAXED);
+  }
+}
+
+void Program::releaseGlobals() {
+  for (Global& global : globalStorage) global.store(Slot{});
+}
+
+void checkStack() {
+  if (static_cast<const char*>(__builtin_frame_address(0)) < stackLimit()) {
+    throw HostException("StackOverflowException",
+                        "The stack is used up: Subs or Functions call each other too deeply.");
+  }
+}
+
+Slot callSub(const Program& program, const Sub& sub, const Slot* arguments) {
+  const std::size_t count = sub.locals.size();
+  auto* locals = static_cast<Slot*>(alloca((count + 1) * sizeof(Slot)));
+  std::memset(locals, 0, count * sizeof(Slot));
+  for (std::size_t i = 0; i < sub.parameters.size(); ++i) locals[i] = arguments[i];
+  const LocalsScope scope(locals, sub.locals);
+  checkStack();
+  Frame frame;
+  frame.locals = locals;
+  frame.line = sub.position.line;
+  try {
+    runFrame(program, frame, sub.body, sub.name);
+  } catch (...) {
+    releaseSlot(frame.result, sub.result);
+    throw;
+  }
+  return frame.result;
+}
+
+void runMain(const Program& program, const Main& main) {
+  std::exception_ptr failure;
+  auto body = [&] {
+    std::vector<Slot> locals(main.locals.size());
+    const LocalsScope scope(locals.data(), main.locals);
+    Frame frame;
+    frame.locals = locals.data();
+    try {
+      runFrame(program, frame, main.body, "");
+    } catch (...) {
+      failure = std::current_exception();
+    }
+  };
+  pthread_attr_t attributes;
+  pthread_attr_init(&attributes);
+  pthread_attr_setstacksize(&attributes, mainStackSize);
+  pthread_t thread;
+  const auto entry = [](void* argument) -> void* {
+    (*static_cast<decltype(body)*>(argument))();
+    return nullptr;
+  };
+  const bool started = pthread_create(&thread, &attributes, entry, &body) == 0;
+  pthread_attr_destroy(&attributes);
+  if (started) {
+    pthread_join(thread, nullptr);
+  } else {
+    body();
+  }
+  if (failure) std::rethrow_exception(failure);
+}
+
+}  // namespace host

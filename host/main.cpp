@@ -1,0 +1,188 @@
+// qtxhost: runs host programs against a plug-in library.
+#include <unistd.h>
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iostream>
+#include <mutex>
+#include <sstream>
+
+#include "language/compiler.h"
+#include "language/repl.h"
+#include "runtime/library.h"
+#include "runtime/operations.h"
+#include "runtime/report.h"
+#include "runtime/thread.h"
+
+namespace {
+
+using namespace host;
+
+constexpr int programFailed = 1;
+constexpr int couldNotRun = 2;
+
+// The library beside this program, or where an installation puts it.
+std::filesystem::path findLibrary() {
+  if (const char* given = std::getenv("QTX_LIBRARY")) return given;
+#if defined(__APPLE__)
+  const char* name = "libqtx.dylib";
+  const std::filesystem::path self;
+#else
+  const char* name = "libqtx.so";
+  std::error_code ignored;
+  const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ignored);
+#endif
+  const std::filesystem::path here = self.parent_path();
+  for (const std::filesystem::path& candidate :
+       {here / name, here / "../lib" / name, here / "../lib/qtx" / name}) {
+    if (std::filesystem::exists(candidate)) return candidate;
+  }
+  return here / name;
+}
+
+std::string readProgram(const std::string& file) {
+  std::ostringstream text;
+  if (file == "-") {
+    text << std::cin.rdbuf();
+    return text.str();
+  }
+  if (!std::filesystem::exists(file)) throw std::runtime_error(file + ": there is no such file");
+  std::ifstream stream(file, std::ios::binary);
+  if (std::filesystem::is_directory(file) || !stream) throw std::runtime_error(file + ": cannot be read");
+  text << stream.rdbuf();
+  return text.str();
+}
+
+// The hidden switch of the library that turns its tracing on, whatever module brings it.
+void switchTracingOn() {
+  for (const Module& module : registry().modules) {
+    for (const Property& property : module.properties) {
+      if (property.hidden && property.type == Type{Kind::Boolean} && property.setter) {
+        const Slot on[] = {{.integer = 1}};
+        property.setter(on);
+        return;
+      }
+    }
+  }
+  throw std::runtime_error("--trace: the library offers no tracing to a host of this version");
+}
+
+int run(const std::string& file) {
+  Program program;
+  program.name = file == "-" ? "standard input" : file;
+  const std::string text = readProgram(file);
+  std::mutex reporting;
+  bool failed = false;
+  const auto report = [&](const HostException& exception) {
+    const std::lock_guard lock(reporting);
+    failed = true;
+    std::fflush(stdout);
+    std::fputs(describe(exception).c_str(), stderr);
+  };
+  setUncaughtHandler(report);
+  try {
+    const Main main = compile(program, text);
+    try {
+      runMain(program, main);
+    } catch (const HostException& exception) {
+      report(exception);
+    }
+    joinAll();
+  } catch (const ProgramError& error) {
+    std::fprintf(stderr, "%s:%d:%d: error: %s\n", program.name.c_str(), error.position.line,
+                 error.position.column, error.what());
+    return programFailed;
+  }
+  std::fflush(stdout);
+  return failed ? programFailed : 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  CLI::App app{"Runs programs in the host's language against a plug-in library."};
+  app.require_subcommand(1);
+  app.set_version_flag("--version", std::string("qtxhost ") + QTX_VERSION);
+  app.footer(
+      "Examples:\n  qtxhost run tour.bas\n  qtxhost run --host-version 2012.0 --trace tour.bas\n"
+      "  echo 'Print 6 * 7' | qtxhost run -\n  qtxhost list");
+
+  std::string library, arrayShape = "published", file;
+  std::vector<std::string> withheld, kept;
+  bool trace = false, leaks = false;
+  std::string version = "2024.01";
+  const auto addCommon = [&](CLI::App* command) {
+    command->add_option("--library", library,
+                        "The plug-in library (default: $QTX_LIBRARY, or the one beside qtxhost)");
+    command->add_option("--host-version", version, "The version that the host reports, such as 2013.04")
+        ->capture_default_str()
+        ->check(CLI::Number);
+    command
+        ->add_option("--without", withheld, "A host operation that the host does not offer; may be repeated")
+        ->expected(1)
+        ->take_all();
+    command->add_option("--array-shape", arrayShape, "How arrays lie in memory: published, or other")
+        ->capture_default_str()
+        ->check(CLI::IsMember({"published", "other"}));
+  };
+  CLI::App* runCommand = app.add_subcommand("run", "Runs a program");
+  addCommon(runCommand);
+  runCommand->add_option("FILE", file, "The program; - for standard input")->required();
+  runCommand->add_flag("--trace", trace, "Turns the library's tracing on");
+  runCommand->add_flag("--leaks", leaks, "Lists at the end what is still alive, and then fails");
+  runCommand
+      ->add_option(
+          "--keeps", kept,
+          "A class of which the library keeps objects for itself, which are no leaks; may be repeated")
+      ->expected(1)
+      ->take_all();
+  CLI::App* replCommand =
+      app.add_subcommand("repl", "Reads statements and expressions, and runs each at once");
+  addCommon(replCommand);
+  replCommand->add_flag("--trace", trace, "Turns the library's tracing on");
+  CLI::App* listCommand = app.add_subcommand("list", "Lists the library's classes, members and functions");
+  addCommon(listCommand);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
+    std::fprintf(stderr, "qtxhost: %s\n", error.what());
+    return couldNotRun;
+  }
+  try {
+    settings().version = std::stod(version);
+    settings().otherArrayShape = arrayShape == "other";
+    const std::vector<std::string> known = operationNames();
+    for (const std::string& name : withheld) {
+      if (std::find(known.begin(), known.end(), name) == known.end()) {
+        const std::string near = nearest(name, known);
+        throw std::runtime_error("--without " + name + ": there is no such operation" +
+                                 (near.empty() ? "" : "; did you mean " + near + "?"));
+      }
+      settings().withheld.insert(name);
+    }
+    loadLibrary(library.empty() ? findLibrary() : std::filesystem::path(library));
+    registerBuiltins();
+    if (trace) switchTracingOn();
+    if (listCommand->parsed()) {
+      std::fputs(listing().c_str(), stdout);
+      return 0;
+    }
+    if (replCommand->parsed()) {
+      repl();
+      return 0;
+    }
+    const int status = run(file);
+    if (!leaks) return status;
+    const std::string report = leakReport({kept.begin(), kept.end()});
+    std::fputs(report.c_str(), stderr);
+    return report.empty() ? status : programFailed;
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "qtxhost: %s\n", error.what());
+    return couldNotRun;
+  }
+}

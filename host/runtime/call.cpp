@@ -1,0 +1,118 @@
+#include "runtime/call.h"
+
+#include <array>
+#include <cstring>
+
+#include "runtime/exception.h"
+
+namespace host {
+
+namespace {
+
+ffi_type* ffiTypeOf(Type type) {
+  if (type.isReference()) return &ffi_type_pointer;
+  switch (type.kind) {
+    case Kind::None:
+      return &ffi_type_void;
+    case Kind::Boolean:
+    case Kind::UInt8:
+      return &ffi_type_uint8;
+    case Kind::Int8:
+      return &ffi_type_sint8;
+    case Kind::Int16:
+      return &ffi_type_sint16;
+    case Kind::UInt16:
+      return &ffi_type_uint16;
+    case Kind::Int32:
+      return &ffi_type_sint32;
+    case Kind::UInt32:
+      return &ffi_type_uint32;
+    case Kind::UInt64:
+      return &ffi_type_uint64;
+    case Kind::Single:
+      return &ffi_type_float;
+    case Kind::Double:
+      return &ffi_type_double;
+    case Kind::Pointer:
+      return &ffi_type_pointer;
+    default:
+      return &ffi_type_sint64;
+  }
+}
+
+// libffi hands integers that are narrower than a register back in a whole one, of which only the low part
+// counts.
+Slot resultOf(const void* returned, Type type) {
+  Slot slot = {};
+  ffi_arg word;
+  std::memcpy(&word, returned, sizeof word);
+  switch (type.isReference() ? Kind::Object : type.kind) {
+    case Kind::None:
+      break;
+    case Kind::Boolean:
+      slot.integer = static_cast<std::uint8_t>(word) != 0;
+      break;
+    case Kind::Int8:
+      slot.integer = static_cast<std::int8_t>(word);
+      break;
+    case Kind::UInt8:
+      slot.integer = static_cast<std::uint8_t>(word);
+      break;
+    case Kind::Int16:
+      slot.integer = static_cast<std::int16_t>(word);
+      break;
+    case Kind::UInt16:
+      slot.integer = static_cast<std::uint16_t>(word);
+      break;
+    case Kind::Int32:
+      slot.integer = static_cast<std::int32_t>(word);
+      break;
+    case Kind::UInt32:
+      slot.integer = static_cast<std::uint32_t>(word);
+      break;
+    case Kind::Single:
+      std::memcpy(&slot.single, returned, sizeof slot.single);
+      break;
+    default:
+      std::memcpy(&slot, returned, sizeof slot);
+      break;
+  }
+  return slot;
+}
+
+}  // namespace
+
+struct Call::Prepared {
+  ffi_cif interface = {};
+  std::vector<ffi_type*> types;
+  Type result;
+};
+
+Call::Call(REALproc callee, const std::vector<Passing>& arguments, Type result) : function_(callee) {
+  if (!callee) return;
+  auto prepared = std::make_shared<Prepared>();
+  for (const Passing& each : arguments) {
+    prepared->types.push_back(each.byRef ? &ffi_type_pointer : ffiTypeOf(each.type));
+  }
+  prepared->result = result;
+  ffi_prep_cif(&prepared->interface, FFI_DEFAULT_ABI, static_cast<unsigned>(prepared->types.size()),
+               ffiTypeOf(result), prepared->types.data());
+  prepared_ = std::move(prepared);
+}
+
+Slot Call::operator()(std::span<const Slot> arguments) const {
+  // The low bytes of a slot are the narrower value itself, on the little-endian processors there are.
+  std::array<void*, 32> values;
+  for (std::size_t i = 0; i < arguments.size(); ++i) values[i] = const_cast<Slot*>(&arguments[i]);
+  alignas(16) std::byte returned[16] = {};
+  // libffi asks for a writable description but does not change it in a call.
+  ffi_call(const_cast<ffi_cif*>(&prepared_->interface), function_, returned, values.data());
+  const Slot result = resultOf(returned, prepared_->result);
+  if (Ref<Object> pending = takePending()) [[unlikely]] {
+    if (prepared_->result.isReference()) release(result.heap);
+    throw HostException(std::move(pending));
+  }
+  return result;
+}
+
+}  // namespace host

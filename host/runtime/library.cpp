@@ -1,0 +1,30 @@
+#include "runtime/library.h"
+
+#include <dlfcn.h>
+
+#include <stdexcept>
+
+#include "runtime/class.h"
+#include "runtime/operations.h"
+
+namespace host {
+
+void loadLibrary(const std::filesystem::path& file) {
+  registry();  // the host's own classes come first
+  const std::string name = file.string();
+  if (!std::filesystem::exists(file)) throw std::runtime_error(name + ": there is no such library");
+  void* library = dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
+  if (!library) throw std::runtime_error(name + ": cannot be loaded: " + dlerror());
+  const auto entry = reinterpret_cast<void (*)(REALresolver)>(dlsym(library, "REALPluginMain"));
+  if (!entry)
+    throw std::runtime_error(name + ": is no plug-in library: it has no entry point REALPluginMain");
+  entry(&resolve);
+  try {
+    throwRegistrationFailure();
+    registry().checkComplete();
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(name + ": " + error.what());
+  }
+}
+
+}  // namespace host

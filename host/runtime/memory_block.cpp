@@ -1,0 +1,153 @@
+// MemoryBlock: bytes that a program reads and writes by type, and hands to libraries as a Ptr.
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <cstring>
+
+#include "runtime/host_classes.h"
+
+namespace host {
+
+namespace {
+
+struct MemoryData {
+  std::byte* bytes;
+  std::int64_t size;
+  bool bigEndian;
+};
+constexpr std::int64_t mostBytes = std::int64_t{1} << 32;
+
+MemoryData& memoryIn(REALobject self) { return dataIn<MemoryData>(self, *hostClasses().memoryBlock); }
+
+void resize(MemoryData& memory, std::int64_t size) {
+  if (size < 0) throw HostException("OutOfBoundsException", "The size of a MemoryBlock is less than 0.");
+  void* bytes = size > mostBytes ? nullptr : std::realloc(memory.bytes, static_cast<std::size_t>(size) + 1);
+  if (!bytes) {
+    throw HostException("OutOfMemoryException",
+                        "There is no memory for a MemoryBlock of " + std::to_string(size) + " bytes.");
+  }
+  memory.bytes = static_cast<std::byte*>(bytes);
+  if (size > memory.size)
+    std::memset(memory.bytes + memory.size, 0, static_cast<std::size_t>(size - memory.size));
+  memory.size = size;
+}
+
+std::byte* locate(REALobject self, std::int64_t offset, std::int64_t count) {
+  MemoryData& memory = memoryIn(self);
+  if (offset < 0 || count < 0 || offset > memory.size || count > memory.size - offset) {
+    throw HostException("OutOfBoundsException",
+                        std::to_string(count) + " bytes at offset " + std::to_string(offset) +
+                            " are outside of the MemoryBlock of " + std::to_string(memory.size) + " bytes.");
+  }
+  return memory.bytes + offset;
+}
+
+void make(REALobject self, RBInteger size) {
+  asPending([&] { resize(memoryIn(self), size); });
+}
+void destroy(REALobject self) { std::free(memoryIn(self).bytes); }
+
+RBInteger getSize(REALobject self, std::intptr_t) { return memoryIn(self).size; }
+void setSize(REALobject self, std::intptr_t, RBInteger size) {
+  asPending([&] { resize(memoryIn(self), size); });
+}
+bool getLittleEndian(REALobject self, std::intptr_t) { return !memoryIn(self).bigEndian; }
+void setLittleEndian(REALobject self, std::intptr_t, bool value) { memoryIn(self).bigEndian = !value; }
+
+template <typename Value>
+Value get(REALobject self, RBInteger offset) {
+  return asPending([&] {
+    std::byte bytes[sizeof(Value)];
+    std::memcpy(bytes, locate(self, offset, sizeof(Value)), sizeof(Value));
+    if (memoryIn(self).bigEndian != (std::endian::native == std::endian::big))
+      std::reverse(bytes, bytes + sizeof(Value));
+    Value value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
+  });
+}
+template <typename Value>
+void set(REALobject self, RBInteger offset, Value value) {
+  asPending([&] {
+    std::byte* to = locate(self, offset, sizeof(Value));
+    std::memcpy(to, &value, sizeof value);
+    if (memoryIn(self).bigEndian != (std::endian::native == std::endian::big))
+      std::reverse(to, to + sizeof(Value));
+  });
+}
+bool getBoolean(REALobject self, RBInteger offset) { return get<std::uint8_t>(self, offset) != 0; }
+void setBoolean(REALobject self, RBInteger offset, bool value) { set<std::uint8_t>(self, offset, value); }
+
+REALstring getString(REALobject self, RBInteger offset, RBInteger length) {
+  return asPending([&] {
+    const std::byte* bytes = locate(self, offset, length);
+    const Ref<Text> made =
+        makeText({reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)}, encoding::none);
+    retain(made.get());
+    return reinterpret_cast<REALstring>(made.get());
+  });
+}
+void setString(REALobject self, RBInteger offset, RBInteger length, REALstring value) {
+  asPending([&] {
+    std::byte* to = locate(self, offset, length);
+    const std::string_view bytes = bytesOf(reinterpret_cast<Text*>(value));
+    std::memset(to, 0, static_cast<std::size_t>(length));
+    std::memcpy(to, bytes.data(), std::min(bytes.size(), static_cast<std::size_t>(length)));
+  });
+}
+
+void* toPointer(REALobject self) { return memoryIn(self).bytes; }
+REALstring toString(REALobject self) { return getString(self, 0, memoryIn(self).size); }
+void fromString(REALobject self, REALstring value) {
+  asPending([&] {
+    const std::string_view bytes = bytesOf(reinterpret_cast<Text*>(value));
+    resize(memoryIn(self), static_cast<std::int64_t>(bytes.size()));
+    std::memcpy(memoryIn(self).bytes, bytes.data(), bytes.size());
+  });
+}
+
+REALmethodDefinition accessor(const char* declaration, auto getter, auto setter) {
+  REALmethodDefinition record = hostMethod(declaration, getter);
+  record.setterFunction = reinterpret_cast<REALproc>(setter);
+  return record;
+}
+
+}  // namespace
+
+void registerMemoryBlock(Registry& registry) {
+  static REALproperty properties[] = {
+      hostProperty("Size", "Integer", &getSize, &setSize),
+      hostProperty("LittleEndian", "Boolean", &getLittleEndian, &setLittleEndian),
+  };
+  static REALmethodDefinition methods[] = {
+      hostMethod("Constructor(size as Integer)", &make),
+      accessor("Byte(offset as Integer) as UInt8", &get<std::uint8_t>, &set<std::uint8_t>),
+      accessor("Int8Value(offset as Integer) as Int8", &get<std::int8_t>, &set<std::int8_t>),
+      accessor("UInt8Value(offset as Integer) as UInt8", &get<std::uint8_t>, &set<std::uint8_t>),
+      accessor("Int16Value(offset as Integer) as Int16", &get<std::int16_t>, &set<std::int16_t>),
+      accessor("UInt16Value(offset as Integer) as UInt16", &get<std::uint16_t>, &set<std::uint16_t>),
+      accessor("Int32Value(offset as Integer) as Int32", &get<std::int32_t>, &set<std::int32_t>),
+      accessor("UInt32Value(offset as Integer) as UInt32", &get<std::uint32_t>, &set<std::uint32_t>),
+      accessor("Int64Value(offset as Integer) as Int64", &get<std::int64_t>, &set<std::int64_t>),
+      accessor("UInt64Value(offset as Integer) as UInt64", &get<std::uint64_t>, &set<std::uint64_t>),
+      accessor("SingleValue(offset as Integer) as Single", &get<float>, &set<float>),
+      accessor("DoubleValue(offset as Integer) as Double", &get<double>, &set<double>),
+      accessor("CurrencyValue(offset as Integer) as Currency", &get<std::int64_t>, &set<std::int64_t>),
+      accessor("BooleanValue(offset as Integer) as Boolean", &getBoolean, &setBoolean),
+      accessor("StringValue(offset as Integer, length as Integer) as String", &getString, &setString),
+      hostMethod("Operator_Convert as Ptr", &toPointer),
+      hostMethod("Operator_Convert as String", &toString),
+      hostMethod("Operator_Convert(value as String)", &fromString),
+  };
+  static REALclassDefinition record = {};
+  record.name = "MemoryBlock";
+  record.dataSize = sizeof(MemoryData);
+  record.destructor = reinterpret_cast<REALproc>(&destroy);
+  record.properties = properties;
+  record.propertyCount = std::size(properties);
+  record.methods = methods;
+  record.methodCount = std::size(methods);
+  registry.addClass(record, false);
+}
+
+}  // namespace host

@@ -1,0 +1,79 @@
+#include "runtime/report.h"
+
+#include "runtime/array.h"
+#include "runtime/class.h"
+#include "runtime/text.h"
+
+namespace host {
+
+namespace {
+
+void addMethods(std::string& list, const std::deque<Method>& methods, const char* prefix) {
+  for (const Method& method : methods) list += std::string("  ") + prefix + method.declaration.text + "\n";
+}
+
+void addProperties(std::string& list, const std::deque<Property>& properties, const char* prefix) {
+  for (const Property& property : properties) {
+    list += std::string("  ") + prefix + property.name + " as " + nameOf(property.type);
+    if (!property.setter && !property.field) list += " (read-only)";
+    if (property.hidden) list += " (hidden)";
+    list += "\n";
+  }
+}
+
+}  // namespace
+
+std::string listing() {
+  std::string list;
+  for (const Class& each : registry().classes) {
+    if (!each.fromLibrary) continue;
+    list += "Class " + each.name + "\n";
+    addProperties(list, each.sharedProperties, "Shared Property ");
+    addProperties(list, each.properties, "Property ");
+    addMethods(list, each.sharedMethods, "Shared ");
+    addMethods(list, each.methods, "");
+  }
+  for (const Module& module : registry().modules) {
+    if (!module.fromLibrary) continue;
+    list += "Module " + module.name + "\n";
+    addProperties(list, module.properties, "Property ");
+    addMethods(list, module.methods, "");
+  }
+  std::string functions;
+  for (const Method& function : registry().functions) {
+    if (function.fromLibrary) functions += "  " + function.declaration.text + "\n";
+  }
+  if (!functions.empty()) list += "Functions\n" + functions;
+  return list;
+}
+
+std::string leakReport(const std::set<std::string>& kept) {
+  std::string report;
+  forEachLive([&](const Heap& thing) {
+    const std::string& name = thing.objectClass->name;
+    const std::int64_t references = thing.references.load();
+    if (references == 1 && kept.contains(name)) return;
+    std::string what = name;
+    if (thing.objectClass == hostClasses().text) {
+      what = "String \"" + utf8Of(static_cast<const Text*>(&thing)).substr(0, 40) + "\"";
+    } else if (thing.objectClass == hostClasses().array) {
+      const auto& array = static_cast<const Array&>(thing);
+      what = nameOf(array.elementType.arrayOf()) + " of " + std::to_string(array.count()) + " elements";
+    }
+    report += "leaked: " + what + ", " + std::to_string(references) +
+              (references == 1 ? " reference\n" : " references\n");
+  });
+  return report;
+}
+
+std::string describe(const HostException& exception) {
+  std::string place = exception.trace.empty() ? "" : exception.trace.front();
+  // "file:line: Sub": the first line names the place alone.
+  if (const std::size_t sub = place.find(": "); sub != std::string::npos) place.erase(sub);
+  std::string text = place.empty() ? "" : place + ": ";
+  text += exception.exception->objectClass->name + ": " + messageOf(*exception.exception) + "\n";
+  for (const std::string& each : exception.trace) text += "  at " + each + "\n";
+  return text;
+}
+
+}  // namespace host

@@ -1,0 +1,21 @@
+// Texts for people: what is registered, what is still alive, what went wrong.
+#pragma once
+
+#include <set>
+#include <string>
+
+#include "runtime/exception.h"
+
+namespace host {
+
+// Every class, member and function that libraries have registered, in that order, with their declarations.
+std::string listing();
+
+// What is still alive, a line each with its count of references; empty if nothing is. Of the classes in
+// `kept` a library may keep objects for itself: one reference to each is as it should be.
+std::string leakReport(const std::set<std::string>& kept);
+
+// "tour.bas:12: NilObjectException: Other is nil", then the calls that led there.
+std::string describe(const HostException& exception);
+
+}  // namespace host

@@ -1,0 +1,143 @@
+#include "runtime/thread.h"
+
+#include <pthread.h>
+
+#include <condition_variable>
+#include <cstdio>
+#include <mutex>
+
+#include "runtime/host_classes.h"
+
+namespace host {
+
+namespace {
+
+constexpr std::size_t threadStackSize = std::size_t{16} << 20;
+
+// What a Thread object refers to; lives as long as the object.
+struct ThreadState {
+  std::function<void(Object&)> handler;
+  std::mutex lock;
+  std::condition_variable changed;
+  bool running = false;
+};
+struct ThreadData {
+  ThreadState* state;
+};
+
+std::mutex allLock;
+std::condition_variable allChanged;
+std::size_t runningCount = 0;
+std::function<void(const HostException&)> uncaught;
+
+ThreadState& stateOf(REALobject self) { return *dataIn<ThreadData>(self, *hostClasses().thread).state; }
+
+void initialize(REALobject self) { dataIn<ThreadData>(self, *hostClasses().thread).state = new ThreadState; }
+void destroy(REALobject self) { delete &stateOf(self); }
+
+void run(Ref<Object> thread) {
+  ThreadState& state = stateOf(reinterpret_cast<REALobject>(thread.get()));
+  try {
+    if (state.handler) state.handler(*thread);
+  } catch (const HostException& exception) {
+    if (uncaught) uncaught(exception);
+  }
+  {
+    const std::lock_guard lock(state.lock);
+    state.running = false;
+    state.changed.notify_all();
+  }
+  thread = nullptr;
+  const std::lock_guard lock(allLock);
+  --runningCount;
+  allChanged.notify_all();
+}
+
+void start(REALobject self) {
+  asPending([&] {
+    ThreadState& state = stateOf(self);
+    {
+      const std::lock_guard lock(state.lock);
+      if (state.running)
+        throw HostException("UnsupportedOperationException", "The thread is running already.");
+      state.running = true;
+    }
+    {
+      const std::lock_guard lock(allLock);
+      ++runningCount;
+    }
+    // The thread holds the object while it runs.
+    auto* handed = new Ref<Object>(Ref<Object>::share(reinterpret_cast<Object*>(self)));
+    pthread_attr_t attributes;
+    pthread_attr_init(&attributes);
+    pthread_attr_setstacksize(&attributes, threadStackSize);
+    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
+    pthread_t thread;
+    const auto entry = [](void* argument) -> void* {
+      auto* object = static_cast<Ref<Object>*>(argument);
+      Ref<Object> taken = std::move(*object);
+      delete object;
+      run(std::move(taken));
+      return nullptr;
+    };
+    const int failure = pthread_create(&thread, &attributes, entry, handed);
+    pthread_attr_destroy(&attributes);
+    if (failure != 0) {
+      delete handed;
+      {
+        const std::lock_guard lock(state.lock);
+        state.running = false;
+      }
+      const std::lock_guard lock(allLock);
+      --runningCount;
+      throw HostException("OutOfMemoryException", "The system cannot start another thread.");
+    }
+  });
+}
+
+void join(REALobject self) {
+  ThreadState& state = stateOf(self);
+  std::unique_lock lock(state.lock);
+  state.changed.wait(lock, [&] { return !state.running; });
+}
+
+bool isRunning(REALobject self, std::intptr_t) {
+  ThreadState& state = stateOf(self);
+  const std::lock_guard lock(state.lock);
+  return state.running;
+}
+
+}  // namespace
+
+void setRunHandler(Object& thread, std::function<void(Object&)> handler) {
+  stateOf(reinterpret_cast<REALobject>(&thread)).handler = std::move(handler);
+}
+
+void setUncaughtHandler(std::function<void(const HostException&)> report) { uncaught = std::move(report); }
+
+void joinAll() {
+  std::unique_lock lock(allLock);
+  allChanged.wait(lock, [] { return runningCount == 0; });
+}
+
+void registerThread(Registry& registry) {
+  static REALproperty properties[] = {
+      hostProperty("IsRunning", "Boolean", &isRunning, static_cast<void (*)()>(nullptr)),
+  };
+  static REALmethodDefinition methods[] = {
+      hostMethod("Start", &start),
+      hostMethod("Join", &join),
+  };
+  static REALclassDefinition record = {};
+  record.name = "Thread";
+  record.dataSize = sizeof(ThreadData);
+  record.constructor = reinterpret_cast<REALproc>(&initialize);
+  record.destructor = reinterpret_cast<REALproc>(&destroy);
+  record.properties = properties;
+  record.propertyCount = std::size(properties);
+  record.methods = methods;
+  record.methodCount = std::size(methods);
+  registry.addClass(record, false);
+}
+
+}  // namespace host

@@ -1,0 +1,179 @@
+#include "int128/decimal_text.h"
+
+#include <array>
+#include <cstring>
+
+namespace qtx {
+
+namespace {
+
+constexpr std::uint64_t tenTo8 = 100'000'000;
+constexpr std::uint64_t tenTo16 = tenTo8 * tenTo8;
+constexpr std::uint64_t tenTo19 = tenTo16 * 1000;
+constexpr NativeUInt128 tenTo38 = static_cast<NativeUInt128>(tenTo19) * tenTo19;
+
+constexpr std::array<std::uint64_t, 20> powersOf10 = [] {
+  std::array<std::uint64_t, 20> powers{1};
+  for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
+  return powers;
+}();
+
+// "00" … "99".
+constexpr std::array<char, 200> digitPairs = [] {
+  std::array<char, 200> pairs{};
+  for (std::size_t i = 0; i < 100; ++i) {
+    pairs[2 * i] = static_cast<char>('0' + i / 10);
+    pairs[2 * i + 1] = static_cast<char>('0' + i % 10);
+  }
+  return pairs;
+}();
+
+void write2Digits(std::uint32_t value, char* out) { std::memcpy(out, &digitPairs[2 * value], 2); }
+void write4Digits(std::uint32_t value, char* out) {
+  write2Digits(value / 100, out);
+  write2Digits(value % 100, out + 2);
+}
+void write8Digits(std::uint32_t value, char* out) {
+  write4Digits(value / 10000, out);
+  write4Digits(value % 10000, out + 4);
+}
+
+// All 19 digits of a value below 10^19, with leading zeros.
+void write19Digits(std::uint64_t value, char* out) {
+  const auto leading = static_cast<std::uint32_t>(value / tenTo16);  // three digits
+  const std::uint64_t rest = value % tenTo16;
+  out[0] = static_cast<char>('0' + leading / 100);
+  write2Digits(leading % 100, out + 1);
+  write8Digits(static_cast<std::uint32_t>(rest / tenTo8), out + 3);
+  write8Digits(static_cast<std::uint32_t>(rest % tenTo8), out + 11);
+}
+
+// A value below 10^19 without leading zeros; gives where the text ends. Needs room for 19 characters.
+char* writeLeadingDigits(std::uint64_t value, char* out) {
+  // 1233 / 4096 is a little more than log10(2).
+  const std::size_t estimate = static_cast<std::size_t>(std::bit_width(value | 1)) * 1233 >> 12;
+  const std::size_t count = estimate + ((value | 1) >= powersOf10[estimate]);
+  char padded[19 + 18] = {};
+  write19Digits(value, padded);
+  std::memcpy(out, padded + 19 - count,
+              19);  // a fixed count: what lies behind the digits is overwritten later
+  return out + count;
+}
+
+// Quotient and remainder of a value below 10^38 by 10^19: two multiplications with the divisor's reciprocal.
+// Möller and Granlund, "Improved division by invariant integers", IEEE Transactions on Computers 60 (2011),
+// algorithm 4.
+struct Halves {
+  std::uint64_t high, low;
+};
+Halves divideBy10To19(NativeUInt128 value) {
+  static_assert(tenTo19 >> 63 == 1, "the algorithm wants the divisor's top bit set");
+  // ⌊(2^128 − 1) / 10^19⌋ − 2^64.
+  constexpr auto reciprocal = static_cast<std::uint64_t>(~NativeUInt128{0} / tenTo19);
+  const NativeUInt128 estimate = (value >> 64) * reciprocal + value;
+  std::uint64_t quotient = static_cast<std::uint64_t>(estimate >> 64) + 1;
+  std::uint64_t remainder = static_cast<std::uint64_t>(value) - quotient * tenTo19;
+  if (remainder > static_cast<std::uint64_t>(estimate)) {
+    --quotient;
+    remainder += tenTo19;
+  }
+  if (remainder >= tenTo19) [[unlikely]] {
+    ++quotient;
+    remainder -= tenTo19;
+  }
+  return {quotient, remainder};
+}
+
+char* writeDigits(UInt128 value, char* out) {
+  if (value.high == 0 && value.low < tenTo19) return writeLeadingDigits(value.low, out);
+  NativeUInt128 rest = value.bits();
+  char first = '0';
+  for (; rest >= tenTo38; rest -= tenTo38) ++first;  // up to '3'
+  const auto [high, low] = divideBy10To19(rest);
+  if (first == '0') {
+    out = writeLeadingDigits(high, out);
+  } else {
+    *out++ = first;
+    write19Digits(high, out);
+    out += 19;
+  }
+  write19Digits(low, out);
+  return out + 19;
+}
+
+std::string_view between(const char* begin, const char* end) {
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+// What isspace holds for in the C locale, whatever the process's locale.
+bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+// Eight digits at once, the bytes of a word worked on side by side. Lemire, "Quickly parsing eight digits"
+// (2018).
+bool areDigits(std::uint64_t bytes) {
+  constexpr std::uint64_t highHalves = 0xF0F0F0F0F0F0F0F0, zeros = 0x3030303030303030;
+  return (bytes & highHalves) == zeros && ((bytes + 0x0606060606060606) & highHalves) == zeros;
+}
+std::uint64_t valueOfDigits(std::uint64_t bytes) {
+  constexpr std::uint64_t pairs = 0x000000FF000000FF;
+  bytes -= 0x3030303030303030;
+  bytes = bytes * 10 + (bytes >> 8);
+  constexpr std::uint64_t weights1 = 100 + (std::uint64_t{1000000} << 32);
+  constexpr std::uint64_t weights2 = 1 + (std::uint64_t{10000} << 32);
+  return ((bytes & pairs) * weights1 + (bytes >> 16 & pairs) * weights2) >> 32;
+}
+std::uint64_t load8(const char* at) {
+  std::uint64_t bytes;
+  std::memcpy(&bytes, at, sizeof bytes);
+  return bytes;
+}
+
+NativeUInt128 parseDigits(const char* at, const char* end) {
+  NativeUInt128 value = 0;
+  while (end - at >= 16) {
+    const std::uint64_t first = load8(at), second = load8(at + 8);
+    if (!areDigits(first) || !areDigits(second)) break;
+    value = value * tenTo16 + (valueOfDigits(first) * tenTo8 + valueOfDigits(second));
+    at += 16;
+  }
+  // Fewer than 16 digits are left: they fit one word.
+  std::uint64_t rest = 0, scale = 1;
+  if (end - at >= 8 && areDigits(load8(at))) {
+    rest = valueOfDigits(load8(at));
+    scale = tenTo8;
+    at += 8;
+  }
+  for (; at != end && isDigit(*at); ++at) {
+    rest = rest * 10 + static_cast<std::uint64_t>(*at - '0');
+    scale *= 10;
+  }
+  return value * scale + rest;
+}
+
+}  // namespace
+
+std::string_view uint128_to_string(UInt128 value, DecimalBuffer& buffer) {
+  return between(buffer, writeDigits(value, buffer));
+}
+
+std::string_view int128_to_string(Int128 value, DecimalBuffer& buffer) {
+  char* out = buffer;
+  if (value.isNegative()) *out++ = '-';
+  return between(buffer, writeDigits(magnitude(value), out));
+}
+
+template <typename Value>
+Value parseDecimal(std::string_view text) {
+  const char* at = text.data();
+  const char* const end = at + text.size();
+  while (at != end && isBlank(*at)) ++at;
+  bool negative = false;
+  if (at != end && (*at == '-' || *at == '+')) negative = *at++ == '-';
+  const Value value = Value::fromBits(parseDigits(at, end));
+  return negative && std::is_signed_v<typename Value::Word> ? -value : value;
+}
+template UInt128 parseDecimal<UInt128>(std::string_view);
+template Int128 parseDecimal<Int128>(std::string_view);
+
+}  // namespace qtx

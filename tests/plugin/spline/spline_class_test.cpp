@@ -1,0 +1,318 @@
+// SplineQTX through its records.
+#include "spline/spline_class.h"
+
+#include <cmath>
+#include <limits>
+#include <optional>
+
+#include "frame/failing_allocation.h"
+#include "frame/raise.h"
+#include "host_arrays.h"
+
+namespace qtx {
+namespace {
+
+using Values = std::vector<double>;
+
+struct Fixture {
+  FakeHost host;
+  HostArrays arrays;
+  explicit Fixture(double version = 2024.01, bool usualShape = true)
+      : host(version), arrays(host, usualShape) {
+    host.load();
+  }
+};
+
+struct Spline {
+  Fixture& fixture;
+  REALobject self;
+
+  explicit Spline(Fixture& f) : fixture(f), self(f.host.makeObject("SplineQTX")) {}
+  Spline(Fixture& f, const Values& x, const Values& y) : Spline(f) { construct(x, y); }
+  ~Spline() { fixture.host.unlock(self); }
+  Spline(const Spline&) = delete;
+  Spline& operator=(const Spline&) = delete;
+
+  template <typename Signature>
+  Signature* method(const char* declaration) {
+    return fixture.host.function<Signature>("SplineQTX", declaration);
+  }
+  void construct(REALarrayDouble x, REALarrayDouble y) {
+    method<void(REALobject, REALarrayDouble, REALarrayDouble)>("Constructor(X() as Double, Y() as Double)")(
+        self, x, y);
+  }
+  void construct(const Values& x, const Values& y) {
+    const REALarrayDouble xs = fixture.arrays.doubles(x), ys = fixture.arrays.doubles(y);
+    construct(xs, ys);
+    fixture.arrays.release(xs);
+    fixture.arrays.release(ys);
+  }
+  double calc(double x) { return method<double(REALobject, double)>("calc(x as double) as double")(self, x); }
+  double at(char sequence, RBInteger index) {
+    const std::string declaration = std::string(1, sequence) + "(index as integer) as double";
+    return method<double(REALobject, RBInteger)>(declaration.c_str())(self, index);
+  }
+  // The field that the host reads and writes itself.
+  std::int64_t& count() {
+    const auto* property = fixture.host.findProperty("SplineQTX", "count");
+    const auto* record = fixture.host.findClass("SplineQTX");
+    return *reinterpret_cast<std::int64_t*>(reinterpret_cast<char*>(self) + record->dataOffset +
+                                            property->parameter);
+  }
+  void expectRaised(const char* className, const std::string& message) {
+    const RaisedException raised = fixture.host.takeRaised();
+    EXPECT_EQ(raised.className, className);
+    EXPECT_EQ(raised.message, message);
+  }
+  void expectUninitialized() {
+    for (const char sequence : {'a', 'b', 'c', 'd', 'x', 'y'}) {
+      EXPECT_EQ(at(sequence, 0), 0.0);
+      expectRaised("NilObjectException", "Not initialized");
+    }
+    EXPECT_EQ(calc(1), 0.0);
+    expectRaised("NilObjectException", "Not initialized");
+  }
+};
+
+TEST(SplineClass, IsRegisteredMemberByMember) {
+  Fixture fixture;
+  const REALclassDefinition* record = fixture.host.findClass("SplineQTX");
+  const char* declarations[] = {
+      "Constructor(X() as Double, Y() as Double)",
+      "a(index as integer) as double",
+      "b(index as integer) as double",
+      "c(index as integer) as double",
+      "d(index as integer) as double",
+      "x(index as integer) as double",
+      "y(index as integer) as double",
+      "calc(x as double) as double",
+  };
+  ASSERT_EQ(record->methodCount, std::size(declarations));
+  for (std::size_t i = 0; i < std::size(declarations); ++i) {
+    EXPECT_STREQ(record->methods[i].declaration, declarations[i]);
+    EXPECT_EQ(record->methods[i].flags, 4u);
+  }
+  EXPECT_EQ(record->constructor, nullptr);
+  EXPECT_NE(record->destructor, nullptr);
+  EXPECT_EQ(record->dataSize, 64u) << "56, rounded up at registration";
+  ASSERT_EQ(record->propertyCount, 1u);
+  EXPECT_STREQ(record->properties[0].name, "count");
+  EXPECT_STREQ(record->properties[0].type, "Integer");
+  EXPECT_EQ(record->properties[0].flags, 6u);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record->properties[0].getter), UINTPTR_MAX);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record->properties[0].setter), UINTPTR_MAX);
+  EXPECT_EQ(record->properties[0].parameter, 48);
+}
+
+TEST(SplineClass, RunsThroughItsPoints) {
+  Fixture fixture;
+  Spline spline(fixture, {0, 1, 2}, {0, 1, 4});
+  EXPECT_EQ(spline.count(), 3);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(spline.at('x', i), i);
+    EXPECT_EQ(spline.at('y', i), i * i);
+    EXPECT_NEAR(spline.calc(i), i * i, 1e-12);
+  }
+  for (const char sequence : {'a', 'b', 'c', 'd'}) EXPECT_EQ(spline.at(sequence, 0), 0.0);
+  // Slope 0.75 at 0 and 1.5 at 1: 0.75 x + 0.25 x³.
+  EXPECT_NEAR(spline.at('a', 1), 0, 1e-12);
+  EXPECT_NEAR(spline.at('b', 1), 0.75, 1e-12);
+  EXPECT_NEAR(spline.at('c', 1), 0, 1e-12);
+  EXPECT_NEAR(spline.at('d', 1), 0.25, 1e-12);
+}
+
+TEST(SplineClass, ExtendsItsOuterCubics) {
+  Fixture fixture;
+  Spline spline(fixture, {0, 1, 2}, {3, 2, 0});
+  const auto cubic = [&](RBInteger i, double x) {
+    return spline.at('d', i) * x * x * x +
+           (spline.at('c', i) * x * x + (spline.at('b', i) * x + spline.at('a', i)));
+  };
+  for (const double x : {-5.0, 0.0, 0.5, 1.0}) EXPECT_EQ(spline.calc(x), cubic(1, x)) << x;
+  for (const double x : {std::nextafter(1.0, 2.0), 1.5, 2.0, 9.0})
+    EXPECT_EQ(spline.calc(x), cubic(2, x)) << x;
+}
+
+struct IndexRow {
+  char sequence;
+  RBInteger index;
+  const char* message;
+};
+
+TEST(SplineClass, ChecksIndexes) {
+  Fixture fixture;
+  Spline spline(fixture, {0, 1, 2, 3, 4}, {5, 6, 7, 8, 9});
+  const IndexRow rows[] = {
+      {'a', 9, "The parameter index to method a is too big. Range is 0 to 4, but value is 9."},
+      {'b', 5, "The parameter index to method b is too big. Range is 0 to 4, but value is 5."},
+      {'c', -1, "The parameter index to method c is too small. Range is 0 to 4, but value is -1."},
+      {'d', INT64_MAX,
+       "The parameter index to method d is too big. Range is 0 to 4, but value is 9223372036854775807."},
+      {'x', INT64_MIN,
+       "The parameter index to method x is too small. Range is 0 to 4, but value is -9223372036854775808."},
+      {'y', 5, "The parameter index to method y is too big. Range is 0 to 4, but value is 5."},
+  };
+  for (const IndexRow& row : rows) {
+    EXPECT_EQ(spline.at(row.sequence, row.index), 0.0);
+    spline.expectRaised("OutOfBoundsException", row.message);
+  }
+  EXPECT_EQ(spline.at('x', 4), 4);
+  EXPECT_EQ(spline.at('y', 0), 5);
+}
+
+TEST(SplineClass, HasNoCurveThroughFewerThanThreePoints) {
+  Fixture fixture;
+  for (const Values& points : {Values{}, Values{7}, Values{7, 8}}) {
+    Spline spline(fixture, points, points);
+    const auto n = static_cast<RBInteger>(points.size());
+    EXPECT_EQ(spline.count(), n);
+    for (RBInteger i = 0; i < n; ++i) {
+      EXPECT_EQ(spline.at('x', i), points[static_cast<std::size_t>(i)]);
+      EXPECT_EQ(spline.at('y', i), points[static_cast<std::size_t>(i)]);
+    }
+    spline.at('x', n);
+    spline.expectRaised("OutOfBoundsException", "The parameter index to method x is too big. Range is 0 to " +
+                                                    std::to_string(n - 1) + ", but value is " +
+                                                    std::to_string(n) + ".");
+    EXPECT_EQ(spline.calc(7), 0.0);
+    spline.expectRaised("UnsupportedOperationException", "empty array");
+    EXPECT_EQ(spline.at('a', 0), 0.0);
+    spline.expectRaised("OutOfBoundsException",
+                        "The parameter index to method a is too big. Range is 0 to -1, but value is 0.");
+  }
+}
+
+TEST(SplineClass, TakesNilForAnEmptyArray) {
+  Fixture fixture;
+  Spline spline(fixture);
+  spline.construct(nullptr, nullptr);
+  EXPECT_EQ(spline.count(), 0);
+  spline.calc(0);
+  spline.expectRaised("UnsupportedOperationException", "empty array");
+  const REALarrayDouble one = fixture.arrays.doubles({1}), none = fixture.arrays.doubles({});
+  for (const auto& [x, y] : {std::pair{REALarrayDouble(), one}, {one, REALarrayDouble()}}) {
+    Spline other(fixture);
+    other.construct(x, y);
+    other.expectRaised("UnsupportedOperationException", "X and Y arrays must have same size");
+  }
+  spline.construct(nullptr, none);
+  EXPECT_TRUE(fixture.host.raised.empty());
+  fixture.arrays.release(one);
+  fixture.arrays.release(none);
+}
+
+TEST(SplineClass, StaysUninitializedWithoutAValidConstruction) {
+  Fixture fixture;
+  Spline spline(fixture);
+  spline.expectUninitialized();
+  spline.construct(Values{1, 2, 3}, Values{1, 2});
+  spline.expectRaised("UnsupportedOperationException", "X and Y arrays must have same size");
+  spline.expectUninitialized();
+  EXPECT_EQ(spline.count(), 0);
+  spline.construct(Values{1, 2, 3}, Values{1, 2, 3});
+  EXPECT_NEAR(spline.calc(2), 2, 1e-12);
+}
+
+TEST(SplineClass, IsConstructedAnew) {
+  Fixture fixture;
+  Spline spline(fixture, {0, 1, 2}, {0, 1, 4});
+  spline.construct(Values{0, 1, 2, 3}, Values{0, 10, 20, 30});
+  EXPECT_EQ(spline.count(), 4);
+  EXPECT_NEAR(spline.calc(2.5), 25, 1e-12);
+  spline.construct(Values{0, 1}, Values{0, 1, 2});
+  spline.expectRaised("UnsupportedOperationException", "X and Y arrays must have same size");
+  EXPECT_NEAR(spline.calc(2.5), 25, 1e-12) << "the curve before stays";
+  spline.construct(Values{0, 1}, Values{0, 1});
+  spline.calc(2.5);
+  spline.expectRaised("UnsupportedOperationException", "empty array");
+}
+
+TEST(SplineClass, LetsItsCountBeSet) {
+  Fixture fixture;
+  Spline spline(fixture, {0, 1, 2}, {0, 10, 20});
+  spline.count() = 99;
+  EXPECT_EQ(spline.at('x', 2), 2);
+  EXPECT_NEAR(spline.calc(1.5), 15, 1e-12);
+  spline.at('x', 3);
+  spline.expectRaised("OutOfBoundsException",
+                      "The parameter index to method x is too big. Range is 0 to 2, but value is 3.");
+  EXPECT_EQ(spline.count(), 99);
+}
+
+// Each spline's x and y, and nothing else: not those of a construction that was replaced.
+TEST(SplineClass, LeavesItsPointsBehind) {
+  Fixture fixture;
+  EXPECT_EQ(sequencesLeftBehind(), 0u);
+  { Spline spline(fixture, {0, 1, 2}, {0, 1, 4}); }
+  EXPECT_EQ(sequencesLeftBehind(), 2u);
+  {
+    Spline spline(fixture, {0, 1, 2}, {0, 1, 4});
+    spline.construct(Values{0, 1}, Values{0, 1});
+  }
+  EXPECT_EQ(sequencesLeftBehind(), 4u);
+  { Spline neverConstructed(fixture); }
+  EXPECT_EQ(sequencesLeftBehind(), 4u);
+}
+
+void readsArraysOn(double version, bool usualShape) {
+  Fixture fixture(version, usualShape);
+  Spline spline(fixture, {0, 1, 2, 4}, {0, 10, 20, 40});
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(spline.at('y', i), 10 * i);
+  EXPECT_NEAR(spline.calc(3), 30, 1e-12);
+  EXPECT_EQ(fixture.arrays.getterCalls, usualShape ? 0 : 8);
+}
+
+TEST(SplineClass, ReadsArraysOfHostsBefore2021) { readsArraysOn(2019.0, true); }
+TEST(SplineClass, ReadsArraysOfHostsSince2021) { readsArraysOn(2021.0, true); }
+TEST(SplineClass, ReadsArraysOfAnotherShape) { readsArraysOn(2024.01, false); }
+
+TEST(SplineClass, TakesZerosWhereArraysCannotBeRead) {
+  Fixture fixture(2024.01, false);
+  fixture.host.withhold("PluginDoubleArrayGetProc");
+  Spline spline(fixture, {1, 2, 3}, {4, 5, 6});
+  EXPECT_EQ(spline.count(), 3);
+  EXPECT_EQ(spline.at('x', 2), 0.0);
+  EXPECT_TRUE(std::isnan(spline.calc(1)));
+}
+
+// All allocations fail in turn. What exists afterwards is usable, and a construction that succeeds replaces
+// it.
+TEST(SplineClass, SurvivesFailingAllocations) {
+  static std::optional<FailAllocationsOf> failing;
+  Fixture fixture;
+  // The fake host allocates as well: from the exception's making on, nothing fails.
+  fixture.host.offer(
+      "REALBuildStringWithEncoding", +[](const char* bytes, std::int32_t length, std::uint32_t textEncoding) {
+        failing.reset();
+        return FakeHost::current->makeString({bytes, static_cast<std::size_t>(length)}, textEncoding);
+      });
+  { Spline lookUps(fixture, {0, 1, 2}, {0, 10, 20}); }
+  RaiseException("RuntimeException", "makes itself known");
+  fixture.host.takeRaised();
+
+  const REALarrayDouble x = fixture.arrays.doubles({0, 1, 2}), y = fixture.arrays.doubles({0, 10, 20});
+  Spline spline(fixture);
+  auto* construct = spline.method<void(REALobject, REALarrayDouble, REALarrayDouble)>(
+      "Constructor(X() as Double, Y() as Double)");
+  int failures = 0;
+  for (;; ++failures) {
+    ASSERT_LT(failures, 100);
+    failing.emplace(std::size_t{0}, SIZE_MAX, failures);
+    construct(spline.self, x, y);
+    failing.reset();
+    if (fixture.host.raised.empty()) break;
+    EXPECT_EQ(fixture.host.takeRaised().className, "OutOfMemoryException");
+    EXPECT_EQ(spline.calc(1), 0.0);
+    const RaisedException raised = fixture.host.takeRaised();
+    // The six sequences come first, then their storage.
+    EXPECT_EQ(raised.message, failures < 6 ? "Not initialized" : "empty array");
+    EXPECT_EQ(spline.count(), 3);
+  }
+  EXPECT_EQ(failures, 9) << "six sequences; x, y and the curve";
+  EXPECT_NEAR(spline.calc(1.5), 15, 1e-12);
+  fixture.arrays.release(x);
+  fixture.arrays.release(y);
+}
+
+}  // namespace
+}  // namespace qtx
