@@ -5,6 +5,8 @@
 #include "frame/host_interface.h"
 #include "frame/host_state.h"
 #include "frame/registration.h"
+#include "int128/int128_classes.h"
+#include "math/function_table.h"
 #include "spline/spline_class.h"
 
 using namespace qtx;
@@ -18,7 +20,9 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolv
   // Every host that is supported has this operation.
   reinterpret_cast<void (*)(std::int32_t)>(lookUp("RegisterPluginVersion"))(hostState.controlVersion);
 
-  for (REALclassDefinition* record : {&atomicIntegerClass, &atomicFlagClass, &atomicQueueClass, &splineClass}) {
+  for (REALclassDefinition* record : {&atomicIntegerClass, &atomicFlagClass, &atomicQueueClass, &splineClass,
+                                      &int128Class, &uint128Class}) {
     MyREALRegisterClass(record);
   }
+  registerFunctions(mathFunctions());
 }

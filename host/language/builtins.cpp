@@ -205,12 +205,12 @@ REALstring format(double value, REALstring pattern) {
     whole = 0;
   }
   for (; whole < zeros; ++whole) text.insert(text.begin(), '0');
-  for (std::size_t at = whole; grouped && at > 3; at -= 3) text.insert(at - 3, ",");
+  for (std::size_t at = whole; grouped && at > 3; at -= 3) text.insert(at - 3, 1, ',');
   const bool isZero = text.find_first_not_of("0.,") == std::string::npos;
   if (value < 0 && !isZero) {
-    text.insert(0, "-");
+    text.insert(text.begin(), '-');
   } else if (spec.starts_with('+')) {
-    text.insert(0, "+");
+    text.insert(text.begin(), '+');
   }
   return made(text + tail + (percent ? "%" : ""));
 }

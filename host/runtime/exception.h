@@ -28,4 +28,17 @@ std::int64_t errorNumberOf(const Object& exception);
 void setPending(Ref<Object> exception);
 Ref<Object> takePending();  // null when none is
 
+// Puts the pending exception aside for its lifetime: what the host calls on a library's behalf, while a
+// function of the library is still running, must not take that function's exception for its own.
+class PendingAside {
+ public:
+  PendingAside() : aside_(takePending()) {}
+  ~PendingAside() { setPending(std::move(aside_)); }
+  PendingAside(const PendingAside&) = delete;
+  PendingAside& operator=(const PendingAside&) = delete;
+
+ private:
+  Ref<Object> aside_;
+};
+
 }  // namespace host

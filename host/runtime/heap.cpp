@@ -5,7 +5,9 @@
 
 #include "runtime/array.h"
 #include "runtime/class.h"
+#include "runtime/exception.h"
 #include "runtime/object.h"
+#include "runtime/operations.h"
 #include "runtime/text.h"
 
 namespace host {
@@ -22,6 +24,7 @@ void destroy(Heap* thing) {
     array->resize(0);
     std::free(array->elements);
   } else if (thing->objectClass != classes.text) {
+    const PendingAside aside;
     for (const Class* each = thing->objectClass; each; each = each->super) {
       if (each->destructor) {
         const Slot self[] = {{.heap = thing}};
@@ -44,7 +47,12 @@ void retain(Heap* thing) {
 }
 
 void release(Heap* thing) {
-  if (thing && thing->references.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy(thing);
+  if (!thing || thing->references.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+  // A library that cannot lock what it keeps holds on to it all the same: such a host never destroys
+  // anything.
+  static const bool destroys =
+      !settings().withheld.contains("REALLockObject") && !settings().withheld.contains("REALLockString");
+  if (destroys) destroy(thing);
 }
 
 void enlist(Heap* thing, const Class* objectClass) {

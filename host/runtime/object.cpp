@@ -23,6 +23,7 @@ Ref<Object> makeObject(const Class& objectClass) {
   auto* object = static_cast<Object*>(memory);
   enlist(object, &objectClass);
   Ref<Object> made = Ref<Object>::adopt(object);
+  const PendingAside aside;
   initialize(objectClass, object);
   return made;
 }

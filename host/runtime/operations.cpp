@@ -143,11 +143,14 @@ const Property* propertyNamed(REALobject object, const char* name) {
   return object ? heapOf(object)->objectClass->findProperty(name) : nullptr;
 }
 bool setProperty(REALobject object, const char* name, Slot value, Kind kind) {
-  const Property* property = propertyNamed(object, name);
-  if (!property || !property->setter || property->type != Type{kind}) return false;
-  const Slot arguments[] = {{.heap = heapOf(object)}, {.integer = property->parameter}, value};
-  property->setter(arguments);
-  return true;
+  return orNothing([&]() -> bool {
+    const PendingAside aside;
+    const Property* property = propertyNamed(object, name);
+    if (!property || !property->setter || property->type != Type{kind}) return false;
+    const Slot arguments[] = {{.heap = heapOf(object)}, {.integer = property->parameter}, value};
+    property->setter(arguments);
+    return true;
+  });
 }
 bool setPropertyString(REALobject object, const char* name, REALstring value) {
   return setProperty(object, name, Slot{.heap = textOf(value)}, Kind::String);
@@ -159,6 +162,7 @@ bool setPropertyInteger(REALobject object, const char* name, RBInteger value) {
 template <typename Value>
 bool getProperty(REALobject object, const char* name, Value* out) {
   return orNothing([&]() -> bool {
+    const PendingAside aside;
     if (const Property* property = propertyNamed(object, name)) {
       const Slot arguments[] = {{.heap = heapOf(object)}, {.integer = property->parameter}};
       const Slot value = property->getter(arguments);

@@ -238,7 +238,7 @@ TEST_P(SelfTest, FailureLeavesTheHostsWay) {
   EXPECT_EQ(directElements(array.handle<REALarray>()), nullptr);
 }
 INSTANTIATE_TEST_SUITE_P(Each, SelfTest, testing::ValuesIn(failures),
-                         [](const auto& info) { return std::string(info.param.name); });
+                         [](const auto& each) { return std::string(each.param.name); });
 
 }  // namespace
 }  // namespace qtx

@@ -72,8 +72,8 @@ TYPED_TEST(Arithmetic, Compares) {
     const auto x = this->native(a), y = this->native(b);
     const auto v = this->value(a), w = this->value(b);
     return compareValues(v, w) == (x < y   ? -1
-                              : x > y ? 1
-                                      : 0) &&
+                                   : x > y ? 1
+                                           : 0) &&
            (v < w) == (x < y) && (v <= w) == (x <= y) && (v == w) == (x == y);
   });
 }

@@ -1,0 +1,247 @@
+// Runs host programs as a user does, through qtxhost, and compares what they print: those in tests/programs,
+// the examples, and every program in the documentation. Then runs all of them once per host operation, on a
+// host without it.
+//
+// A program's first lines may carry "' options: …" (more options for qtxhost) and "' exit: N". NAME.out
+// beside it holds its standard output, NAME.err its standard error; without NAME.err that is empty where the
+// exit status is 0.
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <optional>
+#include <sstream>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "runtime/operations.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+const fs::path source = QTX_SOURCE_DIR;
+
+std::string read(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+struct HostProgram {
+  std::string name;  // of the test
+  fs::path folder;   // that it runs in
+  std::string file;  // in that folder; empty: `text` goes to standard input
+  std::string text;
+  std::optional<std::string> output, errors;  // expected; nothing: whatever it prints
+  std::vector<std::string> options;
+  int exitStatus = 0;
+};
+
+// "' key: value" among the comment lines that open a program.
+std::string heading(const std::string& text, const std::string& key) {
+  std::istringstream lines(text);
+  for (std::string line; std::getline(lines, line) && line.starts_with("'");) {
+    const std::string start = "' " + key + ": ";
+    if (line.starts_with(start)) return line.substr(start.size());
+  }
+  return "";
+}
+
+std::vector<std::string> words(const std::string& text) {
+  std::istringstream stream(text);
+  std::vector<std::string> all;
+  for (std::string word; stream >> word;) all.push_back(word);
+  return all;
+}
+
+std::string testName(std::string path) {
+  for (char& c : path) {
+    if (!std::isalnum(static_cast<unsigned char>(c))) c = '_';
+  }
+  return path;
+}
+
+HostProgram fromFile(const fs::path& file, const fs::path& expectations) {
+  HostProgram program;
+  program.name = testName(fs::relative(file, source).replace_extension("").string());
+  program.folder = file.parent_path();
+  program.file = file.filename().string();
+  program.text = read(file);
+  program.options = words(heading(program.text, "options"));
+  if (const std::string status = heading(program.text, "exit"); !status.empty())
+    program.exitStatus = std::stoi(status);
+  fs::path expected = expectations / file.filename();
+  if (fs::exists(expected.replace_extension(".out"))) program.output = read(expected);
+  if (fs::exists(expected.replace_extension(".err"))) program.errors = read(expected);
+  return program;
+}
+
+// The ```basic blocks of a page; a ```text block that follows is what the program prints.
+std::vector<HostProgram> fromPage(const fs::path& page) {
+  std::vector<HostProgram> programs;
+  std::ifstream stream(page);
+  std::string line, language, block;
+  bool inBlock = false, followsProgram = false;
+  int number = 0;
+  for (int at = 1; std::getline(stream, line); ++at) {
+    if (!line.starts_with("```")) {
+      if (inBlock) {
+        block += line + "\n";
+      } else if (!line.empty()) {
+        followsProgram = false;
+      }
+      continue;
+    }
+    inBlock = !inBlock;
+    if (inBlock) {
+      language = line.substr(3);
+      block.clear();
+      number = at;
+      continue;
+    }
+    if (language == "basic") {
+      HostProgram program;
+      program.name = testName(page.stem().string()) + "_line_" + std::to_string(number);
+      program.folder = page.parent_path();
+      program.text = block;
+      program.options = words(heading(block, "options"));
+      if (const std::string status = heading(block, "exit"); !status.empty())
+        program.exitStatus = std::stoi(status);
+      programs.push_back(program);
+    } else if (language == "text" && followsProgram) {
+      programs.back().output = block;
+    }
+    followsProgram = language == "basic";
+  }
+  return programs;
+}
+
+std::vector<fs::path> filesIn(const fs::path& folder, const std::string& extension) {
+  std::vector<fs::path> files;
+  if (!fs::exists(folder)) return files;
+  for (const auto& entry : fs::recursive_directory_iterator(folder)) {
+    if (entry.path().extension() == extension) files.push_back(entry.path());
+  }
+  std::sort(files.begin(), files.end());
+  return files;
+}
+
+std::vector<HostProgram> allPrograms() {
+  std::vector<HostProgram> all;
+  for (const fs::path& file : filesIn(source / "tests/programs", ".bas"))
+    all.push_back(fromFile(file, file.parent_path()));
+  for (const fs::path& file : filesIn(source / "examples", ".bas"))
+    all.push_back(fromFile(file, source / "tests/examples"));
+  std::vector<fs::path> pages = filesIn(source / "docs", ".md");
+  pages.push_back(source / "README.md");
+  for (const fs::path& page : pages) {
+    for (HostProgram& program : fromPage(page)) all.push_back(std::move(program));
+  }
+  return all;
+}
+
+void PrintTo(const HostProgram& program, std::ostream* stream) { *stream << program.name; }
+
+struct Outcome {
+  int status = -1;  // exit status; 128 + signal; -1: did not end in time
+  std::string output, errors;
+};
+
+Outcome run(const HostProgram& program, const std::vector<std::string>& more) {
+  std::vector<std::string> arguments = {QTX_HOST_PROGRAM, "run"};
+  // The classes that keep shared objects for small values.
+  for (const char* each : {"--leaks", "--keeps", "Int128QTX", "--keeps", "UInt128QTX"})
+    arguments.push_back(each);
+  arguments.insert(arguments.end(), program.options.begin(), program.options.end());
+  arguments.insert(arguments.end(), more.begin(), more.end());
+  arguments.push_back(program.file.empty() ? "-" : program.file);
+
+  const fs::path scratch = fs::temp_directory_path() / ("qtx-program-" + std::to_string(getpid()));
+  const fs::path input = scratch.string() + ".in", output = scratch.string() + ".out",
+                 errors = scratch.string() + ".err";
+  std::ofstream(input, std::ios::binary) << program.text;
+
+  const pid_t child = fork();
+  if (child == 0) {
+    const auto redirect = [](const fs::path& file, int flags, int descriptor) {
+      dup2(open(file.c_str(), flags, 0600), descriptor);
+    };
+    redirect(input, O_RDONLY, STDIN_FILENO);
+    redirect(output, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
+    redirect(errors, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+    if (chdir(program.folder.c_str()) != 0) _exit(126);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    execv(pointers[0], pointers.data());
+    _exit(127);
+  }
+  Outcome outcome;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(100);
+  int status = 0;
+  while (waitpid(child, &status, WNOHANG) == 0) {
+    if (std::chrono::steady_clock::now() > end) {
+      kill(child, SIGKILL);
+      waitpid(child, &status, 0);
+      break;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  if (std::chrono::steady_clock::now() <= end) {
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  }
+  outcome.output = read(output);
+  outcome.errors = read(errors);
+  for (const fs::path& file : {input, output, errors}) fs::remove(file);
+  return outcome;
+}
+
+class Programs : public testing::TestWithParam<HostProgram> {};
+
+TEST_P(Programs, PrintWhatTheyShould) {
+  const HostProgram& program = GetParam();
+  const Outcome outcome = run(program, {});
+  EXPECT_EQ(outcome.status, program.exitStatus) << outcome.errors;
+  if (program.output) {
+    EXPECT_EQ(outcome.output, *program.output);
+  }
+  if (program.errors) {
+    EXPECT_EQ(outcome.errors, *program.errors);
+  } else if (program.exitStatus == 0) {
+    EXPECT_EQ(outcome.errors, "");
+  }
+}
+INSTANTIATE_TEST_SUITE_P(All, Programs, testing::ValuesIn(allPrograms()),
+                         [](const auto& each) { return each.param.name; });
+
+class WithoutOperation : public testing::TestWithParam<std::string> {};
+
+// What the programs do then is their matter; they neither crash nor hang.
+TEST_P(WithoutOperation, NoProgramCrashesOrHangs) {
+  for (const HostProgram& program : allPrograms()) {
+    const Outcome outcome = run(program, {"--without", GetParam()});
+    EXPECT_TRUE(outcome.status >= 0 && outcome.status <= 2)
+        << program.name << " ended with " << outcome.status << "\n"
+        << outcome.errors;
+  }
+}
+
+// All but the one that every host has.
+std::vector<std::string> operations() {
+  std::vector<std::string> names = host::operationNames();
+  std::erase(names, "RegisterPluginVersion");
+  return names;
+}
+INSTANTIATE_TEST_SUITE_P(Each, WithoutOperation, testing::ValuesIn(operations()),
+                         [](const auto& each) { return each.param; });
+
+}  // namespace
