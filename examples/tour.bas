@@ -28,7 +28,7 @@ Print "  1234.5678, to two decimals:   " + Str(RoundQTX(1234.5678, 2))
 Dim exponent As Integer
 Dim significand As Double = FRExpQTX(40, exponent)
 Print "  40 is " + Str(significand) + " times 2 to the power " + Str(exponent)
-Print "  1 / infinity is finite:       " + Str(IsFiniteQTX(1 / (1 / ATanQTX(0))))
+Print "  1 / 0 is finite:              " + Str(IsFiniteQTX(1 / 0))
 
 ' --- Counting with threads ---------------------------------------------------
 Print "Threads"

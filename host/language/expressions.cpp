@@ -157,7 +157,7 @@ Expr Compiler::parseBinary(int level) {
     if (symbol == "is") {
       for (const Expr* each : {&left, &right}) {
         if (!(*each)->type.isReference() || ((*each)->type.kind == Kind::String && !(*each)->type.array)) {
-          fail(position, "Is compares objects; found a " + nameOf((*each)->type));
+          fail(position, "Is compares objects; found " + nameOf((*each)->type));
         }
       }
       left = integerNode({Kind::Boolean}, [left = std::move(left), right = std::move(right)](Frame& f) {
@@ -180,7 +180,7 @@ Expr Compiler::parseIsA(Expr object) {
   const Type type = parseType();
   if (type.kind != Kind::Object || !type.objectClass)
     fail(position, "expected a class after IsA, found " + nameOf(type));
-  if (!object->type.isReference()) fail(position, "IsA tests objects; found a " + nameOf(object->type));
+  if (!object->type.isReference()) fail(position, "IsA tests objects; found " + nameOf(object->type));
   return integerNode({Kind::Boolean}, [object = std::move(object), type](Frame& f) {
     return isInstance(object->reference(f).get(), *type.objectClass);
   });
@@ -789,7 +789,7 @@ Expr Compiler::intrinsic(const Token& name, Arguments& arguments) {
   if (word == "ubound") {
     expectCount(1);
     if (!arguments[0]->type.array)
-      fail(name.position, "Ubound takes an array, found a " + nameOf(arguments[0]->type));
+      fail(name.position, "Ubound takes an array, found " + nameOf(arguments[0]->type));
     return arrayMember(std::move(arguments[0]), name, {});
   }
   if (word == "vartype") {

@@ -307,8 +307,8 @@ Expr Compiler::convertTo(Expr value, Type type, const std::string& what) {
   const Position position = value->position.line ? value->position : peek().position;
   const int distance = cost(*value, type, false);
   if (distance < 0) {
-    fail(position, "expected a " + nameOf(type) + " as " + what + ", found " +
-                       (from.kind == Kind::None ? "something without a value" : "a " + nameOf(from)));
+    fail(position, "expected " + nameOf(type) + " as " + what + ", found " +
+                       (from.kind == Kind::None ? "something without a value" : nameOf(from)));
   }
   if (value->isLiteral && from.isInteger() && type.isInteger() && literalFits(value->literal, type)) {
     return literalInteger(static_cast<std::uint64_t>(value->literal), type);

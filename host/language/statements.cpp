@@ -80,7 +80,7 @@ void Compiler::parseStatement(Block& block) {
     const Class* exception = hostClasses().exception;
     if (thrown->type.kind != Kind::Object || thrown->type.array || !thrown->type.objectClass ||
         !thrown->type.objectClass->isA(*exception)) {
-      fail(position, "expected an exception after Raise, found a " + nameOf(thrown->type));
+      fail(position, "expected an exception after Raise, found " + nameOf(thrown->type));
     }
     block.statements.push_back(statement(position, [thrown = std::move(thrown)](Frame& frame) {
       Ref<Heap> object = thrown->reference(frame);
@@ -240,7 +240,7 @@ Expr Compiler::condition(const std::string& what) {
   const Position position = peek().position;
   Expr value = parseExpression();
   if (cost(*value, {Kind::Boolean}, false) < 0) {
-    fail(position, "expected a Boolean as " + what + ", found a " + nameOf(value->type));
+    fail(position, "expected Boolean as " + what + ", found " + nameOf(value->type));
   }
   return convertTo(std::move(value), {Kind::Boolean}, what);
 }
@@ -468,7 +468,7 @@ void Compiler::parseForEach(Block& block, Position position) {
   Expr array = parseExpression();
   if (!array->type.array)
     array = convertTo(std::move(array), Type{Kind::Variant}.arrayOf(), "what For Each goes through");
-  if (!array->type.array) fail(arrayPosition, "expected an array after In, found a " + nameOf(array->type));
+  if (!array->type.array) fail(arrayPosition, "expected an array after In, found " + nameOf(array->type));
   expectLineEnd("after the head of For Each");
   const Type element = array->type.element();
   if (declared) {

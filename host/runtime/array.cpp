@@ -14,7 +14,7 @@ namespace host {
 
 namespace {
 constexpr std::size_t publishedAt = arrayShape::storage;
-constexpr std::int64_t mostElements = std::int64_t{1} << 29;  // 4 GiB
+constexpr std::int64_t mostElements = std::int64_t{1} << 27;  // 1 GiB
 }  // namespace
 
 void Array::publish() {

@@ -17,7 +17,7 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t mostBytes = std::size_t{1} << 31;
+constexpr std::size_t mostBytes = std::size_t{1} << 28;  // keeps a runaway program from taking the machine
 
 const char* iconvName(std::uint32_t textEncoding) {
   constexpr bool little = std::endian::native == std::endian::little;

@@ -1,0 +1,4 @@
+' exit: 1
+Sub Change(ByRef n As Integer)
+End Sub
+Change(5)

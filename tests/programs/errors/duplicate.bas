@@ -1,0 +1,3 @@
+' exit: 1
+Dim a As Integer
+Dim A As Double

@@ -1,0 +1,4 @@
+' exit: 1
+Sub Nothing()
+End Sub
+Print Nothing()

@@ -1,0 +1,2 @@
+' exit: 1
+Dim x As Integer = 5 # 3

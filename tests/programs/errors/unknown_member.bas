@@ -1,0 +1,3 @@
+' exit: 1
+Dim c As New AtomicIntegerQTX
+c.Incremnt

@@ -1,0 +1,3 @@
+' exit: 1
+Print "never"
+Print FacQTXX(3)

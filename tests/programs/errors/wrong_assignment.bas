@@ -1,0 +1,2 @@
+' exit: 1
+Dim n As Integer = "text"
