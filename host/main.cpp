@@ -100,9 +100,7 @@ int run(const std::string& file) {
   return failed ? programFailed : 0;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int runCommandLine(int argc, char** argv) {
   CLI::App app{"Runs programs in the host's language against a plug-in library."};
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string("qtxhost ") + QTX_VERSION);
@@ -153,34 +151,40 @@ int main(int argc, char** argv) {
     std::fprintf(stderr, "qtxhost: %s\n", error.what());
     return couldNotRun;
   }
+  settings().version = std::stod(version);
+  settings().otherArrayShape = arrayShape == "other";
+  const std::vector<std::string> known = operationNames();
+  for (const std::string& name : withheld) {
+    if (std::find(known.begin(), known.end(), name) == known.end()) {
+      const std::string near = nearest(name, known);
+      throw std::runtime_error("--without " + name + ": there is no such operation" +
+                               (near.empty() ? "" : "; did you mean " + near + "?"));
+    }
+    settings().withheld.insert(name);
+  }
+  loadLibrary(library.empty() ? findLibrary() : std::filesystem::path(library));
+  registerBuiltins();
+  if (trace) switchTracingOn();
+  if (listCommand->parsed()) {
+    std::fputs(listing().c_str(), stdout);
+    return 0;
+  }
+  if (replCommand->parsed()) {
+    repl();
+    return 0;
+  }
+  const int status = run(file);
+  if (!leaks) return status;
+  const std::string report = leakReport({kept.begin(), kept.end()});
+  std::fputs(report.c_str(), stderr);
+  return report.empty() ? status : programFailed;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
   try {
-    settings().version = std::stod(version);
-    settings().otherArrayShape = arrayShape == "other";
-    const std::vector<std::string> known = operationNames();
-    for (const std::string& name : withheld) {
-      if (std::find(known.begin(), known.end(), name) == known.end()) {
-        const std::string near = nearest(name, known);
-        throw std::runtime_error("--without " + name + ": there is no such operation" +
-                                 (near.empty() ? "" : "; did you mean " + near + "?"));
-      }
-      settings().withheld.insert(name);
-    }
-    loadLibrary(library.empty() ? findLibrary() : std::filesystem::path(library));
-    registerBuiltins();
-    if (trace) switchTracingOn();
-    if (listCommand->parsed()) {
-      std::fputs(listing().c_str(), stdout);
-      return 0;
-    }
-    if (replCommand->parsed()) {
-      repl();
-      return 0;
-    }
-    const int status = run(file);
-    if (!leaks) return status;
-    const std::string report = leakReport({kept.begin(), kept.end()});
-    std::fputs(report.c_str(), stderr);
-    return report.empty() ? status : programFailed;
+    return runCommandLine(argc, argv);
   } catch (const std::exception& error) {
     std::fprintf(stderr, "qtxhost: %s\n", error.what());
     return couldNotRun;

@@ -160,10 +160,12 @@ void Compiler::declareSubs() {
     pending_.push_back({sub.get(), at_});
     program_.subs[key] = std::move(sub);
     const Position start = pending_.back().sub->position;
+    const std::string unfinished =
+        "the " + kind + " " + pending_.back().sub->name + " has no 'End " + kind + "'";
     while (!(isWord("End") && isWord(kind, 1))) {
       if (peek().kind == TokenKind::endOfText) {
-        if (interactive_) throw UnfinishedProgram(start, "the " + kind + " has no end");
-        fail(start, "the " + kind + " " + pending_.back().sub->name + " has no 'End " + kind + "'");
+        if (interactive_) throw UnfinishedProgram(start, unfinished);
+        fail(start, unfinished);
       }
       take();
     }

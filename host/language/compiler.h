@@ -124,7 +124,7 @@ class Compiler {
   static int costOfObject(const Expression& from, Type to);
   Expr convertTo(Expr value, Type type, const std::string& what);
   Expr literalInteger(std::uint64_t value, Type type);
-  Expr text(std::string value);
+  Expr text(const std::string& value);
   Expr displayed(Expr value);
 
   Program& program_;

@@ -584,9 +584,8 @@ Expr Compiler::arrayMember(Expr array, const Token& name, Arguments arguments) {
   };
   if (member == "append" || member == "add") {
     expectCount(1);
-    return statementNode([held, element,
-                          value = std::shared_ptr<Expression>(
-                              convertTo(std::move(arguments[0]), element, "the element"))](Frame& f) {
+    return statementNode([held, value = std::shared_ptr<Expression>(
+                                    convertTo(std::move(arguments[0]), element, "the element"))](Frame& f) {
       const Held owned(*value, f);
       const Ref<Array> elements = notNilArray(*held, f);
       elements->insert(elements->count(), owned.slot);

@@ -235,7 +235,7 @@ Expr Compiler::literalInteger(std::uint64_t value, Type type) {
   return node;
 }
 
-Expr Compiler::text(std::string value) {
+Expr Compiler::text(const std::string& value) {
   return referenceNode({Kind::String}, [made = Ref<Heap>(makeText(value))](Frame&) { return made; });
 }
 
@@ -608,10 +608,8 @@ Expr Compiler::comparison(const std::string& symbol, Expr left, Expr right, Posi
     // Signed with unsigned: by what the numbers are.
     return compareWith(symbol, [left = std::move(left), right = std::move(right), lWord](Frame& f) {
       const std::int64_t first = left->integer(f), second = right->integer(f);
-      if (lWord ? first < 0 || second < 0 : first < 0 || second < 0) {
-        const bool leftIsGreater = lWord ? (second < 0 || first < 0) : !(first < 0 || second < 0);
-        return leftIsGreater ? 1 : -1;
-      }
+      // Where either has its top bit set, the unsigned one is the greater.
+      if (first < 0 || second < 0) return lWord ? 1 : -1;
       return order(first, second);
     });
   }

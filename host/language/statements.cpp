@@ -747,7 +747,7 @@ void Compiler::parseAddHandler(Block& block) {
       statement(position, [object = std::move(object), sub, program = &program_](Frame& frame) {
         const Ref<Heap> held = object->reference(frame);
         if (!held) throw HostException("NilObjectException", "The thread is Nil.");
-        setRunHandler(static_cast<Object&>(*held.get()), [sub, program](Object& thread) {
+        setRunHandler(static_cast<Object&>(*held), [sub, program](Object& thread) {
           Slot argument = {};
           if (!sub->parameters.empty()) {
             retain(&thread);

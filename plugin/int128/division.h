@@ -75,22 +75,24 @@ inline Division<UInt128> divide(UInt128 dividend, UInt128 divisor) {
     return {{low.quotient, quotientHigh}, {low.remainder, 0}};
   }
   if (dividend < divisor) return {0, dividend};
-  // The quotient fits one word. It is estimated from the divisor's leading 64 bits and half the dividend,
-  // which makes it right or one too small once it has been reduced by one. Warren, "Hacker's Delight" 9-5.
+  // Algorithm D again, with digits of 64 bits: both are shifted until the divisor's top bit is set, and the
+  // quotient is one digit. Its estimate by the divisor's high word is at most one too big, since the
+  // dividend's third word is below 2^shift.
   const int shift = std::countl_zero(divisor.high);
-  const auto leading = static_cast<std::uint64_t>(divisor.bits() << shift >> 64);
-  const NativeUInt128 half = dividend.bits() >> 1;
-  std::uint64_t quotient =
-      divideTwoWords(static_cast<std::uint64_t>(half >> 64), static_cast<std::uint64_t>(half), leading)
-          .quotient;
-  quotient >>= 63 - shift;
-  if (quotient != 0) --quotient;
-  NativeUInt128 remainder = dividend.bits() - divisor.bits() * quotient;
-  if (remainder >= divisor.bits()) {
-    ++quotient;
-    remainder -= divisor.bits();
+  const auto shiftedHigh = [shift](std::uint64_t high, std::uint64_t low) {
+    return high << shift | low >> 1 >> (63 - shift);
+  };
+  const std::uint64_t divisorHigh = shiftedHigh(divisor.high, divisor.low);
+  const std::uint64_t divisorLow = divisor.low << shift;
+  auto [quotient, restHigh] =
+      divideTwoWords(shiftedHigh(0, dividend.high), shiftedHigh(dividend.high, dividend.low), divisorHigh);
+  const UInt128 rest(dividend.low << shift, restHigh);
+  NativeUInt128 subtrahend = static_cast<NativeUInt128>(quotient) * divisorLow;
+  if (subtrahend > rest.bits()) {
+    --quotient;
+    subtrahend -= UInt128(divisorLow, divisorHigh).bits();
   }
-  return {quotient, UInt128::fromBits(remainder)};
+  return {quotient, UInt128::fromBits(rest.bits() - subtrahend) >> UInt128(shift)};
 }
 
 inline Division<Int128> divide(Int128 dividend, Int128 divisor) {

@@ -1,8 +1,10 @@
 // The objects that results from 0 to 15 share: which results they are, who detaches them, and that threads
 // may do all of it at once.
 #include <atomic>
-#include <cstdlib>
+#include <chrono>
+#include <functional>
 #include <thread>
+#include <utility>
 
 #include "int128_host.h"
 
@@ -202,9 +204,9 @@ struct CountedObject {
 };
 std::atomic<int> alive{0};
 CountedObject* counted(REALobject handle) { return reinterpret_cast<CountedObject*>(handle); }
-// Gives other threads their turn first: this is when the object must not go away.
+std::function<void()> beforeNextLock;  // run between finding an object and adding the reference
 void lock(REALobject handle) {
-  std::this_thread::yield();
+  if (beforeNextLock) std::exchange(beforeNextLock, nullptr)();
   counted(handle)->references.fetch_add(1, std::memory_order_relaxed);
 }
 void unlock(REALobject handle) {
@@ -235,32 +237,64 @@ void* resolve(const char* name) {
   return nullptr;
 }
 
-TEST(SharedSmallValuesAmongThreads, AreNeverUsedAfterTheyAreGone) {
-  REALPluginMain(&resolve);
-  ASSERT_NE(signedRecord, nullptr);
-  const auto function = [](const REALmethodDefinition* records, std::size_t count,
-                           std::string_view declaration) {
-    for (std::size_t i = 0; i < count; ++i) {
-      if (records[i].declaration == declaration) return records[i].function;
-    }
-    return REALproc(nullptr);
-  };
-  const auto one = reinterpret_cast<REALobject (*)()>(
-      function(signedRecord->sharedMethods, signedRecord->sharedMethodCount, "one as Int128QTX"));
-  const auto step = reinterpret_cast<void (*)(REALobject)>(
-      function(signedRecord->methods, signedRecord->methodCount, "Inc"));
-  const auto plusOne = reinterpret_cast<REALobject (*)(REALobject)>(
-      function(signedRecord->methods, signedRecord->methodCount, "Inc as Int128QTX"));
-  ASSERT_TRUE(one && step && plusOne);
+struct Members {
+  REALobject (*one)();
+  REALobject (*plusOne)(REALobject);
+  void (*step)(REALobject);
 
+  Members() {
+    REALPluginMain(&resolve);
+    one =
+        find<REALobject()>(signedRecord->sharedMethods, signedRecord->sharedMethodCount, "one as Int128QTX");
+    plusOne =
+        find<REALobject(REALobject)>(signedRecord->methods, signedRecord->methodCount, "Inc as Int128QTX");
+    step = find<void(REALobject)>(signedRecord->methods, signedRecord->methodCount, "Inc");
+  }
+  template <typename Signature>
+  static Signature* find(const REALmethodDefinition* records, std::size_t count,
+                         std::string_view declaration) {
+    for (std::size_t i = 0; i < count; ++i) {
+      if (records[i].declaration == declaration) return reinterpret_cast<Signature*>(records[i].function);
+    }
+    ADD_FAILURE() << "nothing registered as " << declaration;
+    return nullptr;
+  }
+};
+
+TEST(SharedSmallValuesAmongThreads, AreNotDroppedWhileSomeoneTakesThem) {
+  const Members members;
+  const REALobject shared = members.one();
+  ASSERT_EQ(counted(shared)->references, 2);
+  std::atomic<bool> detached{false};
+  std::thread other;
+  beforeNextLock = [&] {
+    other = std::thread([&] {
+      members.step(shared);
+      detached = true;
+      unlock(shared);
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(100));
+    EXPECT_FALSE(detached) << "its last reference could be gone by now";
+  };
+  const REALobject taken = members.one();
+  other.join();
+  EXPECT_EQ(taken, shared);
+  EXPECT_EQ(counted(taken)->references, 1);
+  EXPECT_EQ(counted(taken)->data[0], 2) << "taken before the change: sees it";
+  unlock(taken);
+  EXPECT_EQ(alive, 0);
+}
+
+TEST(SharedSmallValuesAmongThreads, AreTakenAndDetachedAtOnce) {
+  const Members members;
   constexpr int rounds = 20'000;
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&, i] {
       for (int round = 0; round < rounds; ++round) {
-        const REALobject taken = one();
-        if (i % 2 == 0) step(taken);
-        unlock(plusOne(taken));
+        const REALobject taken = members.one();
+        if (i % 2 == 0) members.step(taken);
+        unlock(members.plusOne(taken));
         unlock(taken);
       }
     });
@@ -268,7 +302,7 @@ TEST(SharedSmallValuesAmongThreads, AreNeverUsedAfterTheyAreGone) {
   for (auto& thread : threads) thread.join();
   // The shared objects that are left have one reference each: the table's.
   EXPECT_LE(alive, 16);
-  const REALobject left = one();
+  const REALobject left = members.one();
   EXPECT_EQ(counted(left)->references, 2);
   unlock(left);
 }
