@@ -2,9 +2,9 @@
 // the examples, and every program in the documentation. Then runs all of them once per host operation, on a
 // host without it.
 //
-// A program's first lines may carry "' options: …" (more options for qtxhost) and "' exit: N". NAME.out
-// beside it holds its standard output, NAME.err its standard error; without NAME.err that is empty where the
-// exit status is 0.
+// A program's first lines may carry "' options: …" (more options for qtxhost), "' exit: N" and "' output:
+// varies". NAME.out beside it holds its standard output, which only a program whose output varies goes
+// without; NAME.err holds its standard error, which otherwise is empty where the exit status is 0.
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
@@ -42,6 +42,7 @@ struct HostProgram {
   std::string file;  // in that folder; empty: `text` goes to standard input
   std::string text;
   std::optional<std::string> output, errors;  // expected; nothing: whatever it prints
+  bool needsOutput = false;                   // it is a mistake if `output` is not there
   std::vector<std::string> options;
   int exitStatus = 0;
 };
@@ -79,6 +80,7 @@ HostProgram fromFile(const fs::path& file, const fs::path& expectations) {
   program.options = words(heading(program.text, "options"));
   if (const std::string status = heading(program.text, "exit"); !status.empty())
     program.exitStatus = std::stoi(status);
+  program.needsOutput = heading(program.text, "output") != "varies";
   fs::path expected = expectations / file.filename();
   if (fs::exists(expected.replace_extension(".out"))) program.output = read(expected);
   if (fs::exists(expected.replace_extension(".err"))) program.errors = read(expected);
@@ -156,6 +158,19 @@ struct Outcome {
   std::string output, errors;
 };
 
+// What a sanitizer finds ends a program with this status, so that it is not taken for a failing program's
+// own.
+constexpr int sanitizerFound = 99;
+
+void reportSanitizersApart() {
+  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"}) {
+    const char* given = std::getenv(name);
+    const std::string options =
+        (given ? given + std::string(":") : "") + "exitcode=" + std::to_string(sanitizerFound);
+    setenv(name, options.c_str(), 1);
+  }
+}
+
 Outcome run(const HostProgram& program, const std::vector<std::string>& more) {
   std::vector<std::string> arguments = {QTX_HOST_PROGRAM, "run"};
   // The classes that keep shared objects for small values.
@@ -178,6 +193,7 @@ Outcome run(const HostProgram& program, const std::vector<std::string>& more) {
     redirect(input, O_RDONLY, STDIN_FILENO);
     redirect(output, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
     redirect(errors, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+    reportSanitizersApart();
     if (chdir(program.folder.c_str()) != 0) _exit(126);
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
@@ -211,6 +227,7 @@ TEST_P(Programs, PrintWhatTheyShould) {
   const HostProgram& program = GetParam();
   const Outcome outcome = run(program, {});
   EXPECT_EQ(outcome.status, program.exitStatus) << outcome.errors;
+  EXPECT_TRUE(program.output || !program.needsOutput) << "its .out is missing";
   if (program.output) {
     EXPECT_EQ(outcome.output, *program.output);
   }

@@ -7,6 +7,8 @@
 #include <cstring>
 #include <thread>
 
+#include "runtime/thread.h"
+
 namespace host {
 
 Sub::~Sub() {
@@ -34,7 +36,6 @@ class LocalsScope {
   const std::vector<Type>& types_;
 };
 
-constexpr std::size_t mainStackSize = std::size_t{64} << 20;
 constexpr std::size_t stackReserve = std::size_t{384} << 10;  // for what runs between two checks
 
 // The lowest address that this thread's frames may reach.
@@ -146,7 +147,7 @@ void runMain(const Program& program, const Main& main) {
   };
   pthread_attr_t attributes;
   pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, mainStackSize);
+  pthread_attr_setstacksize(&attributes, threadStackSize);
   pthread_t thread;
   const auto entry = [](void* argument) -> void* {
     (*static_cast<decltype(body)*>(argument))();

@@ -12,8 +12,6 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t threadStackSize = std::size_t{16} << 20;
-
 // What a Thread object refers to; lives as long as the object.
 struct ThreadState {
   std::function<void(Object&)> handler;

@@ -7,6 +7,13 @@
 
 namespace host {
 
+// Of every thread that runs a program. The thread sanitizer follows only 65,536 nested calls.
+#if defined(__SANITIZE_THREAD__)
+inline constexpr std::size_t threadStackSize = std::size_t{4} << 20;
+#else
+inline constexpr std::size_t threadStackSize = std::size_t{64} << 20;
+#endif
+
 // What a thread runs when started (AddHandler t.Run, AddressOf ...); called on the new thread with the Thread
 // object.
 void setRunHandler(Object& thread, std::function<void(Object& thread)> handler);
