@@ -48,6 +48,29 @@ Print "  together they counted to " + Str(total.Value)
 Dim before As Int64 = total - 100000
 Print "  subtracting 100000 from " + Str(before) + " leaves " + Str(total.Value)
 
+' --- A queue --------------------------------------------------------------
+Print "A queue of values, safe to share"
+Dim queue As New AtomicQueueQTX
+queue.Push("first")
+queue.Push(2)
+queue.Insert("before them all")
+Print "  it holds " + Str(queue.Count) + "; the front is: " + Str(queue.PopFirst) + ", the back: " + Str(queue.PopLast)
+
+' --- Numbers of 128 bits ------------------------------------------------------
+Print "128-bit integers"
+Dim product As Int128QTX = 1
+For i As Integer = 1 To 30
+  product = product * i
+Next
+Print "  30 factorial, to the last digit: " + Str(product)
+Dim most As New UInt128QTX("340282366920938463463374607431768211455")
+Print "  the greatest there is has " + Str(most.PopCount) + " bits, and its root is " + Str(most.Sqrt)
+
+' --- A curve ------------------------------------------------------------------
+Print "A spline through (0, 0), (1, 1), (2, 4)"
+Dim curve As New SplineQTX(Array(0.0, 1.0, 2.0), Array(0.0, 1.0, 4.0))
+Print "  at 1.5 it is " + Format(curve.calc(1.5), "0.0000")
+
 ' --- Errors ------------------------------------------------------------------
 Print "Errors"
 Try

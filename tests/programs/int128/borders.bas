@@ -19,7 +19,8 @@ Print bottom Mod top
 Dim word As New Int128QTX("18446744073709551615")
 Print word + 1
 Print word * word
-Print (word * word).Sqrt = word
+Dim half As New Int128QTX(4294967295)
+Print (half * half).Sqrt = half
 Print (word * 4) / word
 Print top.Sqrt
 Print top.BitwiseAnd(-1) = top

@@ -10,6 +10,8 @@ Sub Compute()
     Dim three As New Int128QTX(300)
     Dim product As Int128QTX = (three - 296) * 100
     If product.HighValue <> 0 Then Call wrong.Increment
+    Dim two As Int128QTX = three - 298  ' whatever it is by now
+    If two Is Nil Then Call wrong.Increment
     sum = sum + 1000
   Next
   If sum <> Rounds * 1000 Then Call wrong.Increment
