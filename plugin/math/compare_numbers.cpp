@@ -1,0 +1,102 @@
+#include "math/compare_numbers.h"
+
+#include "frame/host_operations.h"
+#include "frame/raise.h"
+#include "frame/variant_access.h"
+#include "math/number_comparison.h"
+
+namespace qtx {
+
+namespace {
+
+RBInteger refuse(const char* message) {
+  RaiseException("UnsupportedOperationException", message);
+  return -1;
+}
+
+RBInteger compareSigned(std::int64_t left, REALobject right, RBInteger rightType) {
+  switch (kindOf(rightType)) {
+    case NumberKind::signedInteger:
+    case NumberKind::text:
+      return compareNumbers(left, GetVariantInt64(right));
+    case NumberKind::floating:
+      return compareNumbers(static_cast<double>(left), GetVariantDouble(right));
+    case NumberKind::unsignedInteger:
+      return compareNumbers(left, GetVariantUInt64(right));
+    case NumberKind::other:
+      break;
+  }
+  return refuse(unsupportedType);
+}
+
+RBInteger compareFloating(double left, REALobject right, RBInteger rightType) {
+  switch (kindOf(rightType)) {
+    case NumberKind::signedInteger:
+      return compareNumbers(left, static_cast<double>(GetVariantInt64(right)));
+    case NumberKind::floating:
+    case NumberKind::text:
+      return compareNumbers(left, GetVariantDouble(right));
+    case NumberKind::unsignedInteger:
+      return compareNumbers(left, static_cast<double>(GetVariantUInt64(right)));
+    case NumberKind::other:
+      break;
+  }
+  return refuse(refusalBesideFloating(rightType));
+}
+
+RBInteger compareUnsigned(std::uint64_t left, REALobject right, RBInteger rightType) {
+  switch (kindOf(rightType)) {
+    case NumberKind::signedInteger:
+      return compareNumbers(left, GetVariantInt64(right));
+    case NumberKind::floating:
+      return compareNumbers(static_cast<double>(left), GetVariantDouble(right));
+    case NumberKind::unsignedInteger:
+    case NumberKind::text:
+      return compareNumbers(left, GetVariantUInt64(right));
+    case NumberKind::other:
+      break;
+  }
+  return refuse(unsupportedType);
+}
+
+// A variant's text; nil is the empty string.
+class VariantText {
+ public:
+  explicit VariantText(REALobject variant) : string_(variant ? GetVariantString(variant) : nullptr) {}
+  ~VariantText() {
+    if (string_) REALUnlockString(string_);
+  }
+  VariantText(const VariantText&) = delete;
+  VariantText& operator=(const VariantText&) = delete;
+
+  REALstring string() const { return string_; }
+
+ private:
+  REALstring string_;
+};
+
+}  // namespace
+
+RBInteger CompareNumberVariants(REALobject left, REALobject right) {
+  const RBInteger leftType = GetVariantType(left);
+  const RBInteger rightType = GetVariantType(right);
+  if ((leftType | rightType) & variantArrayFlag) return refuse("Can't compare arrays.");
+  switch (kindOf(leftType)) {
+    case NumberKind::signedInteger:
+      return compareSigned(GetVariantInt64(left), right, rightType);
+    case NumberKind::floating:
+      return compareFloating(GetVariantDouble(left), right, rightType);
+    case NumberKind::unsignedInteger:
+      return compareUnsigned(GetVariantUInt64(left), right, rightType);
+    case NumberKind::text: {
+      const VariantText leftText(left);
+      const VariantText rightText(right);
+      return REALCompareStrings(leftText.string(), rightText.string());
+    }
+    case NumberKind::other:
+      break;
+  }
+  return refuse(unsupportedType);
+}
+
+}  // namespace qtx
