@@ -5,36 +5,23 @@
 // A program's first lines may carry "' options: …" (more options for qtxhost), "' exit: N" and "' output:
 // varies". NAME.out beside it holds its standard output, which only a program whose output varies goes
 // without; NAME.err holds its standard error, which otherwise is empty where the exit status is 0.
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include <algorithm>
-#include <chrono>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <optional>
 #include <sstream>
 #include <string>
-#include <thread>
 #include <vector>
 
+#include "run_qtxhost.h"
 #include "runtime/operations.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 const fs::path source = QTX_SOURCE_DIR;
-
-std::string read(const fs::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  std::ostringstream text;
-  text << stream.rdbuf();
-  return text.str();
-}
 
 struct HostProgram {
   std::string name;  // of the test
@@ -76,14 +63,14 @@ HostProgram fromFile(const fs::path& file, const fs::path& expectations) {
   program.name = testName(fs::relative(file, source).replace_extension("").string());
   program.folder = file.parent_path();
   program.file = file.filename().string();
-  program.text = read(file);
+  program.text = contentOf(file);
   program.options = words(heading(program.text, "options"));
   if (const std::string status = heading(program.text, "exit"); !status.empty())
     program.exitStatus = std::stoi(status);
   program.needsOutput = heading(program.text, "output") != "varies";
   fs::path expected = expectations / file.filename();
-  if (fs::exists(expected.replace_extension(".out"))) program.output = read(expected);
-  if (fs::exists(expected.replace_extension(".err"))) program.errors = read(expected);
+  if (fs::exists(expected.replace_extension(".out"))) program.output = contentOf(expected);
+  if (fs::exists(expected.replace_extension(".err"))) program.errors = contentOf(expected);
   return program;
 }
 
@@ -153,72 +140,15 @@ std::vector<HostProgram> allPrograms() {
 
 void PrintTo(const HostProgram& program, std::ostream* stream) { *stream << program.name; }
 
-struct Outcome {
-  int status = -1;  // exit status; 128 + signal; -1: did not end in time
-  std::string output, errors;
-};
-
-// What a sanitizer finds ends a program with this status, so that it is not taken for a failing program's
-// own.
-constexpr int sanitizerFound = 99;
-
-void reportSanitizersApart() {
-  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"}) {
-    const char* given = std::getenv(name);
-    const std::string options =
-        (given ? given + std::string(":") : "") + "exitcode=" + std::to_string(sanitizerFound);
-    setenv(name, options.c_str(), 1);
-  }
-}
-
 Outcome run(const HostProgram& program, const std::vector<std::string>& more) {
-  std::vector<std::string> arguments = {QTX_HOST_PROGRAM, "run"};
+  std::vector<std::string> arguments = {"run"};
   // The classes that keep shared objects for small values.
   for (const char* each : {"--leaks", "--keeps", "Int128QTX", "--keeps", "UInt128QTX"})
     arguments.push_back(each);
   arguments.insert(arguments.end(), program.options.begin(), program.options.end());
   arguments.insert(arguments.end(), more.begin(), more.end());
   arguments.push_back(program.file.empty() ? "-" : program.file);
-
-  const fs::path scratch = fs::temp_directory_path() / ("qtx-program-" + std::to_string(getpid()));
-  const fs::path input = scratch.string() + ".in", output = scratch.string() + ".out",
-                 errors = scratch.string() + ".err";
-  std::ofstream(input, std::ios::binary) << program.text;
-
-  const pid_t child = fork();
-  if (child == 0) {
-    const auto redirect = [](const fs::path& file, int flags, int descriptor) {
-      dup2(open(file.c_str(), flags, 0600), descriptor);
-    };
-    redirect(input, O_RDONLY, STDIN_FILENO);
-    redirect(output, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
-    redirect(errors, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-    reportSanitizersApart();
-    if (chdir(program.folder.c_str()) != 0) _exit(126);
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    execv(pointers[0], pointers.data());
-    _exit(127);
-  }
-  Outcome outcome;
-  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(100);
-  int status = 0;
-  while (waitpid(child, &status, WNOHANG) == 0) {
-    if (std::chrono::steady_clock::now() > end) {
-      kill(child, SIGKILL);
-      waitpid(child, &status, 0);
-      break;
-    }
-    std::this_thread::sleep_for(std::chrono::milliseconds(1));
-  }
-  if (std::chrono::steady_clock::now() <= end) {
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-  }
-  outcome.output = read(output);
-  outcome.errors = read(errors);
-  for (const fs::path& file : {input, output, errors}) fs::remove(file);
-  return outcome;
+  return runQtxhost(arguments, program.text, program.folder);
 }
 
 class Programs : public testing::TestWithParam<HostProgram> {};

@@ -55,7 +55,8 @@ std::string leakReport(const std::set<std::string>& kept) {
     if (references == 1 && kept.contains(name)) return;
     std::string what = name;
     if (thing.objectClass == hostClasses().text) {
-      what = "String \"" + utf8Of(static_cast<const Text*>(&thing)).substr(0, 40) + "\"";
+      // Of a long text no more is converted than is shown.
+      what = "String \"" + utf8Of(static_cast<const Text*>(&thing), 160).substr(0, 40) + "\"";
     } else if (thing.objectClass == hostClasses().array) {
       const auto& array = static_cast<const Array&>(thing);
       what = nameOf(array.elementType.arrayOf()) + " of " + std::to_string(array.count()) + " elements";

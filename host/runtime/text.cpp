@@ -114,8 +114,8 @@ Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding) {
   return Ref<Text>::adopt(text);
 }
 
-std::string utf8Of(const Text* text) {
-  const std::string_view bytes = bytesOf(text);
+std::string utf8Of(const Text* text, std::size_t mostBytesRead) {
+  const std::string_view bytes = bytesOf(text).substr(0, mostBytesRead);
   if (!text || text->encoding == encoding::none) return std::string(bytes);
   return recode(bytes, text->encoding, encoding::utf8).value_or(std::string(bytes));
 }

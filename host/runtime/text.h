@@ -24,8 +24,8 @@ inline std::string_view bytesOf(const Text* text) {
 }
 
 // The text in UTF-8, whatever its encoding; bytes of no known encoding as they are; what the encoding cannot
-// mean as U+FFFD.
-std::string utf8Of(const Text* text);
+// mean as U+FFFD. At most so many bytes of it are looked at.
+std::string utf8Of(const Text* text, std::size_t mostBytesRead = std::string_view::npos);
 
 // A new string with the same text in another encoding; null when the platform cannot convert.
 Ref<Text> converted(const Text* text, std::uint32_t textEncoding);

@@ -53,10 +53,16 @@ char* writeLeadingDigits(std::uint64_t value, char* out) {
   // 1233 / 4096 is a little more than log10(2).
   const std::size_t estimate = static_cast<std::size_t>(std::bit_width(value | 1)) * 1233 >> 12;
   const std::size_t count = estimate + ((value | 1) >= powersOf10[estimate]);
-  char padded[19 + 18] = {};
-  write19Digits(value, padded);
-  std::memcpy(out, padded + 19 - count,
-              19);  // a fixed count: what lies behind the digits is overwritten later
+  // A fixed number of characters is copied: what lies behind the digits is overwritten later.
+  if (value < tenTo8) {
+    char padded[8 + 7] = {};
+    write8Digits(static_cast<std::uint32_t>(value), padded);
+    std::memcpy(out, padded + 8 - count, 8);
+  } else {
+    char padded[19 + 18] = {};
+    write19Digits(value, padded);
+    std::memcpy(out, padded + 19 - count, 19);
+  }
   return out + count;
 }
 
@@ -138,17 +144,14 @@ NativeUInt128 parseDigits(const char* at, const char* end) {
     at += 16;
   }
   // Fewer than 16 digits are left: they fit one word.
-  std::uint64_t rest = 0, scale = 1;
+  const char* const start = at;
+  std::uint64_t rest = 0;
   if (end - at >= 8 && areDigits(load8(at))) {
     rest = valueOfDigits(load8(at));
-    scale = tenTo8;
     at += 8;
   }
-  for (; at != end && isDigit(*at); ++at) {
-    rest = rest * 10 + static_cast<std::uint64_t>(*at - '0');
-    scale *= 10;
-  }
-  return value * scale + rest;
+  for (; at != end && isDigit(*at); ++at) rest = rest * 10 + static_cast<std::uint64_t>(*at - '0');
+  return value * powersOf10[static_cast<std::size_t>(at - start)] + rest;
 }
 
 }  // namespace

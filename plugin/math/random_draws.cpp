@@ -1,6 +1,5 @@
 #include "math/random_draws.h"
 
-#include <algorithm>
 #include <cmath>
 #include <thread>
 
@@ -41,10 +40,8 @@ void UniformSequence::refill() {
   state[stateSize - 1] = state[distance - 1] ^ twist(state[stateSize - 1], state[0]);
   state_ = state;
 
-  constexpr double belowOne = 0x1.fffffffffffffp-1;
   for (std::size_t i = 0; i < uniforms_.size(); ++i) {
-    const double low = temper(state[2 * i]), high = temper(state[2 * i + 1]);
-    uniforms_[i] = std::min((high * 0x1p32 + low) * 0x1p-64, belowOne);
+    uniforms_[i] = uniformFrom(temper(state[2 * i]), temper(state[2 * i + 1]));
   }
   used_ = 0;
 }

@@ -1,6 +1,7 @@
 // Random numbers from three distributions, all from one generator that any thread may use.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstddef>
@@ -8,10 +9,17 @@
 
 namespace qtx {
 
+// The number in [0, 1) of two of the generator's outputs g1, g2: (g2 · 2^32 + g1) · 2^−64, kept below 1 where
+// it rounds to 1.
+inline double uniformFrom(std::uint32_t g1, std::uint32_t g2) {
+  constexpr double belowOne = 0x1.fffffffffffffp-1;
+  const double low = g1, high = g2;
+  return std::min((high * 0x1p32 + low) * 0x1p-64, belowOne);
+}
+
 // Doubles in [0, 1) from the MT19937 generator (M. Matsumoto, T. Nishimura: "Mersenne Twister", ACM TOMACS 8,
-// 1998): of each two outputs g1, g2 the number (g2 · 2^32 + g1) · 2^−64, kept below 1 where it rounds to 1.
-// The sequence is that of std::mt19937 with the same seed; the state and its numbers are made a block at a
-// time, in loops that compilers turn into vector code.
+// 1998): uniformFrom of each two outputs. The sequence is that of std::mt19937 with the same seed; the state
+// and its numbers are made a block at a time, in loops that compilers turn into vector code.
 class UniformSequence {
  public:
   explicit UniformSequence(std::uint32_t seed);

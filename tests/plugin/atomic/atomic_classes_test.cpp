@@ -264,8 +264,8 @@ TEST(AtomicFlag, IsAcquiredOnce) {
 
 TEST(AtomicFlag, IsAssignedByOperatorAndProperty) {
   Flag flag;
-  auto* assign = flag.method<void(REALobject, bool)>("Operator_Convert(value as Boolean)");
-  auto* set = reinterpret_cast<void (*)(REALobject, RBInteger, bool)>(
+  auto* assign = flag.method<void(REALobject, std::uint8_t)>("Operator_Convert(value as Boolean)");
+  auto* set = reinterpret_cast<void (*)(REALobject, RBInteger, std::uint8_t)>(
       flag.host.findProperty("AtomicFlagQTX", "Value")->setter);
   auto* get = reinterpret_cast<bool (*)(REALobject, RBInteger)>(
       flag.host.findProperty("AtomicFlagQTX", "Value")->getter);
@@ -295,7 +295,7 @@ TEST(AtomicFlag, ComparesClearAsLess) {
   const REALobject other = flag.host.makeObject("AtomicFlagQTX");
   auto* compare =
       flag.method<RBInteger(REALobject, REALobject)>("Operator_Compare(other as AtomicFlagQTX) as Integer");
-  auto* assign = flag.method<void(REALobject, bool)>("Operator_Convert(value as Boolean)");
+  auto* assign = flag.method<void(REALobject, std::uint8_t)>("Operator_Convert(value as Boolean)");
   for (const bool mine : {false, true}) {
     for (const bool theirs : {false, true}) {
       assign(flag.self, mine);

@@ -36,7 +36,7 @@ TEST(Debugging, HasOneHiddenSharedPropertyRecord) {
   ASSERT_EQ(record.attributeCount, 1u);
   EXPECT_STREQ(record.attributes[0].name, "Hidden");
   EXPECT_STREQ(record.attributes[0].value, "");
-  logOf([&] { reinterpret_cast<void (*)(bool)>(record.setter)(true); });
+  logOf([&] { reinterpret_cast<void (*)(std::uint8_t)>(record.setter)(1); });
   EXPECT_TRUE(reinterpret_cast<bool (*)()>(record.getter)());
 }
 

@@ -11,7 +11,7 @@
 namespace qtx {
 namespace {
 
-const std::size_t functionCount = mathFunctions().size();
+constexpr std::size_t functionCount = 62;
 
 TEST(ControlVersion, GoesByTheHostsVersion) {
   const struct {

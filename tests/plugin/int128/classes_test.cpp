@@ -551,7 +551,7 @@ TYPED_TEST(BothClasses, IsReadFromMemory) {
   const auto read = [&](const void* data, RBInteger size, bool isUnsigned) {
     return this->traced([&] {
       const REALobject self = this->make(0);
-      this->template call<void>(declaration, self, data, size, isUnsigned);
+      this->template call<void>(declaration, self, data, size, static_cast<std::uint8_t>(isUnsigned));
       last = this->numbers.template take<TypeParam>(self).bits();
     });
   };
@@ -567,7 +567,7 @@ TYPED_TEST(BothClasses, IsReadFromMemory) {
                                RBInteger{9}, RBInteger{15}, RBInteger{17}, RBInteger{-1}, RBInteger{32},
                                RBInteger{1} << 32, (RBInteger{1} << 32) + 1, INT64_MIN, INT64_MAX}) {
     const REALobject self = this->make(42);
-    this->template call<void>(declaration, self, static_cast<const void*>(bytes), size, false);
+    this->template call<void>(declaration, self, static_cast<const void*>(bytes), size, std::uint8_t{0});
     EXPECT_EQ(this->numbers.template take<TypeParam>(self).bits(), NativeUInt128{42});
     const RaisedException raised = this->numbers.host.takeRaised();
     EXPECT_EQ(raised.className, "UnsupportedOperationException");

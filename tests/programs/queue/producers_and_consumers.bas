@@ -8,7 +8,8 @@ Dim all(3) As AtomicQueueQTX
 Dim shared As New AtomicQueueQTX
 Dim producing As New AtomicIntegerQTX
 Dim started As New AtomicIntegerQTX
-Dim results As New AtomicQueueQTX
+Dim counts As New AtomicQueueQTX
+Dim sums As New AtomicQueueQTX
 Dim several As Boolean
 
 Function QueueAt(i As Integer) As AtomicQueueQTX
@@ -54,8 +55,8 @@ Sub Consume()
       sum = sum + n
     End If
   Loop
-  results.Push(count)
-  results.Push(sum)
+  counts.Push(count)
+  sums.Push(sum)
 End Sub
 
 Sub RunAll()
@@ -79,8 +80,8 @@ Sub RunAll()
   Dim count As Integer
   Dim sum As Integer
   For i As Integer = 1 To Consumers
-    Dim c As Integer = results.PopFirst
-    Dim s As Integer = results.PopFirst
+    Dim c As Integer = counts.PopFirst
+    Dim s As Integer = sums.PopFirst
     count = count + c
     sum = sum + s
   Next

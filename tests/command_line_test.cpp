@@ -1,0 +1,118 @@
+// What qtxhost's command line does: its options, what they may be, and what it says to bad ones.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "run_qtxhost.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+Outcome qtxhost(const std::vector<std::string>& arguments, const std::string& input = "") {
+  return runQtxhost(arguments, input, QTX_SOURCE_DIR);
+}
+
+TEST(CommandLine, RunsAFileOrStandardInput) {
+  const Outcome fromInput = qtxhost({"run", "-"}, "Print 6 * 7\n");
+  EXPECT_EQ(fromInput.status, 0);
+  EXPECT_EQ(fromInput.output, "42\n");
+  EXPECT_EQ(fromInput.errors, "");
+  const Outcome fromFile = qtxhost({"run", "tests/programs/language/operators.bas"});
+  EXPECT_EQ(fromFile.status, 0);
+  EXPECT_EQ(fromFile.output, contentOf(fs::path(QTX_SOURCE_DIR) / "tests/programs/language/operators.out"));
+}
+
+TEST(CommandLine, ListsEverythingThatTheLibraryRegisters) {
+  const Outcome listed = qtxhost({"list"});
+  EXPECT_EQ(listed.status, 0);
+  EXPECT_EQ(listed.output, contentOf(fs::path(QTX_SOURCE_DIR) / "tests/registered.txt"));
+}
+
+TEST(CommandLine, ListsTheFunctionsOfAModuleWhereTheHostHasOne) {
+  const std::string inModule = qtxhost({"list", "--host-version", "2013.0"}).output;
+  const std::string alone = qtxhost({"list", "--host-version", "2012.99"}).output;
+  EXPECT_NE(inModule.find("Module MathGlobalsQTX\n"), std::string::npos);
+  EXPECT_EQ(alone.find("Module"), std::string::npos);
+  EXPECT_NE(alone.find("\nFunctions\n"), std::string::npos);
+  const std::string functions = "  RandomNormalDistributionQTX(Mean as Double, StdDev as Double) as double\n";
+  EXPECT_NE(inModule.find(functions), std::string::npos);
+  EXPECT_NE(alone.find(functions), std::string::npos);
+}
+
+TEST(CommandLine, TracesOnRequest) {
+  const Outcome traced =
+      qtxhost({"run", "--trace", "-"}, "Print BitCountQTX(7)\nPrint New AtomicFlagQTX Is Nil\n");
+  EXPECT_EQ(traced.status, 0);
+  EXPECT_EQ(traced.output, "3\nFalse\n");
+  EXPECT_EQ(traced.errors.find("QTX Debug: QTX debug logging enabled.\n"), 0u) << traced.errors;
+  const Outcome without = qtxhost({"run", "--trace", "--host-version", "2012.0", "-"}, "Print 1\n");
+  EXPECT_EQ(without.status, 2);
+  EXPECT_EQ(without.errors, "qtxhost: --trace: the library offers no tracing to a host of this version\n");
+}
+
+TEST(CommandLine, ReportsWhatIsLeftAlive) {
+  const std::string program = "Dim n As New Int128QTX(3)\nPrint n + n\n";
+  const Outcome leaking = qtxhost({"run", "--leaks", "-"}, program);
+  EXPECT_EQ(leaking.status, 1);
+  EXPECT_EQ(leaking.output, "6\n");
+  EXPECT_EQ(leaking.errors, "leaked: Int128QTX, 1 reference\n");
+  EXPECT_EQ(qtxhost({"run", "--leaks", "--keeps", "Int128QTX", "-"}, program).status, 0);
+}
+
+TEST(CommandLine, ShowsHelpForEverything) {
+  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
+           {"--help"}, {"run", "--help"}, {"repl", "--help"}, {"list", "--help"}}) {
+    const Outcome help = qtxhost(arguments);
+    EXPECT_EQ(help.status, 0);
+    EXPECT_NE(help.output.find("Usage: "), std::string::npos);
+    EXPECT_EQ(help.errors, "");
+  }
+  EXPECT_EQ(qtxhost({"--version"}).output, "qtxhost " QTX_VERSION "\n");
+}
+
+// One line that names the thing, nothing on standard output, and status 2.
+TEST(CommandLine, RefusesWhatItCannotDo) {
+  const fs::path text = fs::temp_directory_path() / ("qtx-no-library-" + std::to_string(getpid()));
+  std::ofstream(text) << "this is no library\n";
+  const struct {
+    std::vector<std::string> arguments;
+    std::string named;
+  } cases[] = {
+      {{}, "subcommand is required"},
+      {{"sing"}, "sing"},
+      {{"run"}, "FILE"},
+      {{"run", "--loudly", "examples/tour.bas"}, "--loudly"},
+      {{"run", "no_such_file.bas"}, "no_such_file.bas"},
+      {{"run", "tests"}, "tests"},
+      {{"run", "--library", "no_such_library.so", "examples/tour.bas"}, "no_such_library.so"},
+      {{"run", "--library", text.string(), "examples/tour.bas"}, text.string()},
+      {{"run", "--without", "PluginNewInstanze", "examples/tour.bas"}, "did you mean PluginNewInstance?"},
+      {{"run", "--host-version", "new", "examples/tour.bas"}, "--host-version"},
+      {{"run", "--array-shape", "round", "examples/tour.bas"}, "--array-shape"},
+      {{"list", "tests"}, "tests"},
+  };
+  for (const auto& each : cases) {
+    const Outcome refused = qtxhost(each.arguments);
+    EXPECT_EQ(refused.status, 2) << each.named;
+    EXPECT_EQ(refused.output, "") << each.named;
+    EXPECT_EQ(refused.errors.find("qtxhost: "), 0u) << refused.errors;
+    EXPECT_NE(refused.errors.find(each.named), std::string::npos) << refused.errors;
+    EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1) << refused.errors;
+  }
+  fs::remove(text);
+}
+
+TEST(Repl, RunsStatementsAndShowsTheValuesOfExpressions) {
+  const Outcome session =
+      qtxhost({"repl"}, "Dim n As Integer = 20\nn = n + 1\nn * 2\nPrint n\nnonsense(\n1/0.5\n");
+  EXPECT_EQ(session.status, 0);
+  EXPECT_NE(session.output.find("42\n"), std::string::npos) << session.output;
+  EXPECT_NE(session.output.find("21\n"), std::string::npos) << session.output;
+  EXPECT_NE(session.output.find("2\n"), std::string::npos) << "goes on after an error";
+}
+
+}  // namespace

@@ -1,0 +1,142 @@
+// The operations that a library finds by name.
+#include "runtime/operations.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "runtime/class.h"
+#include "runtime/exception.h"
+#include "runtime/text.h"
+#include "runtime/variant.h"
+
+namespace host {
+namespace {
+
+template <typename Signature>
+Signature* operation(const char* name) {
+  registry();
+  return reinterpret_cast<Signature*>(resolve(name));
+}
+
+TEST(Operations, AreFoundByNameUnlessWithheld) {
+  registry();
+  const std::vector<std::string> names = operationNames();
+  for (const std::string& name : names) EXPECT_NE(resolve(name.c_str()), nullptr) << name;
+  EXPECT_EQ(names.size(), 40u);
+  EXPECT_TRUE(std::is_sorted(names.begin(), names.end()));
+  EXPECT_EQ(resolve("NoSuchOperation"), nullptr);
+  settings().withheld = {"REALLockObject"};
+  EXPECT_EQ(resolve("REALLockObject"), nullptr);
+  EXPECT_NE(resolve("REALUnlockObject"), nullptr);
+}
+
+TEST(Operations, TellTheVersion) {
+  settings().version = 2013.04;
+  EXPECT_EQ(operation<double()>("REALGetRBVersion")(), 2013.04);
+}
+
+TEST(Operations, MakeInstancesForTheCaller) {
+  auto* make = operation<REALobject(const char*)>("PluginNewInstance");
+  EXPECT_EQ(make("NoSuchClass"), nullptr);
+  EXPECT_EQ(make(nullptr), nullptr);
+  const REALobject object = make("runtimeexception");
+  ASSERT_NE(object, nullptr);
+  auto* heap = reinterpret_cast<Heap*>(object);
+  EXPECT_EQ(heap->references.load(), 1);
+  operation<void(REALobject)>("REALLockObject")(object);
+  EXPECT_EQ(heap->references.load(), 2);
+  operation<void(REALobject)>("REALUnlockObject")(object);
+  operation<void(REALobject)>("REALUnlockObject")(object);
+}
+
+TEST(Operations, RaiseWhatIsThrownLater) {
+  const REALobject object = operation<REALobject(const char*)>("PluginNewInstance")("NilObjectException");
+  const Ref<Text> text = makeText("nothing there");
+  EXPECT_TRUE(operation<bool(REALobject, const char*, REALstring)>("REALSetPropValueString")(
+      object, "Message", reinterpret_cast<REALstring>(text.get())));
+  EXPECT_TRUE(operation<bool(REALobject, const char*, RBInteger)>("REALSetPropValueInteger")(
+      object, "ErrorNumber", 7));
+  EXPECT_FALSE(
+      operation<bool(REALobject, const char*, RBInteger)>("REALSetPropValueInteger")(object, "Nothing", 7));
+  operation<void(REALobject)>("RuntimeRaiseException")(object);
+  operation<void(REALobject)>("REALUnlockObject")(object);
+  const Ref<Object> pending = takePending();
+  ASSERT_TRUE(pending);
+  EXPECT_EQ(messageOf(*pending), "nothing there");
+  EXPECT_EQ(errorNumberOf(*pending), 7);
+  EXPECT_EQ(pending->references.load(), 1);
+}
+
+TEST(Operations, PutThePendingExceptionAsideWhileTheyWork) {
+  registry();
+  setPending(HostException("NilObjectException", "first").exception);
+  const REALobject second = operation<REALobject(const char*)>("PluginNewInstance")("Thread");
+  EXPECT_NE(second, nullptr);
+  operation<void(REALobject)>("REALUnlockObject")(second);
+  EXPECT_EQ(messageOf(*takePending()), "first");
+}
+
+TEST(Operations, BuildAndReadStrings) {
+  const REALstring built = operation<REALstring(const char*, std::int32_t, std::uint32_t)>(
+      "REALBuildStringWithEncoding")("n\xE9", 2, encoding::isoLatin1);
+  EXPECT_EQ(operation<std::uint32_t(REALstring)>("REALGetStringEncoding")(built), encoding::isoLatin1);
+  REALstringData data = {};
+  ASSERT_TRUE(operation<bool(REALstring, std::uint32_t, REALstringData*)>("PluginGetStringData")(
+      built, encoding::utf8, &data));
+  EXPECT_EQ(std::string(data.data, data.length), "n\xC3\xA9");
+  EXPECT_EQ(data.data[data.length], '\0');
+  operation<void(REALstringData*)>("PluginDisposeStringData")(&data);
+  EXPECT_FALSE(operation<bool(REALstring, std::uint32_t, REALstringData*)>("PluginGetStringData")(
+      built, 0x0A01, &data));
+  const REALstring wide =
+      operation<REALstring(REALstring, std::uint32_t)>("REALConvertString")(built, encoding::utf16);
+  auto* load = operation<void*(const char*, const char*)>("REALLoadGlobalMethod");
+  auto* lenB = reinterpret_cast<RBInteger (*)(REALstring)>(load(nullptr, "LenB( s as string ) as integer"));
+  EXPECT_EQ(lenB(wide), 4);
+  EXPECT_EQ(lenB(nullptr), 0);
+  EXPECT_EQ(load(nullptr, "Len( s as string ) as integer"), nullptr);
+  operation<void(REALstring)>("REALUnlockString")(wide);
+  operation<void(REALstring)>("REALUnlockString")(built);
+}
+
+TEST(Operations, ReadVariantsByPropertyToo) {
+  registry();
+  const Ref<Heap> number = box(Slot{.integer = -7}, {Kind::Int64});
+  const auto handle = reinterpret_cast<REALobject>(number.get());
+  std::int64_t integer = 0;
+  EXPECT_TRUE(operation<bool(REALobject, const char*, std::int64_t*)>("REALGetPropValueInt64")(
+      handle, "LongValue", &integer));
+  EXPECT_EQ(integer, -7);
+  EXPECT_TRUE(operation<bool(REALobject, const char*, RBInteger*)>("REALGetPropValueInteger")(handle, "Type",
+                                                                                              &integer));
+  EXPECT_EQ(integer, 3);
+  double fraction = 0;
+  EXPECT_TRUE(operation<bool(REALobject, const char*, double*)>("REALGetPropValueDouble")(
+      handle, "DoubleValue", &fraction));
+  EXPECT_EQ(fraction, -7.0);
+  EXPECT_FALSE(operation<bool(REALobject, const char*, double*)>("REALGetPropValueDouble")(handle, "Nothing",
+                                                                                           &fraction));
+  REALstring text = nullptr;
+  EXPECT_TRUE(operation<bool(REALobject, const char*, REALstring*)>("REALGetPropValueString")(
+      handle, "StringValue", &text));
+  EXPECT_EQ(bytesOf(reinterpret_cast<Text*>(text)), "-7");
+  operation<void(REALstring)>("REALUnlockString")(text);
+}
+
+TEST(Operations, MakeArraysOfTheTwoKindsThatLibrariesUse) {
+  auto* make = operation<REALarray(std::int32_t, RBInteger)>("RuntimeArrayCreateSingleDimBoundedArray");
+  auto* upperBound = operation<RBInteger(REALarray)>("RuntimeUBound");
+  for (const std::int32_t type : {arrayElement::object, arrayElement::integer}) {
+    const REALarray array = make(type, 9);
+    EXPECT_EQ(upperBound(array), 9);
+    release(reinterpret_cast<Heap*>(array));
+  }
+  EXPECT_EQ(make(5, 9), nullptr);
+  EXPECT_EQ(make(arrayElement::integer, -2), nullptr);
+  EXPECT_EQ(upperBound(nullptr), -1);
+}
+
+}  // namespace
+}  // namespace host

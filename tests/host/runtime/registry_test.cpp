@@ -1,0 +1,121 @@
+// Classes, modules and functions as libraries register them.
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "runtime/class.h"
+#include "runtime/exception.h"
+#include "runtime/report.h"
+#include "runtime/text.h"
+
+namespace host {
+namespace {
+
+REALclassDefinition classNamed(const char* name, std::size_t dataSize = 0) {
+  REALclassDefinition record = {};
+  record.name = name;
+  record.dataSize = dataSize;
+  return record;
+}
+
+TEST(Registry, PlacesInstanceDataBehindTheHead) {
+  static REALclassDefinition base = classNamed("Base", 5), derived = classNamed("Derived", 8);
+  derived.superName = "Base";
+  const Class& baseClass = registry().addClass(base, true);
+  const Class& derivedClass = registry().addClass(derived, true);
+  EXPECT_EQ(base.dataOffset % 16, 0u);
+  EXPECT_GE(base.dataOffset, sizeof(Heap));
+  EXPECT_EQ(derived.dataOffset % 16, 0u);
+  EXPECT_GE(derived.dataOffset, base.dataOffset + 5);
+  EXPECT_GE(derivedClass.instanceSize, derived.dataOffset + 8);
+  EXPECT_TRUE(derivedClass.isA(baseClass));
+  EXPECT_FALSE(baseClass.isA(derivedClass));
+  const Ref<Object> object = makeObject(derivedClass);
+  for (std::size_t i = 0; i < 8; ++i) EXPECT_EQ(object->dataOf(derivedClass)[i], std::byte{0});
+}
+
+TEST(Registry, RunsInitializersAndDestructorsInOrder) {
+  static std::string order;
+  static REALclassDefinition base = classNamed("Base", 8), derived = classNamed("Derived", 8);
+  derived.superName = "Base";
+  base.constructor = reinterpret_cast<REALproc>(+[](REALobject) { order += "base+ "; });
+  base.destructor = reinterpret_cast<REALproc>(+[](REALobject) { order += "base- "; });
+  derived.constructor = reinterpret_cast<REALproc>(+[](REALobject) { order += "derived+ "; });
+  derived.destructor = reinterpret_cast<REALproc>(+[](REALobject) { order += "derived- "; });
+  registry().addClass(base, true);
+  makeObject(registry().addClass(derived, true));
+  EXPECT_EQ(order, "base+ derived+ derived- base- ");
+}
+
+std::string failureOf(const std::function<void()>& body) {
+  try {
+    body();
+  } catch (const std::runtime_error& error) {
+    return error.what();
+  }
+  return "";
+}
+
+TEST(Registry, NamesWhatIsWrong) {
+  static REALclassDefinition one = classNamed("One"), orphan = classNamed("Orphan"), odd = classNamed("Odd");
+  registry().addClass(one, true);
+  EXPECT_EQ(failureOf([] { registry().addClass(one, true); }), "the class One is registered already");
+  orphan.superName = "Nobody";
+  EXPECT_EQ(failureOf([] { registry().addClass(orphan, true); }),
+            "Orphan: the superclass Nobody is not registered");
+  static REALmethodDefinition methods[1] = {};
+  methods[0].function = reinterpret_cast<REALproc>(+[](REALobject) {});
+  methods[0].declaration = "F(";
+  odd.methods = methods;
+  odd.methodCount = 1;
+  EXPECT_EQ(failureOf([] { registry().addClass(odd, true); }),
+            "Odd: the declaration \"F(\": expected the name of a parameter at column 3");
+}
+
+TEST(Registry, NoticesAClassThatIsOnlyMentioned) {
+  static REALclassDefinition record = classNamed("Lonely");
+  static REALmethodDefinition methods[1] = {};
+  methods[0].function = reinterpret_cast<REALproc>(+[](REALobject, REALobject) {});
+  methods[0].declaration = "Meet(other as Stranger)";
+  record.methods = methods;
+  record.methodCount = 1;
+  registry().addClass(record, true);
+  EXPECT_EQ(failureOf([] { registry().checkComplete(); }),
+            "the class Stranger is used in a declaration but not registered");
+  static REALclassDefinition stranger = classNamed("Stranger");
+  registry().addClass(stranger, true);
+  EXPECT_EQ(failureOf([] { registry().checkComplete(); }), "");
+}
+
+TEST(Registry, ListsWhatLibrariesBring) {
+  static REALclassDefinition record = classNamed("Thing");
+  static REALmethodDefinition methods[1] = {};
+  methods[0].function = reinterpret_cast<REALproc>(+[](REALobject) -> RBInteger { return 0; });
+  methods[0].declaration = "Size as Integer";
+  record.methods = methods;
+  record.methodCount = 1;
+  registry().addClass(record, true);
+  EXPECT_EQ(listing(), "Class Thing\n  Size as Integer\n");
+}
+
+TEST(LeakReport, NamesWhatIsAlive) {
+  registry();
+  EXPECT_EQ(leakReport({}), "");
+  const Ref<Text> text = makeText("left");
+  EXPECT_EQ(leakReport({}), "leaked: String \"left\", 1 reference\n");
+  const Ref<Object> object = makeObject(*hostClasses().date);
+  EXPECT_EQ(leakReport({"Date"}), "leaked: String \"left\", 1 reference\n");
+  const Ref<Object> again = object;
+  EXPECT_EQ(leakReport({"Date"}), "leaked: Date, 2 references\nleaked: String \"left\", 1 reference\n");
+}
+
+TEST(Describe, NamesPlaceClassMessageAndCalls) {
+  registry();
+  HostException exception("OutOfBoundsException", "too far");
+  exception.trace = {"main.bas:12: Inner", "main.bas:30"};
+  EXPECT_EQ(describe(exception),
+            "main.bas:12: OutOfBoundsException: too far\n  at main.bas:12: Inner\n  at main.bas:30\n");
+}
+
+}  // namespace
+}  // namespace host

@@ -1,0 +1,81 @@
+#include "run_qtxhost.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <cstdlib>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// What a sanitizer finds ends a program with this status, so that it is not taken for a failing program's
+// own.
+constexpr int sanitizerFound = 99;
+
+void reportSanitizersApart() {
+  for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"}) {
+    const char* given = std::getenv(name);
+    const std::string options =
+        (given ? given + std::string(":") : "") + "exitcode=" + std::to_string(sanitizerFound);
+    setenv(name, options.c_str(), 1);
+  }
+}
+
+}  // namespace
+
+std::string contentOf(const fs::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  std::ostringstream text;
+  text << stream.rdbuf();
+  return text.str();
+}
+
+Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, const fs::path& folder) {
+  arguments.insert(arguments.begin(), QTX_HOST_PROGRAM);
+  const fs::path scratch = fs::temp_directory_path() / ("qtx-program-" + std::to_string(getpid()));
+  const fs::path input = scratch.string() + ".in", output = scratch.string() + ".out",
+                 errors = scratch.string() + ".err";
+  std::ofstream(input, std::ios::binary) << text;
+
+  const pid_t child = fork();
+  if (child == 0) {
+    const auto redirect = [](const fs::path& file, int flags, int descriptor) {
+      dup2(open(file.c_str(), flags, 0600), descriptor);
+    };
+    redirect(input, O_RDONLY, STDIN_FILENO);
+    redirect(output, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
+    redirect(errors, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
+    reportSanitizersApart();
+    if (chdir(folder.c_str()) != 0) _exit(126);
+    std::vector<char*> pointers;
+    for (std::string& argument : arguments) pointers.push_back(argument.data());
+    pointers.push_back(nullptr);
+    execv(pointers[0], pointers.data());
+    _exit(127);
+  }
+  Outcome outcome;
+  const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(100);
+  int status = 0;
+  while (waitpid(child, &status, WNOHANG) == 0) {
+    if (std::chrono::steady_clock::now() > end) {
+      kill(child, SIGKILL);
+      waitpid(child, &status, 0);
+      break;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(1));
+  }
+  if (std::chrono::steady_clock::now() <= end) {
+    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+  }
+  outcome.output = contentOf(output);
+  outcome.errors = contentOf(errors);
+  for (const fs::path& file : {input, output, errors}) fs::remove(file);
+  return outcome;
+}

@@ -1,0 +1,17 @@
+// Starts qtxhost as a user does and collects what it prints.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+struct Outcome {
+  int status = -1;  // exit status; 128 + signal; -1: did not end in time
+  std::string output, errors;
+};
+
+// With `input` as its standard input, in `folder`. A sanitizer's finding gives the status 99.
+Outcome runQtxhost(std::vector<std::string> arguments, const std::string& input,
+                   const std::filesystem::path& folder);
+
+std::string contentOf(const std::filesystem::path& file);
