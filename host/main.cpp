@@ -148,7 +148,12 @@ int runCommandLine(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
-    std::fprintf(stderr, "qtxhost: %s\n", error.what());
+    std::string message = error.what();
+    const std::vector<std::string> unknown = app.remaining();
+    if (app.get_subcommands().empty() && !unknown.empty()) {
+      message = unknown.front() + ": is neither a subcommand nor an option; see qtxhost --help";
+    }
+    std::fprintf(stderr, "qtxhost: %s\n", message.c_str());
     return couldNotRun;
   }
   settings().version = std::stod(version);
