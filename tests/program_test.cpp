@@ -170,6 +170,39 @@ TEST_P(Programs, PrintWhatTheyShould) {
 INSTANTIATE_TEST_SUITE_P(All, Programs, testing::ValuesIn(allPrograms()),
                          [](const auto& each) { return each.param.name; });
 
+// Whatever the library registers is shown in a program of the documentation. Constructors and operators are
+// shown by use, which has no name to look for.
+TEST(Documentation, ShowsEveryFunctionAndMember) {
+  std::string shown;
+  for (const fs::path& page : filesIn(source / "docs", ".md")) {
+    for (const HostProgram& program : fromPage(page)) shown += program.text;
+  }
+  const auto lower = [](std::string text) {
+    for (char& c : text) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+    return text;
+  };
+  shown = lower(shown);
+  std::istringstream lines(contentOf(source / "tests/registered.txt"));
+  int names = 0;
+  for (std::string line; std::getline(lines, line);) {
+    std::string name;
+    for (const std::string& word : words(line)) {
+      name = word;
+      if (word != "Class" && word != "Module" && word != "Shared" && word != "Property") break;
+    }
+    name = lower(name.substr(0, name.find('(')));
+    if (name == "constructor" || name.starts_with("operator_") || name == "mathglobalsqtx") continue;
+    ++names;
+    std::size_t at = shown.find(name);
+    while (at != std::string::npos && at + name.size() < shown.size() &&
+           std::isalnum(static_cast<unsigned char>(shown[at + name.size()]))) {
+      at = shown.find(name, at + 1);
+    }
+    EXPECT_NE(at, std::string::npos) << line << " is in no example";
+  }
+  EXPECT_GT(names, 130);
+}
+
 class WithoutOperation : public testing::TestWithParam<std::string> {};
 
 // Under a sanitizer every start takes long; the documentation's programs are left out there.
