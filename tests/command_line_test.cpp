@@ -63,6 +63,11 @@ TEST(CommandLine, ReportsWhatIsLeftAlive) {
   EXPECT_EQ(qtxhost({"run", "--leaks", "--keeps", "Int128QTX", "-"}, program).status, 0);
 }
 
+TEST(RandomDraws, DifferFromProcessToProcess) {
+  const std::string draw = "Print RandomNormalDistributionQTX(0, 1)\n";
+  EXPECT_NE(qtxhost({"run", "-"}, draw).output, qtxhost({"run", "-"}, draw).output);
+}
+
 TEST(CommandLine, ShowsHelpForEverything) {
   for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
            {"--help"}, {"run", "--help"}, {"repl", "--help"}, {"list", "--help"}}) {

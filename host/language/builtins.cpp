@@ -238,6 +238,11 @@ double microseconds() {
 }
 REALstring endOfLine() { return made("\n"); }
 
+template <std::uint32_t value>
+RBInteger number() {
+  return value;
+}
+
 }  // namespace
 
 void registerBuiltins() {
@@ -283,30 +288,18 @@ void registerBuiltins() {
 
   // Encodings.UTF8 and the like are the numbers that the text functions take.
   static REALmethodDefinition encodings[] = {
-      hostMethod(
-          "UTF8 as Integer", +[]() -> RBInteger { return encoding::utf8; }),
-      hostMethod(
-          "UTF16 as Integer", +[]() -> RBInteger { return encoding::utf16; }),
-      hostMethod(
-          "UTF16BE as Integer", +[]() -> RBInteger { return encoding::utf16BigEndian; }),
-      hostMethod(
-          "UTF16LE as Integer", +[]() -> RBInteger { return encoding::utf16LittleEndian; }),
-      hostMethod(
-          "UTF32 as Integer", +[]() -> RBInteger { return encoding::utf32; }),
-      hostMethod(
-          "UTF32BE as Integer", +[]() -> RBInteger { return encoding::utf32BigEndian; }),
-      hostMethod(
-          "UTF32LE as Integer", +[]() -> RBInteger { return encoding::utf32LittleEndian; }),
-      hostMethod(
-          "ASCII as Integer", +[]() -> RBInteger { return encoding::ascii; }),
-      hostMethod(
-          "ISOLatin1 as Integer", +[]() -> RBInteger { return encoding::isoLatin1; }),
-      hostMethod(
-          "WindowsLatin1 as Integer", +[]() -> RBInteger { return encoding::windowsLatin1; }),
-      hostMethod(
-          "MacRoman as Integer", +[]() -> RBInteger { return encoding::macRoman; }),
-      hostMethod(
-          "None as Integer", +[]() -> RBInteger { return encoding::none; }),
+      hostMethod("UTF8 as Integer", &number<encoding::utf8>),
+      hostMethod("UTF16 as Integer", &number<encoding::utf16>),
+      hostMethod("UTF16BE as Integer", &number<encoding::utf16BigEndian>),
+      hostMethod("UTF16LE as Integer", &number<encoding::utf16LittleEndian>),
+      hostMethod("UTF32 as Integer", &number<encoding::utf32>),
+      hostMethod("UTF32BE as Integer", &number<encoding::utf32BigEndian>),
+      hostMethod("UTF32LE as Integer", &number<encoding::utf32LittleEndian>),
+      hostMethod("ASCII as Integer", &number<encoding::ascii>),
+      hostMethod("ISOLatin1 as Integer", &number<encoding::isoLatin1>),
+      hostMethod("WindowsLatin1 as Integer", &number<encoding::windowsLatin1>),
+      hostMethod("MacRoman as Integer", &number<encoding::macRoman>),
+      hostMethod("None as Integer", &number<encoding::none>),
   };
   static REALmoduleDefinition module = {};
   module.name = "Encodings";

@@ -96,7 +96,7 @@ std::int64_t toInteger(Slot value, Type from, bool asWord) {
 
 [[noreturn]] void mismatch(const Heap* variant, Type to) {
   throw HostException("TypeMismatchException",
-                      "A " + nameOf(typeIn(variant)) + " cannot be converted to " + nameOf(to) + ".");
+                      nameOf(typeIn(variant)) + " cannot be converted to " + nameOf(to) + ".");
 }
 
 Slot fromVariant(const Heap* variant, Type to) {
