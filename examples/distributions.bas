@@ -1,3 +1,4 @@
+' takes: long
 ' output: varies
 ' Draws from the three distributions: a histogram of each as text, then the
 ' numbers themselves as CSV.

@@ -2,9 +2,10 @@
 // the examples, and every program in the documentation. Then runs all of them once per host operation, on a
 // host without it.
 //
-// A program's first lines may carry "' options: …" (more options for qtxhost), "' exit: N" and "' output:
-// varies". NAME.out beside it holds its standard output, which only a program whose output varies goes
-// without; NAME.err holds its standard error, which otherwise is empty where the exit status is 0.
+// A program's first lines may carry "' options: …" (more options for qtxhost), "' exit: N", "' output:
+// varies" and "' takes: long". NAME.out beside it holds its standard output, which only a program whose
+// output varies goes without; NAME.err holds its standard error, which otherwise is empty where the exit
+// status is 0.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,6 +33,7 @@ struct HostProgram {
   bool needsOutput = false;                   // it is a mistake if `output` is not there
   std::vector<std::string> options;
   int exitStatus = 0;
+  bool takesLong = false;
 };
 
 // "' key: value" among the comment lines that open a program.
@@ -68,6 +70,7 @@ HostProgram fromFile(const fs::path& file, const fs::path& expectations) {
   if (const std::string status = heading(program.text, "exit"); !status.empty())
     program.exitStatus = std::stoi(status);
   program.needsOutput = heading(program.text, "output") != "varies";
+  program.takesLong = heading(program.text, "takes") == "long";
   fs::path expected = expectations / file.filename();
   if (fs::exists(expected.replace_extension(".out"))) program.output = contentOf(expected);
   if (fs::exists(expected.replace_extension(".err"))) program.errors = contentOf(expected);
@@ -205,17 +208,18 @@ TEST(Documentation, ShowsEveryFunctionAndMember) {
 
 class WithoutOperation : public testing::TestWithParam<std::string> {};
 
-// Under a sanitizer every start takes long; the documentation's programs are left out there.
+// Sanitizers and emulators make every start slow; the documentation's programs and those that take long
+// anyway are left out there.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool withPages = false;
+constexpr bool runSlowly = true;
 #else
-constexpr bool withPages = true;
+constexpr bool runSlowly = sizeof QTX_EMULATOR > 1;
 #endif
 
 // What the programs do then is their matter; they neither crash nor hang.
 TEST_P(WithoutOperation, NoProgramCrashesOrHangs) {
   for (const HostProgram& program : allPrograms()) {
-    if (!withPages && program.file.empty()) continue;
+    if (runSlowly && (program.file.empty() || program.takesLong)) continue;
     const Outcome outcome = run(program, {"--without", GetParam()});
     EXPECT_TRUE(outcome.status >= 0 && outcome.status <= 2)
         << program.name << " ended with " << outcome.status << "\n"

@@ -39,6 +39,9 @@ std::string contentOf(const fs::path& file) {
 
 Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, const fs::path& folder) {
   arguments.insert(arguments.begin(), QTX_HOST_PROGRAM);
+  // A program for another processor is started through what runs it here.
+  const std::string emulator = QTX_EMULATOR;
+  if (!emulator.empty()) arguments.insert(arguments.begin(), emulator);
   const fs::path scratch = fs::temp_directory_path() / ("qtx-program-" + std::to_string(getpid()));
   const fs::path input = scratch.string() + ".in", output = scratch.string() + ".out",
                  errors = scratch.string() + ".err";
@@ -57,7 +60,7 @@ Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, 
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
     pointers.push_back(nullptr);
-    execv(pointers[0], pointers.data());
+    execvp(pointers[0], pointers.data());
     _exit(127);
   }
   Outcome outcome;

@@ -6,7 +6,6 @@
 #include <bit>
 #include <cerrno>
 #include <cstdlib>
-#include <cstring>
 #include <optional>
 #include <vector>
 
@@ -108,8 +107,7 @@ Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding) {
   text->encoding = textEncoding;
   text->length = bytes.size();
   char* content = static_cast<char*>(memory) + sizeof(Text);
-  std::memcpy(content, bytes.data(), bytes.size());
-  content[bytes.size()] = '\0';
+  *std::copy(bytes.begin(), bytes.end(), content) = '\0';
   enlist(text, hostClasses().text);
   return Ref<Text>::adopt(text);
 }

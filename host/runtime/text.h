@@ -20,7 +20,7 @@ Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding = encoding
 
 // A view of the bytes; empty for null.
 inline std::string_view bytesOf(const Text* text) {
-  return text ? std::string_view(text->bytes(), text->length) : std::string_view();
+  return text ? std::string_view(text->bytes(), text->length) : "";
 }
 
 // The text in UTF-8, whatever its encoding; bytes of no known encoding as they are; what the encoding cannot

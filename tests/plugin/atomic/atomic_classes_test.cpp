@@ -1,4 +1,6 @@
 // AtomicIntegerQTX and AtomicFlagQTX through their records.
+#include <atomic>
+#include <chrono>
 #include <thread>
 
 #include "frame/fake_host.h"
@@ -209,6 +211,85 @@ TEST(AtomicInteger, LosesNoCountAmongThreads) {
   EXPECT_EQ(counter.value(), 4 * rounds * 3);
 }
 
+// Every read-modify-write, one after the other, from threads that start together and keep at it for a while;
+// each thread accounts for what it did. An operation that is two steps loses some.
+TEST(AtomicInteger, IsOneStepInEveryMember) {
+  Counter counter;
+  using Binary = std::int64_t(REALobject, std::int64_t);
+  const REALobject self = counter.self;
+  auto* exchange = counter.method<Binary>("Exchange(Value as Int64) as Int64");
+  auto* keep = counter.method<Binary>("BitwiseAnd(Value as Int64) as Int64");
+  auto* put = counter.method<Binary>("BitwiseOr(Value as Int64) as Int64");
+  auto* flip = counter.method<Binary>("BitwiseXOr(Value as Int64) as Int64");
+  auto* compareExchange = counter.method<bool(REALobject, std::int64_t*, std::int64_t)>(
+      "CompareExchange(byref expected as Int64, desired as Int64) as Boolean");
+
+  // Runs `step(thread, account)` in four threads; the sum of the accounts.
+  const auto together = [&](const std::function<void(int, std::int64_t&)>& step) {
+    std::atomic<int> ready{0};
+    std::atomic<std::int64_t> sum{0};
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+      threads.emplace_back([&, t] {
+        std::int64_t account = 0;
+        for (++ready; ready < 4;) std::this_thread::yield();
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(100);
+        do {
+          for (int round = 0; round < 1000; ++round) step(t, account);
+        } while (std::chrono::steady_clock::now() < end);
+        sum += account;
+      });
+    }
+    for (auto& thread : threads) thread.join();
+    return sum.load();
+  };
+  const auto bit = [](int t) { return std::int64_t{1} << (t * 16); };
+
+  struct Sum {
+    const char* declaration;
+    std::int64_t argument, change;
+  };
+  for (const Sum& sum : {Sum{"Increment as Int64", 0, 1},
+                         {"Decrement as Int64", 0, -1},
+                         {"Add(Value as Int64) as Int64", 3, 3},
+                         {"Subtract(Value as Int64) as Int64", 3, -3},
+                         {"Operator_Add(other as Int64) as Int64", 5, 5},
+                         {"Operator_Subtract(other as Int64) as Int64", 5, -5}}) {
+    counter.setValue(0);
+    auto* change = counter.method<Binary>(sum.declaration);  // those without a parameter ignore it
+    const std::int64_t expected = together([&](int, std::int64_t& account) {
+      change(self, sum.argument);
+      account += sum.change;
+    });
+    EXPECT_EQ(counter.value(), expected) << sum.declaration;
+  }
+
+  counter.setValue(0);
+  const std::int64_t exchanges = together([&](int, std::int64_t& account) {
+    std::int64_t seen = counter.value();
+    while (!compareExchange(self, &seen, seen + 1)) {
+    }
+    ++account;
+  });
+  EXPECT_EQ(counter.value(), exchanges) << "CompareExchange";
+
+  counter.setValue(0);
+  const std::int64_t left =
+      together([&](int t, std::int64_t& account) { account += t + 1 - exchange(self, t + 1); });
+  EXPECT_EQ(counter.value(), left) << "Exchange: what went in and did not come out";
+
+  counter.setValue(0);
+  EXPECT_EQ(together([&](int t, std::int64_t& wrong) {
+              if (put(self, bit(t)) & bit(t)) ++wrong;
+              if (!(keep(self, ~bit(t)) & bit(t))) ++wrong;
+              if (flip(self, bit(t)) & bit(t)) ++wrong;
+              if (!(flip(self, bit(t)) & bit(t))) ++wrong;
+            }),
+            0)
+      << "no thread touches another's bit";
+  EXPECT_EQ(counter.value(), 0);
+}
+
 struct Flag {
   FakeHost host;
   REALobject self = nullptr;
@@ -288,6 +369,18 @@ TEST(AtomicFlag, CountsOnlyBit0) {
   EXPECT_EQ(data, std::byte{1});
   data = std::byte{0xFF};
   EXPECT_TRUE(flag.testAndSet());
+
+  data = std::byte{0xFE};
+  const REALobject other = flag.host.makeObject("AtomicFlagQTX");
+  EXPECT_FALSE(reinterpret_cast<bool (*)(REALobject, RBInteger)>(
+      flag.host.findProperty("AtomicFlagQTX", "Value")->getter)(flag.self, 0));
+  EXPECT_EQ(flag.method<RBInteger(REALobject, REALobject)>(
+                "Operator_Compare(other as AtomicFlagQTX) as Integer")(flag.self, other),
+            0);
+  EXPECT_EQ(data, std::byte{0xFE}) << "only read";
+  flag.clear();
+  EXPECT_EQ(data, std::byte{0});
+  flag.host.unlock(other);
 }
 
 TEST(AtomicFlag, ComparesClearAsLess) {
@@ -321,11 +414,13 @@ TEST(AtomicFlag, LetsOneThreadInAtATime) {
   Flag flag;
   auto* acquire = flag.method<bool(REALobject)>("TestAndSet as Boolean");
   auto* release = flag.method<void(REALobject)>("Clear");
-  constexpr int rounds = 2000;
+  constexpr int rounds = 200000;
+  std::atomic<int> ready{0};
   int guarded = 0;  // a plain variable: only the flag keeps the threads apart
   std::vector<std::thread> threads;
   for (int i = 0; i < 4; ++i) {
     threads.emplace_back([&] {
+      for (++ready; ready < 4;) std::this_thread::yield();  // start together
       for (int round = 0; round < rounds; ++round) {
         while (acquire(flag.self)) std::this_thread::yield();
         ++guarded;

@@ -2,6 +2,7 @@
 #include "atomic/atomic_queue.h"
 
 #include <atomic>
+#include <chrono>
 #include <optional>
 #include <thread>
 #include <type_traits>
@@ -270,6 +271,46 @@ TEST(AtomicQueue, RefusesArraysOfAnotherShape) {
   EXPECT_EQ(raised.message, "Failed to access array.");
   EXPECT_EQ(queue.contents(), Numbers{1});
   fixture.arrays.release(array);
+}
+
+TEST(AtomicQueue, RefusesAnArrayWithoutStorage) {
+  Fixture fixture;
+  Queue queue(fixture, {1});
+  const REALarrayObject array = fixture.arrays.objects({fixture.values[2], fixture.values[3]});
+  std::memset(reinterpret_cast<std::byte*>(array) + 56, 0, sizeof(void*));
+  queue.addArray(array);
+  const RaisedException raised = fixture.host.takeRaised();
+  EXPECT_EQ(raised.className, "UnsupportedOperationException");
+  EXPECT_EQ(raised.message, "Failed to access array.");
+  EXPECT_EQ(queue.contents(), Numbers{1});
+  fixture.arrays.release(array);
+}
+
+// Before any look at its shape, so that no array is made for the self-test.
+TEST(AtomicQueue, IgnoresAnEmptyArrayWithoutTheSelfTest) {
+  Fixture fixture;
+  Queue queue(fixture);
+  const REALarrayObject empty = fixture.arrays.objects({});
+  fixture.host.withhold("RuntimeArrayCreateSingleDimBoundedArray");
+  queue.addArray(empty);
+  EXPECT_EQ(fixture.host.lookUps["RuntimeArrayCreateSingleDimBoundedArray"], 0);
+  fixture.arrays.release(empty);
+}
+
+// 4 is the host's code for Variant elements.
+TEST(AtomicQueue, MakesAnEmptyVariantArray) {
+  Fixture fixture;
+  static int calls = 0;
+  fixture.host.offer(
+      "RuntimeArrayCreateSingleDimBoundedArray", +[](std::int32_t type, RBInteger upperBound) -> REALarray {
+        ++calls;
+        EXPECT_EQ(type, 4);
+        EXPECT_EQ(upperBound, -1);
+        return nullptr;
+      });
+  Queue queue(fixture, {1});
+  EXPECT_EQ(queue.array(), nullptr);
+  EXPECT_EQ(calls, 1);
 }
 
 TEST(AtomicQueue, GivesNilWhereTheHostMakesNoArrays) {
@@ -652,6 +693,71 @@ void exchangeThrough(std::size_t queueCount, bool atFront) {
     ASSERT_EQ(cell.references, 1);
   }
   for (const REALobject queue : queues) host.unlock(queue);
+}
+
+// One thread holds the lock, because the host keeps it in REALLockObject; what another thread then calls, on
+// another queue, has to wait for it.
+struct Gate {
+  static inline std::atomic<bool> closed{true}, reached{false};
+  static REALobject handle() { return reinterpret_cast<REALobject>(&closed); }
+};
+
+TEST(AtomicQueueThreads, WaitForOneLockInEveryMember) {
+  using namespace std::chrono_literals;
+  static void (*lockOthers)(REALobject);
+  static void (*unlockOthers)(REALobject);
+  Fixture fixture;
+  lockOthers = reinterpret_cast<void (*)(REALobject)>(FakeHost::resolve("REALLockObject"));
+  unlockOthers = reinterpret_cast<void (*)(REALobject)>(FakeHost::resolve("REALUnlockObject"));
+  fixture.host.offer(
+      "REALLockObject", +[](REALobject handle) {
+        if (handle != Gate::handle()) return lockOthers(handle);
+        Gate::reached = true;
+        while (Gate::closed) std::this_thread::sleep_for(std::chrono::milliseconds(1));
+      });
+  fixture.host.offer(
+      "REALUnlockObject", +[](REALobject handle) {
+        if (handle != Gate::handle()) unlockOthers(handle);
+      });
+  Queue holder(fixture), queue(fixture, {1, 2}), other(fixture, {3, 4});
+  const REALarrayObject array = fixture.arrays.objects({fixture.values[5]});
+  queue.addArray(array);  // the self-test
+
+  const std::pair<const char*, std::function<void()>> members[] = {
+      {"Clear", [&] { queue.clear(); }},
+      {"Insert", [&] { queue.insert(1); }},
+      {"Push", [&] { queue.push(1); }},
+      {"PopFirst", [&] { queue.popFirst(); }},
+      {"PopLast", [&] { queue.popLast(); }},
+      {"Values", [&] { queue.contents(); }},
+      {"Add", [&] { queue.add(other.self); }},
+      {"Add, of an array", [&] { queue.addArray(array); }},
+      {"Operator_Add", [&] { fixture.host.unlock(queue.plus(1)); }},
+      {"Operator_Compare", [&] { queue.compare(other.self); }},
+      {"Count", [&] { queue.count(); }},
+      {"TopValue", [&] { queue.topValue(); }},
+      {"TopValue, assigned", [&] { queue.setTopValue(1); }},
+  };
+  for (const auto& [name, member] : members) {
+    Gate::closed = true;
+    Gate::reached = false;
+    std::thread holding([&] {
+      holder.method<void(REALobject, REALobject)>("Push(value as Variant)")(holder.self, Gate::handle());
+    });
+    while (!Gate::reached) std::this_thread::yield();
+    std::atomic<bool> done{false};
+    std::thread waiting([&] {
+      member();
+      done = true;
+    });
+    std::this_thread::sleep_for(30ms);
+    EXPECT_FALSE(done) << name;
+    Gate::closed = false;
+    holding.join();
+    waiting.join();
+    EXPECT_TRUE(done) << name;
+  }
+  fixture.arrays.release(array);
 }
 
 TEST(AtomicQueueThreads, ShareOneQueue) { exchangeThrough(1, false); }

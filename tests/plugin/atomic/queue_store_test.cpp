@@ -97,6 +97,8 @@ TEST(REALObject, LocksTheIncomingObjectFirst) {
   EXPECT_EQ(recorder.trace([&] { target = source; }), (Lines{copyAssignment, "lock 2", "unlock 2"}));
   EXPECT_EQ(recorder.trace([&] { nil = source; }), (Lines{copyAssignment, "lock 2"}));
   EXPECT_EQ(nil.borrow(), thing(2));
+  const REALObject empty(nullptr);
+  EXPECT_EQ(recorder.trace([&] { target = empty; }), (Lines{copyAssignment, "lock 0", "unlock 2"}));
 }
 
 TEST(REALObject, UnlocksWhatAMoveReplaces) {
@@ -113,6 +115,9 @@ TEST(REALObject, GivesTheCallerAReference) {
   const REALObject object(thing(1));
   EXPECT_EQ(recorder.trace([&] { EXPECT_EQ(object.get(), thing(1)); }),
             (Lines{prefix + "REALobject REALObject::get() const", "lock 1"}));
+  const REALObject nil(nullptr);
+  EXPECT_EQ(recorder.trace([&] { EXPECT_EQ(nil.get(), nullptr); }),
+            (Lines{prefix + "REALobject REALObject::get() const", "lock 0"}));
 }
 
 TEST(REALObject, ComparesHandles) {

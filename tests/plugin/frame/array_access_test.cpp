@@ -16,15 +16,16 @@ struct FakeArray {
 
   FakeArray(double hostVersion, std::size_t count)
       : elements(count), operationUpperBound(RBInteger(count) - 1) {
-    put(arrayShape::referenceCount, std::int64_t{1});
-    put(arrayShape::storage, elements.data());
+    // What lies around the fields is not looked at.
+    std::memset(object, 0x5A, sizeof object);
+    put(24, std::int64_t{1});
+    put(56, elements.data());
     if (hostVersion >= 2021.0) {
-      put(arrayShape::dimensions, std::int64_t{1});
-      put(arrayShape::upperBoundSince2021, std::int32_t(count) - 1);
+      put(64, std::int64_t{1});
+      put(84, std::int32_t(count) - 1);
     } else {
-      put(arrayShape::dimensions, std::int32_t{1});
-      put(arrayShape::dimensions + 4, std::int32_t{-1});  // not part of the number on such a host
-      put(arrayShape::upperBoundBefore2021, std::int32_t(count) - 1);
+      put(64, std::int32_t{1});
+      put(76, std::int32_t(count) - 1);
     }
   }
   template <typename Field>
@@ -138,6 +139,16 @@ TEST(ArrayValue, OutsideTheBoundsRaises) {
   EXPECT_EQ(value, 3);
 }
 
+TEST(ArrayValue, OutsideTheBoundsNeedsNoSelfTest) {
+  FakeHost host;
+  offerArrays(host);
+  Doubles array({1, 2, 3});
+  double value = 7;
+  REALGetArrayValue(array.handle<REALarrayDouble>(), 3, &value);
+  EXPECT_EQ(host.takeRaised().className, "OutOfBoundsException");
+  EXPECT_EQ(host.lookUps["RuntimeArrayCreateSingleDimBoundedArray"], 0);
+}
+
 TEST(ArrayValue, WithoutUpperBoundsHasIndexZeroOnly) {
   FakeHost host;
   offerArrays(host);
@@ -198,6 +209,31 @@ const Failure failures[] = {
      +[](FakeArray& a) { a.put(arrayShape::dimensions, std::int64_t{3}); }, nullptr, nullptr},
     {"UpperBound", "ubound wrong 1233",
      +[](FakeArray& a) { a.put(arrayShape::upperBoundSince2021, std::int32_t{1233}); }, nullptr, nullptr},
+    {"ReferenceCountOf64Bits", "refCount wrong 4294967297",
+     +[](FakeArray& a) { a.put(24, (std::int64_t{1} << 32) + 1); }, nullptr, nullptr},
+    {"DimensionsOf64Bits", "DimensionCount wrong 4294967297",
+     +[](FakeArray& a) { a.put(64, (std::int64_t{1} << 32) + 1); }, nullptr, nullptr},
+    {"ReferenceCountFirst", "refCount wrong 2",
+     +[](FakeArray& a) {
+       a.put(24, std::int64_t{2});
+       a.put(64, std::int64_t{3});
+       a.put(84, std::int32_t{4});
+       a.put(56, static_cast<void*>(nullptr));
+     },
+     nullptr, nullptr},
+    {"DimensionsSecond", "DimensionCount wrong 3",
+     +[](FakeArray& a) {
+       a.put(64, std::int64_t{3});
+       a.put(84, std::int32_t{4});
+       a.put(56, static_cast<void*>(nullptr));
+     },
+     nullptr, nullptr},
+    {"UpperBoundThird", "ubound wrong -1",
+     +[](FakeArray& a) {
+       a.put(84, std::int32_t{-1});
+       a.put(56, static_cast<void*>(nullptr));
+     },
+     nullptr, nullptr},
     {"Storage", "data is nil", +[](FakeArray& a) { a.put(arrayShape::storage, static_cast<void*>(nullptr)); },
      nullptr, nullptr},
     {"Stored0", "Index 0 failed 8",

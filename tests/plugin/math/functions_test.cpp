@@ -214,15 +214,5 @@ TEST(RandomPoisson, GoesByTheLow32BitsOfTheMean) {
   EXPECT_NEAR(static_cast<double>(sum) / 10000, 3, 0.2);  // over eleven standard deviations
 }
 
-// The style runs the second process from its start, loading included.
-TEST(RandomDrawsDeathTest, DifferFromProcessToProcess) {
-  testing::FLAGS_gtest_death_test_style = "threadsafe";
-  Functions functions;
-  auto* draw = functions.find<double(double)>("RandomExponentialDistributionQTX(lambda as Double) as double");
-  const std::string mine = std::to_string(draw(1e-9)) + "," + std::to_string(draw(1e-9));
-  setenv("QTX_TEST_DRAWS", mine.c_str(), 0);  // the second process keeps the value of the first
-  EXPECT_EXIT(_exit(mine == std::getenv("QTX_TEST_DRAWS") ? 1 : 0), testing::ExitedWithCode(0), "");
-}
-
 }  // namespace
 }  // namespace qtx

@@ -254,6 +254,33 @@ TEST(SplineClass, LeavesItsPointsBehind) {
   EXPECT_EQ(sequencesLeftBehind(), 4u);
 }
 
+// The four coefficient sequences go, and are seen to be gone; the points stay.
+TEST(SplineClass, ReleasesItsCoefficientsAlone) {
+  Fixture fixture;
+  auto object = std::make_unique<FakeObject>();
+  const auto self = reinterpret_cast<REALobject>(object.get());
+  const REALarrayDouble x = fixture.arrays.doubles({0, 1, 2}), y = fixture.arrays.doubles({0, 1, 4});
+  fixture.host.function<void(REALobject, REALarrayDouble, REALarrayDouble)>(
+      "SplineQTX", "Constructor(X() as Double, Y() as Double)")(self, x, y);
+  const auto destroy =
+      reinterpret_cast<void (*)(REALobject)>(fixture.host.findClass("SplineQTX")->destructor);
+  destroy(self);
+  void* pointers[6];
+  std::memcpy(pointers, object->data, sizeof pointers);
+  for (int i = 0; i < 4; ++i) EXPECT_EQ(pointers[i], nullptr) << i;
+  EXPECT_NE(pointers[4], nullptr);
+  EXPECT_NE(pointers[5], nullptr);
+  const auto at = [&](const char* declaration) {
+    return fixture.host.function<double(REALobject, RBInteger)>("SplineQTX", declaration)(self, 2);
+  };
+  EXPECT_EQ(at("x(index as integer) as double"), 2);
+  EXPECT_EQ(at("y(index as integer) as double"), 4);
+  EXPECT_EQ(at("a(index as integer) as double"), 0);
+  EXPECT_EQ(fixture.host.takeRaised().message, "Not initialized");
+  fixture.arrays.release(x);
+  fixture.arrays.release(y);
+}
+
 void readsArraysOn(double version, bool usualShape) {
   Fixture fixture(version, usualShape);
   Spline spline(fixture, {0, 1, 2, 4}, {0, 10, 20, 40});

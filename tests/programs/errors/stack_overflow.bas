@@ -1,3 +1,4 @@
+' takes: long
 Function Deep(n As Integer) As Integer
   Return Deep(n + 1) + 1
 End Function

@@ -1,3 +1,4 @@
+' takes: long
 ' Draws of several threads at once, and what odd parameters give.
 Dim inRange As New AtomicIntegerQTX
 Sub Draw()

@@ -1,3 +1,4 @@
+' takes: long
 ' Two threads hand half a million values each to two others; a third keeps looking.
 Const PerThread = 500000
 Dim q As New AtomicQueueQTX

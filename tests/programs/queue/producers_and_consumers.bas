@@ -1,3 +1,4 @@
+' takes: long
 ' Several producers and consumers over one queue and over several: nothing lost, nothing twice.
 Const Producers = 3
 Const Consumers = 3
