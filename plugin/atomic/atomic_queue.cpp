@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <mutex>
+#include <utility>
 
 #include "atomic/queue_store.h"
 #include "frame/array_access.h"
@@ -43,8 +44,7 @@ void Initializer(REALobject self) {
 
 void Deinitializer(REALobject self) {
   Trace("void Deinitializer(REALobject)");
-  delete storeOf(self);
-  storeOf(self) = nullptr;
+  delete std::exchange(storeOf(self), nullptr);
 }
 
 void clear(REALobject self) {

@@ -4,6 +4,7 @@
 #include <atomic>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "frame/array_access.h"
 #include "frame/host_operations.h"
@@ -23,6 +24,7 @@ struct Sequence {
 // The X or Y values as they were given.
 struct PointSequence : Sequence {
   std::unique_ptr<double[]> storage;
+  bool isLeftBehind = false;
   const PointSequence* nextLeftBehind = nullptr;
 };
 
@@ -61,7 +63,7 @@ void releaseCoefficients(SplineData& data) {
 std::atomic<const PointSequence*> leftBehind{nullptr};
 
 void leaveBehind(PointSequence* points) {
-  if (!points) return;
+  if (!points || std::exchange(points->isLeftBehind, true)) return;
   points->nextLeftBehind = leftBehind.load(std::memory_order_relaxed);
   while (!leftBehind.compare_exchange_weak(points->nextLeftBehind, points, std::memory_order_release,
                                            std::memory_order_relaxed)) {

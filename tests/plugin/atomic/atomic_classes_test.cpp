@@ -190,27 +190,6 @@ TEST(AtomicInteger, TracesNothingOfItsWork) {
             "");
 }
 
-TEST(AtomicInteger, LosesNoCountAmongThreads) {
-  Counter counter;
-  auto* increment = counter.method<std::int64_t(REALobject)>("Increment as Int64");
-  auto* add = counter.method<std::int64_t(REALobject, std::int64_t)>("Operator_Add(other as Int64) as Int64");
-  auto* flip = counter.method<std::int64_t(REALobject, std::int64_t)>("BitwiseXOr(Value as Int64) as Int64");
-  constexpr int rounds = 20000;
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i) {
-    threads.emplace_back([&] {
-      for (int round = 0; round < rounds; ++round) {
-        increment(counter.self);
-        add(counter.self, 2);
-        flip(counter.self, std::int64_t{1} << 40);
-        flip(counter.self, std::int64_t{1} << 40);
-      }
-    });
-  }
-  for (auto& thread : threads) thread.join();
-  EXPECT_EQ(counter.value(), 4 * rounds * 3);
-}
-
 // Every read-modify-write, one after the other, from threads that start together and keep at it for a while;
 // each thread accounts for what it did. An operation that is two steps loses some.
 TEST(AtomicInteger, IsOneStepInEveryMember) {
