@@ -14,7 +14,7 @@ fi
 
 for needed in $("$readelf" -d "$library" | sed -n 's/.*(NEEDED).*\[\(.*\)\]/\1/p'); do
   case $needed in
-    libstdc++.so.* | libc++.so.* | libc++abi.so.* | libm.so.* | libgcc_s.so.* | libc.so.* | ld-linux*) ;;
+    libstdc++.so.* | libc++.so.* | libc++abi.so.* | libunwind.so.* | libm.so.* | libgcc_s.so.* | libc.so.* | ld-linux*) ;;
     libasan.so.* | libubsan.so.* | libtsan.so.*) ;; # in sanitizer builds
     *)
       echo "$library needs $needed, which is no part of the runtime of C and C++"

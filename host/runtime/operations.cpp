@@ -84,23 +84,18 @@ REALclassRef classNamed(const char* name) {
   return reinterpret_cast<REALclassRef>(const_cast<Class*>(found));
 }
 
+// The data is a text of its own, so that one that is not disposed of shows among the leaks.
 bool getStringData(REALstring string, std::uint32_t encoding, REALstringData* out) {
   return orNothing([&]() -> bool {
-    const Ref<Text> text = converted(textOf(string), encoding);
+    Ref<Text> text = converted(textOf(string), encoding);
+    if (!text && !bytesOf(textOf(string)).empty()) return false;
     const std::string_view bytes = bytesOf(text.get());
-    auto* copy = static_cast<char*>(std::malloc(bytes.size() + 1));
-    if (!copy || (string && !text && textOf(string)->length > 0)) {
-      std::free(copy);
-      return false;
-    }
-    std::memcpy(copy, bytes.data(), bytes.size());
-    copy[bytes.size()] = '\0';
-    *out = {copy, bytes.size(), encoding, copy};
+    *out = {bytes.data(), bytes.size(), encoding, text.detach()};
     return true;
   });
 }
 void disposeStringData(REALstringData* data) {
-  std::free(data->reserved);
+  release(static_cast<Text*>(data->reserved));
   *data = {};
 }
 const char* stringBytes(REALstring string) { return string ? textOf(string)->bytes() : ""; }

@@ -746,8 +746,8 @@ TEST(AtomicQueueThreads, WaitForOneLockInEveryMember) {
     });
     while (!Gate::reached) std::this_thread::yield();
     std::atomic<bool> done{false};
-    std::thread waiting([&] {
-      member();
+    std::thread waiting([&, &run = member] {
+      run();
       done = true;
     });
     std::this_thread::sleep_for(30ms);

@@ -250,6 +250,8 @@ const Failure failures[] = {
      nullptr, nullptr},
 };
 
+void PrintTo(const Failure& failure, std::ostream* out) { *out << failure.log; }
+
 class SelfTest : public testing::TestWithParam<Failure> {};
 
 TEST_P(SelfTest, FailureLeavesTheHostsWay) {
