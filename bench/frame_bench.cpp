@@ -6,48 +6,11 @@
 #include <cmath>
 #include <cstring>
 #include <string_view>
-#include <vector>
 
+#include "bench_host.h"
 #include "frame/debug_log.h"
-#include "frame/host_interface.h"
-
-extern "C" void REALPluginMain(REALresolver resolver);
 
 namespace {
-
-// A host that takes what is registered and offers nothing else.
-std::vector<REALclassDefinition*> classes;
-REALmoduleDefinition* module = nullptr;
-
-void* resolve(const char* name) {
-  const std::string_view wanted = name;
-  const auto offer = [](auto* function) { return reinterpret_cast<void*>(function); };
-  if (wanted == "REALGetRBVersion") return offer(+[] { return 2024.01; });
-  if (wanted == "RegisterPluginVersion") return offer(+[](std::int32_t) {});
-  if (wanted == "PluginRegisterClass") {
-    return offer(+[](REALclassDefinition* record) {
-      record->dataOffset = 32;
-      classes.push_back(record);
-    });
-  }
-  if (wanted == "PluginRegisterModule") return offer(+[](REALmoduleDefinition* record) { module = record; });
-  return nullptr;
-}
-
-// Not during static initialisation, when the records may not be there yet.
-void load() {
-  if (classes.empty()) REALPluginMain(&resolve);
-}
-
-template <typename Signature>
-Signature* find(const REALmethodDefinition* records, std::size_t count, std::string_view name) {
-  for (std::size_t i = 0; i < count; ++i) {
-    if (std::string_view(records[i].declaration).starts_with(name)) {
-      return reinterpret_cast<Signature*>(records[i].function);
-    }
-  }
-  return nullptr;
-}
 
 void runMath(benchmark::State& state, double (*function)(double)) {
   benchmark::DoNotOptimize(function);
@@ -58,8 +21,7 @@ void runMath(benchmark::State& state, double (*function)(double)) {
   }
 }
 void runRegistered(benchmark::State& state, std::string_view name) {
-  load();
-  runMath(state, find<double(double)>(module->methods, module->methodCount, name));
+  runMath(state, bench::function<double(double)>(name));
 }
 BENCHMARK_CAPTURE(runRegistered, floor, "FloorQTX(")->Name("FloorQTX");
 BENCHMARK_CAPTURE(runMath, floor, &std::floor)->Name("FloorQTX vs floor");
@@ -69,8 +31,7 @@ BENCHMARK_CAPTURE(runMath, sin, &std::sin)->Name("SinQTX vs sin");
 alignas(16) char object[64];
 
 void increment(benchmark::State& state) {
-  load();
-  auto* function = find<std::int64_t(REALobject)>(classes[0]->methods, classes[0]->methodCount, "Increment");
+  auto* function = bench::method<std::int64_t(REALobject)>("AtomicIntegerQTX", "Increment");
   benchmark::DoNotOptimize(function);
   for (auto _ : state) benchmark::DoNotOptimize(function(reinterpret_cast<REALobject>(object)));
 }
@@ -87,10 +48,8 @@ BENCHMARK(incrementPeer)->Name("Increment vs std::atomic");
 
 // The whole of loading but the dynamic linker's part. Every round leaves its module record behind.
 void loading(benchmark::State& state) {
-  for (auto _ : state) {
-    classes.clear();
-    REALPluginMain(&resolve);
-  }
+  bench::load();
+  for (auto _ : state) REALPluginMain(&bench::resolve);
 }
 BENCHMARK(loading)->Name("REALPluginMain")->Iterations(500);
 

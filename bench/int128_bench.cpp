@@ -12,12 +12,10 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/host_interface.h"
+#include "bench_host.h"
 #include "int128/decimal_text.h"
 #include "int128/division.h"
 #include "int128/wide_functions.h"
-
-extern "C" void REALPluginMain(REALresolver resolver);
 
 namespace {
 
@@ -206,7 +204,7 @@ struct HostObject {
   std::atomic<int> references{1};
   alignas(16) unsigned char data[16] = {};
 };
-REALclassDefinition* record = nullptr;
+static_assert(offsetof(HostObject, data) == bench::dataOffset);
 
 HostObject* hostObject(REALobject object) { return reinterpret_cast<HostObject*>(object); }
 __attribute__((noinline)) REALobject newInstance(const char*) {
@@ -219,31 +217,12 @@ __attribute__((noinline)) void unlock(REALobject object) {
   if (hostObject(object)->references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete hostObject(object);
 }
 
-void* resolve(const char* name) {
-  const std::string_view wanted = name;
-  const auto offer = [](auto* function) { return reinterpret_cast<void*>(function); };
-  if (wanted == "RegisterPluginVersion") return offer(+[](std::int32_t) {});
-  if (wanted == "PluginRegisterClass") {
-    return offer(+[](REALclassDefinition* offered) {
-      offered->dataOffset = offsetof(HostObject, data);
-      if (offered->name == std::string_view("Int128QTX")) record = offered;
-    });
-  }
-  if (wanted == "PluginNewInstance") return offer(&newInstance);
-  if (wanted == "REALLockObject") return offer(&lock);
-  if (wanted == "REALUnlockObject") return offer(&unlock);
-  return nullptr;
-}
-
 using Binary = REALobject (*)(REALobject, REALobject);
 Binary operation(std::string_view declaration) {
-  if (!record) REALPluginMain(&resolve);
-  for (std::size_t i = 0; i < record->methodCount; ++i) {
-    if (record->methods[i].declaration == declaration) {
-      return reinterpret_cast<Binary>(record->methods[i].function);
-    }
-  }
-  return nullptr;
+  bench::offer("PluginNewInstance", &newInstance);
+  bench::offer("REALLockObject", &lock);
+  bench::offer("REALUnlockObject", &unlock);
+  return bench::method<REALobject(REALobject, REALobject)>("Int128QTX", declaration);
 }
 
 // An indirect call, making the instance, storing 16 bytes. (Giving the result back is in all of these.)

@@ -17,15 +17,13 @@
 #include <string_view>
 #include <vector>
 
-#include "frame/host_interface.h"
+#include "bench_host.h"
 #include "math/bits.h"
 #include "math/currency.h"
 #include "math/half_float.h"
 #include "math/luhn.h"
 #include "math/normal_quantile.h"
 #include "math/random_draws.h"
-
-extern "C" void REALPluginMain(REALresolver resolver);
 
 namespace {
 
@@ -49,31 +47,15 @@ void* loadGlobalMethod(const char*, const char* declaration) {
   return std::string_view(declaration).starts_with("LenB") ? reinterpret_cast<void*>(&lenB) : nullptr;
 }
 
-REALmoduleDefinition* module = nullptr;
-
-void* resolve(const char* name) {
-  const auto offer = [](auto* function) { return reinterpret_cast<void*>(function); };
-  const std::string_view wanted = name;
-  if (wanted == "REALGetRBVersion") return offer(+[] { return 2024.01; });
-  if (wanted == "RegisterPluginVersion") return offer(+[](std::int32_t) {});
-  if (wanted == "PluginRegisterModule") return offer(+[](REALmoduleDefinition* record) { module = record; });
-  if (wanted == "REALLockString") return offer(&lock);
-  if (wanted == "REALUnlockString") return offer(&unlock);
-  if (wanted == "StringGetCString") return offer(&bytesOf);
-  if (wanted == "REALGetStringEncoding") return offer(&encodingOf);
-  if (wanted == "REALLoadGlobalMethod") return offer(&loadGlobalMethod);
-  return nullptr;
-}
-
+// A global function of the library, loaded into that host.
 template <typename Signature>
-Signature* find(std::string_view name) {
-  if (!module) REALPluginMain(&resolve);
-  for (std::size_t i = 0; i < module->methodCount; ++i) {
-    if (std::string_view(module->methods[i].declaration).starts_with(name)) {
-      return reinterpret_cast<Signature*>(module->methods[i].function);
-    }
-  }
-  std::abort();
+Signature* find(std::string_view start) {
+  bench::offer("REALLockString", &lock);
+  bench::offer("REALUnlockString", &unlock);
+  bench::offer("StringGetCString", &bytesOf);
+  bench::offer("REALGetStringEncoding", &encodingOf);
+  bench::offer("REALLoadGlobalMethod", &loadGlobalMethod);
+  return bench::function<Signature>(start);
 }
 
 // Calls the function, which the compiler cannot see through, on one sample after the other.

@@ -11,9 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "frame/host_interface.h"
-
-extern "C" void REALPluginMain(REALresolver resolver);
+#include "bench_host.h"
 
 namespace {
 
@@ -22,6 +20,7 @@ struct Object {
   std::atomic<long> references{1};
   alignas(16) char data[16] = {};
 };
+static_assert(offsetof(Object, data) == bench::dataOffset);
 constexpr std::size_t objectCount = 4096;
 Object objects[objectCount];
 
@@ -32,37 +31,20 @@ void unlock(REALobject handle) {
   if (handle) reinterpret_cast<Object*>(handle)->references.fetch_sub(1, std::memory_order_acq_rel);
 }
 
-REALclassDefinition* queueClass = nullptr;
-
-void* resolve(const char* name) {
-  const std::string_view wanted = name;
-  const auto offer = [](auto* function) { return reinterpret_cast<void*>(function); };
-  if (wanted == "REALGetRBVersion") return offer(+[] { return 2024.01; });
-  if (wanted == "RegisterPluginVersion") return offer(+[](std::int32_t) {});
-  if (wanted == "PluginRegisterClass") {
-    return offer(+[](REALclassDefinition* record) {
-      record->dataOffset = offsetof(Object, data);
-      if (std::string_view(record->name) == "AtomicQueueQTX") queueClass = record;
-    });
-  }
-  if (wanted == "REALLockObject") return offer(&lock);
-  if (wanted == "REALUnlockObject") return offer(&unlock);
-  return nullptr;
-}
-
 // Three ways to hold a queue, all with push, popFirst and popLast that deal in references of the caller's
 // own.
 
 class Own {
  public:
   Own() {
-    if (!queueClass) REALPluginMain(&resolve);
-    push_ = find<void(REALobject, REALobject)>("Push(");
-    popFirst_ = find<REALobject(REALobject)>("PopFirst");
-    popLast_ = find<REALobject(REALobject)>("PopLast");
-    reinterpret_cast<void (*)(REALobject)>(queueClass->constructor)(self());
+    bench::offer("REALLockObject", &lock);
+    bench::offer("REALUnlockObject", &unlock);
+    push_ = bench::method<void(REALobject, REALobject)>(name, "Push(");
+    popFirst_ = bench::method<REALobject(REALobject)>(name, "PopFirst");
+    popLast_ = bench::method<REALobject(REALobject)>(name, "PopLast");
+    reinterpret_cast<void (*)(REALobject)>(bench::classNamed(name).constructor)(self());
   }
-  ~Own() { reinterpret_cast<void (*)(REALobject)>(queueClass->destructor)(self()); }
+  ~Own() { reinterpret_cast<void (*)(REALobject)>(bench::classNamed(name).destructor)(self()); }
   Own(const Own&) = delete;
   Own& operator=(const Own&) = delete;
 
@@ -72,15 +54,7 @@ class Own {
 
  private:
   REALobject self() { return reinterpret_cast<REALobject>(&object_); }
-  template <typename Signature>
-  static Signature* find(std::string_view name) {
-    for (std::size_t i = 0; i < queueClass->methodCount; ++i) {
-      if (std::string_view(queueClass->methods[i].declaration).starts_with(name)) {
-        return reinterpret_cast<Signature*>(queueClass->methods[i].function);
-      }
-    }
-    return nullptr;
-  }
+  static constexpr std::string_view name = "AtomicQueueQTX";
 
   Object object_;
   void (*push_)(REALobject, REALobject);

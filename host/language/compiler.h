@@ -65,6 +65,9 @@ class Compiler {
 
   // Statements.
   void parseBlock(Block& block, const std::set<std::string>& ends);
+  void parseScope(Block& block, const std::set<std::string>& ends);  // the same, with names of its own
+  // The body of a loop, in which Exit and Continue of its kind may stand.
+  std::shared_ptr<Block> parseLoopBody(int& depth, const std::set<std::string>& ends);
   void parseStatement(Block& block);
   void parseDim(Block& block);
   void parseConst();
@@ -121,6 +124,12 @@ class Compiler {
 
   // Conversions; cost < 0: there is none.
   static int cost(const Expression& from, Type to, bool byRef);
+  // The Operator_Convert through which objects of a class take on a value of another type, if there is one.
+  struct Conversion {
+    const Method* method = nullptr;
+    int cost = 1000;
+  };
+  static Conversion conversionInto(const Class& objectClass, const Expression& from);
   static int costOfObject(const Expression& from, Type to);
   Expr convertTo(Expr value, Type type, const std::string& what);
   Expr literalInteger(std::uint64_t value, Type type);

@@ -1,6 +1,7 @@
 // Operators and conversions: those of plain values, and those that classes bring as Operator_… members.
 #include <bit>
 #include <cmath>
+#include <optional>
 
 #include "language/compiler.h"
 #include "runtime/text.h"
@@ -168,6 +169,18 @@ int compareVariants(const Heap* left, const Heap* right) {
   return order(toDouble(left), toDouble(right));
 }
 
+template <typename Number>
+std::optional<Number> sumDifferenceOrProduct(char symbol, Number a, Number b) {
+  if (symbol == '+') return a + b;
+  if (symbol == '-') return a - b;
+  if (symbol == '*') return a * b;
+  return std::nullopt;
+}
+
+Ref<Heap> quotientOrRemainder(char symbol, std::int64_t a, std::int64_t b) {
+  return box(Slot{.integer = symbol == '\\' ? divide(a, b) : remainder(a, b)}, {Kind::Int64});
+}
+
 Ref<Heap> computeVariants(char symbol, const Heap* left, const Heap* right) {
   const Type l = typeIn(left), r = typeIn(right);
   if (symbol == '+' && (isText(l) || isText(r))) {
@@ -175,53 +188,18 @@ Ref<Heap> computeVariants(char symbol, const Heap* left, const Heap* right) {
     return box(Slot{.heap = joined.get()}, {Kind::String});
   }
   if (l.isInteger() && r.isInteger() && symbol != '/' && symbol != '^') {
-    const auto a = static_cast<std::uint64_t>(toInt64(left)), b = static_cast<std::uint64_t>(toInt64(right));
-    std::uint64_t result = 0;
-    switch (symbol) {
-      case '+':
-        result = a + b;
-        break;
-      case '-':
-        result = a - b;
-        break;
-      case '*':
-        result = a * b;
-        break;
-      case '\\':
-        result = static_cast<std::uint64_t>(divide(toInt64(left), toInt64(right)));
-        break;
-      default:
-        result = static_cast<std::uint64_t>(remainder(toInt64(left), toInt64(right)));
-        break;
-    }
-    return box(Slot{.word = result}, {Kind::Int64});
+    const std::int64_t a = toInt64(left), b = toInt64(right);
+    const auto result =
+        sumDifferenceOrProduct(symbol, static_cast<std::uint64_t>(a), static_cast<std::uint64_t>(b));
+    return result ? box(Slot{.word = *result}, {Kind::Int64}) : quotientOrRemainder(symbol, a, b);
   }
   const double a = toDouble(left), b = toDouble(right);
-  double result = 0;
-  switch (symbol) {
-    case '+':
-      result = a + b;
-      break;
-    case '-':
-      result = a - b;
-      break;
-    case '*':
-      result = a * b;
-      break;
-    case '/':
-      result = a / b;
-      break;
-    case '^':
-      result = std::pow(a, b);
-      break;
-    default: {
-      const auto dividend = convert(Slot{.number = a}, {Kind::Double}, {Kind::Int64}).integer;
-      const auto divisor = convert(Slot{.number = b}, {Kind::Double}, {Kind::Int64}).integer;
-      return box(Slot{.integer = symbol == '\\' ? divide(dividend, divisor) : remainder(dividend, divisor)},
-                 {Kind::Int64});
-    }
-  }
-  return box(Slot{.number = result}, {Kind::Double});
+  if (const auto result = sumDifferenceOrProduct(symbol, a, b))
+    return box(Slot{.number = *result}, {Kind::Double});
+  if (symbol == '/') return box(Slot{.number = a / b}, {Kind::Double});
+  if (symbol == '^') return box(Slot{.number = std::pow(a, b)}, {Kind::Double});
+  return quotientOrRemainder(symbol, convert(Slot{.number = a}, {Kind::Double}, {Kind::Int64}).integer,
+                             convert(Slot{.number = b}, {Kind::Double}, {Kind::Int64}).integer);
 }
 
 }  // namespace
@@ -255,6 +233,17 @@ int Compiler::costOfObject(const Expression& from, Type to) {
   return -1;
 }
 
+Compiler::Conversion Compiler::conversionInto(const Class& objectClass, const Expression& from) {
+  Conversion best;
+  for (const Method* method : objectClass.findMethods("Operator_Convert")) {
+    const auto& parameters = method->declaration.parameters;
+    if (parameters.size() != 1 || isPlainObject(parameters[0].type)) continue;
+    const int each = cost(from, parameters[0].type, false);
+    if (each >= 0 && each < best.cost) best = {method, each};
+  }
+  return best;
+}
+
 // How far a value is from a parameter's type: 0 the same, more the less alike; 1000 and above through
 // operators of classes; negative: it does not fit.
 int Compiler::cost(const Expression& from, Type to, bool byRef) {
@@ -272,14 +261,8 @@ int Compiler::cost(const Expression& from, Type to, bool byRef) {
     } else if (isPlainObject(type) || isVariant(type)) {
       return 90;  // checked when run
     }
-    int best = -1;
-    for (const Method* method : to.objectClass->findMethods("Operator_Convert")) {
-      const auto& parameters = method->declaration.parameters;
-      if (parameters.size() != 1 || isPlainObject(parameters[0].type)) continue;
-      const int each = cost(from, parameters[0].type, false);
-      if (each >= 0 && each < 1000 && (best < 0 || 1000 + each < best)) best = 1000 + each;
-    }
-    return best;
+    const Conversion conversion = conversionInto(*to.objectClass, from);
+    return conversion.method ? 1000 + conversion.cost : -1;
   }
   if (isPlainObject(type)) return isVariant(to) ? 20 : costOfObject(from, to);
   if (isVariant(to)) return 40;
@@ -340,22 +323,13 @@ Expr Compiler::convertTo(Expr value, Type type, const std::string& what) {
     });
   }
   if (isPlainObject(type)) {  // a new object that converts from the value
-    const Method* best = nullptr;
-    int bestCost = -1;
-    for (const Method* method : type.objectClass->findMethods("Operator_Convert")) {
-      if (method->declaration.parameters.size() != 1) continue;
-      const int each = cost(*value, method->declaration.parameters[0].type, false);
-      if (each >= 0 && (bestCost < 0 || each < bestCost)) {
-        bestCost = each;
-        best = method;
-      }
-    }
-    value = convertTo(std::move(value), best->declaration.parameters[0].type, what);
-    return referenceNode(type, [value = std::move(value), best, objectClass = type.objectClass](Frame& f) {
+    const Method* convert = conversionInto(*type.objectClass, *value).method;
+    value = convertTo(std::move(value), convert->declaration.parameters[0].type, what);
+    return referenceNode(type, [value = std::move(value), convert, objectClass = type.objectClass](Frame& f) {
       const Held held(*value, f);
       Ref<Heap> object = makeObject(*objectClass);
       const Slot arguments[] = {{.heap = object.get()}, held.slot};
-      best->call(arguments);
+      convert->call(arguments);
       return object;
     });
   }

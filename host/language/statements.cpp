@@ -49,6 +49,20 @@ void Compiler::parseBlock(Block& block, const std::set<std::string>& ends) {
   }
 }
 
+void Compiler::parseScope(Block& block, const std::set<std::string>& ends) {
+  scopes_.emplace_back();
+  parseBlock(block, ends);
+  scopes_.pop_back();
+}
+
+std::shared_ptr<Block> Compiler::parseLoopBody(int& depth, const std::set<std::string>& ends) {
+  auto body = std::make_shared<Block>();
+  ++depth;
+  parseScope(*body, ends);
+  --depth;
+  return body;
+}
+
 void Compiler::parseStatement(Block& block) {
   const Token& token = peek();
   if (token.kind != TokenKind::word) return parseSimple(block);
@@ -102,30 +116,18 @@ Stmt Compiler::assignment(Position position, Expr target, Expr value) {
   const Type type = place->type;
   // An assignment to an object from something else changes the object that is there.
   if (type.kind == Kind::Object && !type.array && type.objectClass && cost(*value, type, false) >= 1000) {
-    const Method* best = nullptr;
-    int bestCost = -1;
-    for (const Method* method : type.objectClass->findMethods("Operator_Convert")) {
-      if (method->declaration.parameters.size() != 1) continue;
-      const int candidate = cost(*value, method->declaration.parameters[0].type, false);
-      if (candidate >= 0 && (bestCost < 0 || candidate < bestCost)) {
-        bestCost = candidate;
-        best = method;
-      }
-    }
-    if (best) {
-      value = convertTo(std::move(value), best->declaration.parameters[0].type, "the value");
-      const Class* objectClass = type.objectClass;
-      return statement(
-          position, [target = std::move(target), value = std::move(value), objectClass, best](Frame& frame) {
-            const Held held(*value, frame);
-            Ref<Heap> object = target->reference(frame);
-            const bool fresh = !object;
-            if (fresh) object = makeObject(*objectClass);
-            const Slot arguments[] = {{.heap = object.get()}, held.slot};
-            best->call(arguments);
-            if (fresh) static_cast<const Place&>(*target).put(frame, Slot{.heap = object.detach()});
-          });
-    }
+    const Method* convert = conversionInto(*type.objectClass, *value).method;
+    value = convertTo(std::move(value), convert->declaration.parameters[0].type, "the value");
+    return statement(position, [target = std::move(target), value = std::move(value),
+                                objectClass = type.objectClass, convert](Frame& frame) {
+      const Held held(*value, frame);
+      Ref<Heap> object = target->reference(frame);
+      const bool fresh = !object;
+      if (fresh) object = makeObject(*objectClass);
+      const Slot arguments[] = {{.heap = object.get()}, held.slot};
+      convert->call(arguments);
+      if (fresh) static_cast<const Place&>(*target).put(frame, Slot{.heap = object.detach()});
+    });
   }
   value = convertTo(std::move(value), type, "the value");
   std::unique_ptr<Place> owned(static_cast<Place*>(target.release()));
@@ -269,12 +271,7 @@ void Compiler::parseIf(Block& block) {
     }
   } else {
     const std::set<std::string> ends = {"else", "elseif", "end if"};
-    const auto body = [&](Block& into) {
-      scopes_.emplace_back();
-      parseBlock(into, ends);
-      scopes_.pop_back();
-    };
-    body(first.body);
+    parseScope(first.body, ends);
     branches->push_back(std::move(first));
     bool hasElse = false;
     while (!(isWord("End") && isWord("If", 1))) {
@@ -288,7 +285,7 @@ void Compiler::parseIf(Block& block) {
         hasElse = true;
       }
       expectLineEnd(hasElse ? "after Else" : "after Then");
-      body(branch.body);
+      parseScope(branch.body, ends);
       branches->push_back(std::move(branch));
     }
     take();
@@ -348,9 +345,7 @@ void Compiler::parseSelect(Block& block) {
       } while (takeSymbol(","));
     }
     expectLineEnd("after the values of Case");
-    scopes_.emplace_back();
-    parseBlock(each.body, {"case", "end select"});
-    scopes_.pop_back();
+    parseScope(each.body, {"case", "end select"});
     cases->push_back(std::move(each));
   }
   take();
@@ -396,12 +391,7 @@ void Compiler::parseFor(Block& block) {
   Expr step;
   if (takeWord("Step")) step = convertTo(parseExpression(), type, "the step of For");
   expectLineEnd("after the head of For");
-  auto body = std::make_shared<Block>();
-  ++forDepth_;
-  scopes_.emplace_back();
-  parseBlock(*body, {"next"});
-  scopes_.pop_back();
-  --forDepth_;
+  const std::shared_ptr<Block> body = parseLoopBody(forDepth_, {"next"});
   take();
   if (peek().kind == TokenKind::word) {
     if (!sameName(peek().text, name)) fail("expected 'Next " + name + "', found 'Next " + peek().text + "'");
@@ -482,12 +472,7 @@ void Compiler::parseForEach(Block& block, Position position) {
   std::shared_ptr<Place> current(static_cast<Place*>(localPlace(hidden).release()));
   std::shared_ptr<Statement> assign = assignment(
       position, std::move(variable), convertTo(localPlace(hidden), declared.value_or(element), name));
-  auto body = std::make_shared<Block>();
-  ++forDepth_;
-  scopes_.emplace_back();
-  parseBlock(*body, {"next"});
-  scopes_.pop_back();
-  --forDepth_;
+  const std::shared_ptr<Block> body = parseLoopBody(forDepth_, {"next"});
   take();
   if (peek().kind == TokenKind::word && sameName(peek().text, name)) take();
   block.statements.push_back(
@@ -510,12 +495,7 @@ void Compiler::parseWhile(Block& block) {
   const Position position = take().position;
   Expr test = condition("the condition of While");
   expectLineEnd("after the condition of While");
-  auto body = std::make_shared<Block>();
-  ++whileDepth_;
-  scopes_.emplace_back();
-  parseBlock(*body, {"wend", "end while"});
-  scopes_.pop_back();
-  --whileDepth_;
+  const std::shared_ptr<Block> body = parseLoopBody(whileDepth_, {"wend", "end while"});
   if (!takeWord("Wend")) {
     take();
     take();
@@ -548,12 +528,7 @@ void Compiler::parseDo(Block& block) {
   };
   auto before = std::make_shared<Test>(parseTest("the condition of Do"));
   expectLineEnd("after Do");
-  auto body = std::make_shared<Block>();
-  ++doDepth_;
-  scopes_.emplace_back();
-  parseBlock(*body, {"loop"});
-  scopes_.pop_back();
-  --doDepth_;
+  const std::shared_ptr<Block> body = parseLoopBody(doDepth_, {"loop"});
   take();
   auto after = std::make_shared<Test>(parseTest("the condition of Loop"));
   block.statements.push_back(statement(position, [before, after, body](Frame& frame) {
@@ -581,9 +556,7 @@ void Compiler::parseTry(Block& block) {
   const Position position = take().position;
   expectLineEnd("after Try");
   const std::set<std::string> ends = {"catch", "finally", "end try"};
-  scopes_.emplace_back();
-  parseBlock(attempt->body, ends);
-  scopes_.pop_back();
+  parseScope(attempt->body, ends);
   while (takeWord("Catch")) {
     Catch clause;
     clause.type = hostClasses().exception;
@@ -613,9 +586,7 @@ void Compiler::parseTry(Block& block) {
   }
   if (takeWord("Finally")) {
     expectLineEnd("after Finally");
-    scopes_.emplace_back();
-    parseBlock(attempt->finally, {"end try"});
-    scopes_.pop_back();
+    parseScope(attempt->finally, {"end try"});
   }
   if (!(isWord("End") && isWord("Try", 1))) fail("expected 'End Try', found " + describe(peek()));
   take();

@@ -39,14 +39,8 @@ void registerExceptions(Registry& registry, HostClasses& classes) {
       hostMethod("Constructor", &makeException),
       hostMethod("Constructor(message as String, errorNumber as Integer = 0)", &makeExceptionWith),
   };
-  static REALclassDefinition root = {};
-  root.name = "RuntimeException";
-  root.dataSize = sizeof(ExceptionData);
-  root.destructor = reinterpret_cast<REALproc>(&destroyException);
-  root.properties = properties;
-  root.propertyCount = std::size(properties);
-  root.methods = methods;
-  root.methodCount = std::size(methods);
+  static REALclassDefinition root =
+      hostClass<ExceptionData>("RuntimeException", properties, methods, &destroyException);
   classes.exception = &registry.addClass(root, false);
 
   static constexpr const char* names[] = {
@@ -76,11 +70,7 @@ template <const Class* HostClasses::*member>
 void registerDate(Registry& registry, HostClasses& classes, const char* name, const char* propertyName) {
   static REALproperty properties[1];
   properties[0] = hostProperty(propertyName, "Double", &getSeconds<member>, &setSeconds<member>);
-  static REALclassDefinition record = {};
-  record.name = name;
-  record.dataSize = sizeof(DateData);
-  record.properties = properties;
-  record.propertyCount = 1;
+  static REALclassDefinition record = hostClass<DateData>(name, properties);
   classes.*member = &registry.addClass(record, false);
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <new>
+#include <span>
 
 #include "runtime/class.h"
 #include "runtime/exception.h"
@@ -60,6 +61,24 @@ REALproperty hostProperty(const char* name, const char* type, Getter getter, Set
   record.type = type;
   record.getter = reinterpret_cast<REALproc>(getter);
   record.setter = reinterpret_cast<REALproc>(setter);
+  return record;
+}
+
+// The record of a host class; its parts stay where they are.
+template <typename Data>
+REALclassDefinition hostClass(const char* name, std::span<REALproperty> properties,
+                              std::span<REALmethodDefinition> methods = {},
+                              void (*destructor)(REALobject) = nullptr,
+                              void (*constructor)(REALobject) = nullptr) {
+  REALclassDefinition record = {};
+  record.name = name;
+  record.dataSize = sizeof(Data);
+  record.constructor = reinterpret_cast<REALproc>(constructor);
+  record.destructor = reinterpret_cast<REALproc>(destructor);
+  record.properties = properties.data();
+  record.propertyCount = properties.size();
+  record.methods = methods.data();
+  record.methodCount = methods.size();
   return record;
 }
 

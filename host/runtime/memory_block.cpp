@@ -139,14 +139,7 @@ void registerMemoryBlock(Registry& registry) {
       hostMethod("Operator_Convert as String", &toString),
       hostMethod("Operator_Convert(value as String)", &fromString),
   };
-  static REALclassDefinition record = {};
-  record.name = "MemoryBlock";
-  record.dataSize = sizeof(MemoryData);
-  record.destructor = reinterpret_cast<REALproc>(&destroy);
-  record.properties = properties;
-  record.propertyCount = std::size(properties);
-  record.methods = methods;
-  record.methodCount = std::size(methods);
+  static REALclassDefinition record = hostClass<MemoryData>("MemoryBlock", properties, methods, &destroy);
   registry.addClass(record, false);
 }
 

@@ -126,15 +126,8 @@ void registerThread(Registry& registry) {
       hostMethod("Start", &start),
       hostMethod("Join", &join),
   };
-  static REALclassDefinition record = {};
-  record.name = "Thread";
-  record.dataSize = sizeof(ThreadData);
-  record.constructor = reinterpret_cast<REALproc>(&initialize);
-  record.destructor = reinterpret_cast<REALproc>(&destroy);
-  record.properties = properties;
-  record.propertyCount = std::size(properties);
-  record.methods = methods;
-  record.methodCount = std::size(methods);
+  static REALclassDefinition record =
+      hostClass<ThreadData>("Thread", properties, methods, &destroy, &initialize);
   registry.addClass(record, false);
 }
 
