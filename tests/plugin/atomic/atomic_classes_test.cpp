@@ -179,15 +179,21 @@ TEST(AtomicInteger, RefusesToCompareWithNil) {
   counter.host.takeRaised();
 }
 
-TEST(AtomicInteger, TracesNothingOfItsWork) {
+TEST(AtomicInteger, DoesItsWorkWithoutTraceAndWithoutTheHost) {
   Counter counter;
+  counter.host.lookUps.clear();
   debugging = true;
   EXPECT_EQ(logOf([&] {
               counter.setValue(3);
               counter.value();
               counter.method<std::int64_t(REALobject)>("Increment as Int64")(counter.self);
+              counter.method<std::int64_t(REALobject, std::int64_t)>("Operator_Add(other as Int64) as Int64")(
+                  counter.self, 1);
+              counter.method<RBInteger(REALobject, REALobject)>(
+                  "Operator_Compare(other as AtomicIntegerQTX) as Integer")(counter.self, counter.self);
             }),
             "");
+  EXPECT_TRUE(counter.host.lookUps.empty());
 }
 
 // Every read-modify-write, one after the other, from threads that start together and keep at it for a while;
