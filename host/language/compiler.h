@@ -30,9 +30,6 @@ class Compiler {
     bool byRef = false;
   };
   using Names = std::map<std::string, Local>;
-  struct Loop {
-    bool isFor = false, isWhile = false, isDo = false;
-  };
   using Arguments = std::vector<Expr>;
 
   // Tokens.

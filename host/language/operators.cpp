@@ -40,8 +40,8 @@ int widthOf(Type type) {
 
 bool literalFits(std::int64_t value, Type type) {
   if (type.kind == Kind::UInt64) return value >= 0;
-  if (value < 0) return !type.isUnsigned() && value >= -(std::int64_t{1} << widthOf(type));
-  return widthOf(type) >= 63 || value < (std::int64_t{1} << widthOf(type));
+  const std::int64_t beyond = value >> widthOf(type);
+  return beyond == 0 || (beyond == -1 && !type.isUnsigned());
 }
 
 std::int64_t divide(std::int64_t left, std::int64_t right) {

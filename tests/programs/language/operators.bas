@@ -63,3 +63,9 @@ Catch e As DivisionByZeroException
 End Try
 Print (1 + 2) * 3
 Print True Xor True
+Dim lowest As Int64 = -9223372036854775808
+Dim wrapped As Int64 = 18446744073709551615
+Dim narrow As Int8 = -128
+Print lowest
+Print wrapped
+Print narrow

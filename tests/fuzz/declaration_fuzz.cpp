@@ -1,0 +1,12 @@
+// Declarations: each is understood or refused with a reason.
+#include <stdexcept>
+
+#include "runtime/declaration.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
+  try {
+    host::parseDeclaration({data, size});
+  } catch (const std::runtime_error&) {
+  }
+  return 0;
+}
