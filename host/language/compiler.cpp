@@ -188,13 +188,7 @@ void Compiler::parseSignature(Sub& sub, bool isFunction) {
       parameter.type = parseType();
       if (array) parameter.type = parameter.type.arrayOf();
       if (takeSymbol("=")) {
-        const Position position = peek().position;
-        Expr value = convertTo(parseExpression(), parameter.type, "the default of " + parameter.name);
-        Frame none;
-        if (!value->isLiteral && value->type.kind != Kind::String && value->type.kind != Kind::Nil) {
-          fail(position, "the default of " + parameter.name + " is not constant");
-        }
-        parameter.defaultValue = value->evaluate(none);
+        parameter.defaultValue = parseConstant(parameter.type, "the default of " + parameter.name).first;
       } else if (!sub.parameters.empty() && sub.parameters.back().defaultValue) {
         fail("the parameter " + parameter.name + " follows one with a default and needs one too");
       }

@@ -68,6 +68,8 @@ class Compiler {
   void parseStatement(Block& block);
   void parseDim(Block& block);
   void parseConst();
+  // An expression of literals and constants: its value, which the caller owns, and its type.
+  std::pair<Slot, Type> parseConstant(std::optional<Type> type, const std::string& what);
   void parseIf(Block& block);
   void parseSelect(Block& block);
   void parseFor(Block& block);

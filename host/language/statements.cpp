@@ -222,20 +222,36 @@ void Compiler::parseConst() {
   if (takeWord("As")) type = parseType();
   expectSymbol("=", "after the constant " + name);
   const Position valuePosition = peek().position;
-  const bool negative = takeSymbol("-");
-  const bool simple = peek().kind != TokenKind::word && peek().kind != TokenKind::symbol;
-  Expr value = parseExpression();
-  if (negative) value = negation(std::move(value), valuePosition);
-  if (type) value = convertTo(std::move(value), *type, "the constant " + name);
-  if (!simple && !value->isLiteral && value->type.kind != Kind::Boolean) {
-    fail(valuePosition, "the value of " + name + " is not constant");
-  }
-  Frame none;
   Constant constant;
-  constant.type = value->type;
-  constant.slot = value->evaluate(none);
+  std::tie(constant.slot, constant.type) = parseConstant(type, "the value of " + name);
   if (constant.type.isReference()) constant.keep = Ref<Heap>::adopt(constant.slot.heap);
+  if (!constant.type.isNumber() && constant.type.kind != Kind::Boolean &&
+      (constant.type.kind != Kind::String || constant.type.array)) {
+    fail(valuePosition,
+         name + " is a " + nameOf(constant.type) + "; a constant is a number, a Boolean or a String");
+  }
   program_.constants[lowerCase(name)] = std::move(constant);
+}
+
+std::pair<Slot, Type> Compiler::parseConstant(std::optional<Type> type, const std::string& what) {
+  static const std::set<std::string> operators = {"and", "or", "xor", "not", "mod", "true", "false", "nil"};
+  const Position position = peek().position;
+  const std::size_t first = at_;
+  Expr value = parseExpression();
+  // It is computed now, when no variable has a value yet.
+  for (std::size_t i = first; i < at_; ++i) {
+    if (tokens_[i].kind != TokenKind::word || operators.contains(lowerCase(tokens_[i].text))) continue;
+    const Expr named = findVariable(tokens_[i].text);
+    if (!named || dynamic_cast<const Place*>(named.get()))
+      fail(tokens_[i].position, what + " is not constant");
+  }
+  if (type) value = convertTo(std::move(value), *type, what);
+  Frame none;
+  try {
+    return {value->evaluate(none), value->type};
+  } catch (const HostException& exception) {
+    fail(position, what + " cannot be computed: " + messageOf(*exception.exception));
+  }
 }
 
 Expr Compiler::condition(const std::string& what) {
