@@ -9,7 +9,9 @@ double root(double x, double y) { return std::exp(std::log(x) / y); }
 
 double roundTo(double x, std::int64_t decimals) {
   if (decimals == 0) return std::round(x);
-  const double scale = std::pow(10.0, -static_cast<double>(decimals));
+  // Kept from compilers, which would call exp10 for the constant: it does not round like pow.
+  const volatile double base = 10.0;
+  const double scale = std::pow(base, -static_cast<double>(decimals));
   return std::round(x / scale) * scale;
 }
 

@@ -44,6 +44,15 @@ TEST(Round, ScalesByThePowerWithoutCorrection) {
   }
 }
 
+// Where some C libraries' exp10, which compilers like to call instead, differs in the last bit.
+TEST(Round, ScalesByPowAndNotByExp10) {
+  const volatile double ten = 10.0;
+  for (const int decimals : {-230, 284, 296, 298, 300, 305, 307}) {
+    const double scale = std::pow(ten, static_cast<double>(-decimals));
+    EXPECT_EQ(roundTo(123.456 * scale, decimals), 123 * scale) << decimals;
+  }
+}
+
 TEST(Round, IsDefinedForEveryNumberOfDecimals) {
   EXPECT_EQ(roundTo(5, 300), 5);
   EXPECT_TRUE(std::isnan(roundTo(5, -400)));  // 5 / ∞ · ∞
