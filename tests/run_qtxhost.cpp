@@ -66,7 +66,8 @@ Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, 
   Outcome outcome;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(100);
   int status = 0;
-  while (waitpid(child, &status, WNOHANG) == 0) {
+  pid_t ended = 0;
+  while ((ended = waitpid(child, &status, WNOHANG)) == 0) {
     if (std::chrono::steady_clock::now() > end) {
       kill(child, SIGKILL);
       waitpid(child, &status, 0);
@@ -74,7 +75,7 @@ Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, 
     }
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
-  if (std::chrono::steady_clock::now() <= end) {
+  if (ended == child) {
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   }
   outcome.output = contentOf(output);

@@ -95,7 +95,9 @@ void REALGetArrayValue(REALarrayDouble array, long long index, double* out) {
   const auto handle = reinterpret_cast<REALarray>(array);
   const RBInteger upperBound = REALGetArrayUBound(handle);
   if (index < 0 || index > upperBound) {
-    RaiseOutOfBoundsException(index, upperBound + 1, "index", "");
+    const auto count =
+        static_cast<unsigned long long>(upperBound) + 1;  // the bound may be the greatest there is
+    RaiseOutOfBoundsException(index, static_cast<long long>(count), "index", "");
     return;
   }
   if (const void* elements = directElements(handle)) {

@@ -14,14 +14,12 @@ namespace {
 
 // The host string's own bytes. They need not be NUL-terminated, but the host keeps one readable byte behind
 // them.
-std::string_view hostBytes(REALstring string) {
+std::string_view hostBytes(REALstring string, bool traced = false) {
   const char* bytes = REALGetStringContents(string);
-  RBInteger length = LenB(string);
-  if (!bytes && length != 0) {
-    Trace("data is NULL, so size fixed to zero.");
-    length = 0;
-  }
-  return {bytes ? bytes : "", static_cast<std::size_t>(std::max<RBInteger>(length, 0))};
+  const RBInteger length = LenB(string);
+  if (bytes) return {bytes, static_cast<std::size_t>(std::max<RBInteger>(length, 0))};
+  if (traced && length != 0) Trace("data is NULL, so size fixed to zero.");
+  return "";
 }
 
 bool isASCII(std::string_view bytes) {
@@ -104,18 +102,19 @@ void rbText::CheckASCII() {
   if (state_ != ASCIIState::unknown) return;
   if (isASCII(rbData(string_).bytes())) {
     state_ = ASCIIState::pure;
-    viewHostBytes(ascii_);
-    viewHostBytes(utf8_);
+    for (View* view : {&ascii_, &utf8_}) {
+      if (view->length < 0) viewHostBytes(*view);  // what has been viewed stays as long as the object
+    }
   } else {
     state_ = ASCIIState::impure;
   }
 }
 
 void rbText::fill(View& view, std::uint32_t encoding) {
+  if (view.length < 0 && string_) CheckASCII();
   if (view.length < 0) {
     view.length = 0;
     view.terminated = true;
-    if (string_) CheckASCII();
     if (string_ && state_ != ASCIIState::pure) {
       if (REALGetStringData(string_, encoding, &view.data)) {
         view.dispose = true;
@@ -162,7 +161,7 @@ std::string_view rbText::plain() { return sourceEncoding_ == encoding::utf8 ? ut
 rbData::rbData(REALstring string) : string_(string) {
   if (!string_) return;
   REALLockString(string_);
-  bytes_ = hostBytes(string_);
+  bytes_ = hostBytes(string_, true);
 }
 
 rbData::~rbData() {

@@ -275,6 +275,39 @@ TEST_P(SelfTest, FailureLeavesTheHostsWay) {
       << "tested once";
   EXPECT_EQ(directElements(array.handle<REALarray>()), nullptr);
 }
+const Failure olderFailures[] = {
+    {"DimensionsOf32Bits", "DimensionCount wrong 65537",
+     +[](FakeArray& a) { a.put(64, std::int32_t{65537}); }, nullptr, nullptr},
+    {"NegativeDimensions", "DimensionCount wrong -1", +[](FakeArray& a) { a.put(64, std::int32_t{-1}); },
+     nullptr, nullptr},
+    {"UpperBoundOf32Bits", "ubound wrong 66770", +[](FakeArray& a) { a.put(76, std::int32_t{66770}); },
+     nullptr, nullptr},
+    {"NewerShape", "ubound wrong 0",
+     +[](FakeArray& a) {
+       a.put(64, std::int64_t{1});
+       a.put(76, std::int32_t{0});
+       a.put(84, std::int32_t{1234});
+     },
+     nullptr, nullptr},
+};
+
+class SelfTestBefore2021 : public testing::TestWithParam<Failure> {};
+
+TEST_P(SelfTestBefore2021, LooksAtNarrowerFields) {
+  FakeHost host(2020.99);
+  offerArrays(host);
+  bend = GetParam().bendArray;
+  debugging = true;
+  Doubles array({1.5});
+  double value = 0;
+  EXPECT_EQ(logOf([&] { REALGetArrayValue(array.handle<REALarrayDouble>(), 0, &value); }),
+            std::string("QTX Debug: TestArray 2020.990000\nQTX Debug: ") + GetParam().log + "\n");
+  EXPECT_EQ(value, 1.5);
+  EXPECT_EQ(getterCalls, 1);
+}
+INSTANTIATE_TEST_SUITE_P(Each, SelfTestBefore2021, testing::ValuesIn(olderFailures),
+                         [](const auto& each) { return std::string(each.param.name); });
+
 INSTANTIATE_TEST_SUITE_P(Each, SelfTest, testing::ValuesIn(failures),
                          [](const auto& each) { return std::string(each.param.name); });
 

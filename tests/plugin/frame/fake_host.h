@@ -42,7 +42,7 @@ struct FakeObject {
 
 struct RaisedException {
   std::string className, message;
-  std::int64_t errorNumber = -1;
+  std::int64_t errorNumber = -1;  // −1: never set
 };
 
 // One at a time; installs itself as the host that the plug-in meets. Every object and string it made must be
@@ -220,8 +220,9 @@ class FakeHost {
     offer(
         "RuntimeRaiseException", +[](REALobject handle) {
           FakeObject& exception = current->object(handle);
-          current->raised.push_back(
-              {exception.className, exception.texts["Message"], exception.integers["ErrorNumber"]});
+          const auto number = exception.integers.find("ErrorNumber");
+          current->raised.push_back({exception.className, exception.texts["Message"],
+                                     number == exception.integers.end() ? -1 : number->second});
         });
 
     offer(

@@ -33,6 +33,19 @@ TEST(RaiseException, BuildsTheMessageInUTF8) {
   EXPECT_EQ(used, encoding::utf8);
 }
 
+TEST(RaiseException, SetsANullMessageWhereTheTextCannotBeBuilt) {
+  FakeHost host;
+  host.withhold("REALBuildStringWithEncoding");
+  static std::vector<REALstring> set;
+  host.offer(
+      "REALSetPropValueString", +[](REALobject, const char*, REALstring text) {
+        set.push_back(text);
+        return true;
+      });
+  RaiseException("RuntimeException", "text");
+  EXPECT_EQ(set, std::vector<REALstring>{nullptr});
+}
+
 TEST(RaiseException, FallsBackToRuntimeException) {
   FakeHost host;
   host.unknownClasses = {"OddException"};
@@ -162,6 +175,19 @@ TEST(RaiseRuntimeException, KeepsTextsOfAnyLength) {
   const std::string text(3000, 't');
   RaiseRuntimeException(std::runtime_error(text));
   EXPECT_EQ(host.takeRaised().message, "C++ Exception: " + text);
+}
+
+TEST(RaiseRuntimeException, CutsLongTextsWhenMemoryHasRunOut) {
+  FakeHost host;
+  const std::runtime_error exception(std::string(100000, 't'));
+  {
+    FailAllocationsOf failing(100000, 200000);
+    RaiseRuntimeException(exception);
+  }
+  const RaisedException raised = host.takeRaised();
+  EXPECT_EQ(raised.className, "RuntimeException");
+  const std::string opening = "C++ Exception: ";
+  EXPECT_EQ(raised.message, opening + std::string(255 - opening.size(), 't'));
 }
 
 TEST(RefuseNil, TracesAndRaisesForNilOnly) {

@@ -57,11 +57,14 @@ TEST(PluginMain, RegistersTheClassesInOrderBeforeTheFunctions) {
   static std::vector<std::string> order;
   FakeHost host;
   host.offer(
+      "RegisterPluginVersion", +[](std::int32_t number) { order.push_back(std::to_string(number)); });
+  host.offer(
       "PluginRegisterClass", +[](REALclassDefinition* record) { order.push_back(record->name); });
   host.offer(
       "PluginRegisterModule", +[](REALmoduleDefinition* record) { order.push_back(record->name); });
   host.load();
-  std::vector<std::string> expected = classNames;
+  std::vector<std::string> expected = {"13"};
+  expected.insert(expected.end(), classNames.begin(), classNames.end());
   expected.push_back("MathGlobalsQTX");
   EXPECT_EQ(order, expected);
 }
@@ -179,6 +182,58 @@ TEST(PluginMain, WarnsWhereTheMethodsCannotBeAllocated) {
   EXPECT_EQ(host.module, nullptr);
 }
 
+// Two functions as a table might carry them: the combination that older hosts do not understand, and the flag
+// that no host receives.
+std::vector<REALmethodDefinition> unusualFunctions() {
+  std::vector<REALmethodDefinition> functions(2);
+  functions[0].flags = 0x30C;
+  functions[1].flags = 0x40000;
+  return functions;
+}
+
+TEST(RegisterFunctions, AdaptsTheTableInPlaceBeforeRegisteringOneByOne) {
+  FakeHost host(2010.0);
+  static std::vector<std::uint32_t> flags;
+  host.offer(
+      "PluginRegisterMethod", +[](REALmethodDefinition* record) { flags.push_back(record->flags); });
+  std::vector<REALmethodDefinition> functions = unusualFunctions();
+  registerFunctions(functions);
+  EXPECT_EQ(flags, (std::vector<std::uint32_t>{0x4, 0x0}));
+}
+
+TEST(RegisterFunctions, AdaptsTheTableAndGivesOnlyItsCopiesModuleScope) {
+  FakeHost host(2020.01);
+  std::vector<REALmethodDefinition> functions = unusualFunctions();
+  registerFunctions(functions);
+  ASSERT_NE(host.module, nullptr);
+  ASSERT_EQ(host.module->methodCount, functions.size());
+  for (std::size_t i = 0; i < functions.size(); ++i) {
+    EXPECT_EQ(functions[i].flags, 0x4u);
+    EXPECT_EQ(host.module->methods[i].flags, 0x14u);
+  }
+}
+
+TEST(RegisterFunctions, CopiesEachRecordIntoTheModuleInOrder) {
+  FakeHost host;
+  host.load();
+  ASSERT_NE(host.module, nullptr);
+  for (std::size_t i = 0; i < functionCount; ++i) {
+    const REALmethodDefinition &original = mathFunctions()[i], &copy = host.module->methods[i];
+    EXPECT_NE(&copy, &original);
+    EXPECT_EQ(copy.function, original.function);
+    EXPECT_EQ(copy.declaration, original.declaration);
+    EXPECT_EQ(original.flags, 0x4u) << "stays as it is";
+  }
+}
+
+TEST(RegisterFunctions, GivesDebuggingAScopeWhereItHasNoneAndAdaptsIt) {
+  FakeHost host(2020.01);
+  debuggingProperty[0].flags = 0x30A;
+  host.load();
+  ASSERT_NE(host.module, nullptr);
+  EXPECT_EQ(host.module->properties[0].flags, 0x46u);
+}
+
 struct FlagRow {
   double hostVersion;
   std::uint32_t flags, expected;
@@ -250,6 +305,39 @@ TEST(RegisterClass, AdaptsTheClassAndAllItsMembers) {
   EXPECT_EQ(sharedProperties[0].flags, 0x6u);
   EXPECT_EQ(record.version, 13);
   EXPECT_EQ(record.dataOffset, FakeObject::dataOffset) << "registered";
+}
+
+// The host may read a record while it is registered and never again.
+TEST(RegisterClass, IsCompleteWhenTheHostReceivesIt) {
+  FakeHost host(2012.5);
+  static REALclassDefinition seen;
+  host.offer(
+      "PluginRegisterClass", +[](REALclassDefinition* record) { seen = *record; });
+  REALclassDefinition record = {};
+  record.name = "Thing";
+  record.dataSize = 17;
+  record.flags = 0x30C;
+  MyREALRegisterClass(&record);
+  EXPECT_EQ(seen.version, 10);
+  EXPECT_EQ(seen.dataSize, 32u);
+  EXPECT_EQ(seen.flags, 0x4u);
+}
+
+TEST(RegisterFunctions, CompletesTheModuleBeforeTheHostReceivesIt) {
+  FakeHost host(2013.03);
+  static REALmoduleDefinition seen;
+  static std::uint32_t lastFlags;
+  host.offer(
+      "PluginRegisterModule", +[](REALmoduleDefinition* record) {
+        seen = *record;
+        lastFlags = record->methods[record->methodCount - 1].flags;
+      });
+  host.load();
+  EXPECT_EQ(seen.version, 12);
+  EXPECT_EQ(seen.methodCount, functionCount);
+  EXPECT_EQ(seen.propertyCount, 1u);
+  EXPECT_EQ(seen.flags, 0x4u);
+  EXPECT_EQ(lastFlags, 0x14u);
 }
 
 TEST(RegisterClass, RoundsTheDataSize) {

@@ -3,6 +3,7 @@
 
 #include <cstring>
 #include <new>
+#include <utility>
 
 #include "failing_allocation.h"
 #include "fake_host.h"
@@ -197,10 +198,17 @@ TEST(Text, IsEmptyOnAHostWithoutStringBytes) {
   FakeHost host;
   debugging = true;
   host.withhold("StringGetCString");
-  withString(host, "text", encoding::utf8, [&](REALstring string) {
-    EXPECT_EQ(logOf([&] { EXPECT_EQ(rbText(string).utf8(), ""); }),
-              "QTX Debug: data is NULL, so size fixed to zero.\n");
-  });
+  const std::string line = "QTX Debug: data is NULL, so size fixed to zero.\n";
+  const struct {
+    std::uint32_t encoding;
+    std::string log;  // one line where the bytes are examined
+  } rows[] = {
+      {encoding::utf8, ""}, {encoding::ascii, ""}, {encoding::none, line}, {encoding::macRoman, line}};
+  for (const auto& row : rows) {
+    withString(host, "text", row.encoding, [&](REALstring string) {
+      EXPECT_EQ(logOf([&] { EXPECT_EQ(rbText(string).utf8(), ""); }), row.log) << row.encoding;
+    });
+  }
 }
 
 TEST(Text, IsTerminatedWhereTheHostDoesNot) {
@@ -219,6 +227,22 @@ TEST(Text, IsTerminatedWhereTheHostDoesNot) {
       EXPECT_STREQ(text.ascii().data(), "1234");
     });
   }
+}
+
+TEST(Text, StaysWhereItIsWhileOtherViewsAreAskedFor) {
+  FakeHost host;
+  host.terminator = '9';
+  debugging = true;
+  withString(host, "1234", encoding::utf8, [&](REALstring string) {
+    rbText text(string);
+    const char* first = nullptr;
+    logOf([&] {
+      first = text.GetUTF8();
+      text.ascii();
+    });
+    EXPECT_EQ(logOf([&] { EXPECT_EQ(text.GetUTF8(), first); }), "");
+    EXPECT_STREQ(first, "1234");
+  });
 }
 
 TEST(Text, IsEmptyWhereThereIsNoMemoryToTerminateIt) {
@@ -277,6 +301,14 @@ TEST(Data, IsEmptyWhereTheHostHasNoBytes) {
   withString(host, "", encoding::none, [&](REALstring string) {
     EXPECT_EQ(logOf([&] { EXPECT_EQ(rbData(string).length(), 0u); }), "");
   });
+}
+
+TEST(Data, IsEmptyWhereTheHostGivesANegativeLength) {
+  FakeHost host;
+  host.offer(
+      "LenB( s as string ) as integer", +[](REALstring) -> RBInteger { return -1; });
+  withString(host, "four", encoding::none,
+             [&](REALstring string) { EXPECT_EQ(rbData(string).length(), 0u); });
 }
 
 struct BuildRow {
@@ -353,6 +385,20 @@ TEST_P(BuildString, RefusesTwoGibibytes) {
             "QTX Debug: Count too big for REALBuildUnicodeString.\n");
 }
 
+// The bytes themselves are not looked at.
+TEST_P(BuildString, HandsOnAByteLessThanTwoGibibytes) {
+  FakeHost host(GetParam());
+  static std::int32_t length;
+  const auto build = +[](const char*, std::int32_t count, std::uint32_t) -> REALstring {
+    length = count;
+    return nullptr;
+  };
+  host.offer("REALBuildString", build);
+  host.offer("REALBuildStringWithEncoding", build);
+  EXPECT_EQ(REALBuildUnicodeString("text", (1LL << 31) - 1, encoding::utf8), nullptr);
+  EXPECT_EQ(length, INT32_MAX);
+}
+
 TEST_P(BuildString, GivesNullWhereTheHostCannotBuild) {
   FakeHost host(GetParam());
   debugging = true;
@@ -367,6 +413,58 @@ TEST_P(BuildString, GivesNullForUTF16WhereTheHostCannotConvert) {
   FakeHost host(GetParam());
   host.withhold("REALConvertString");
   EXPECT_EQ(REALBuildUnicodeString("t\0", 2, encoding::utf16), nullptr);
+}
+
+// Which operation is given which encoding, and in which order.
+TEST_P(BuildString, TakesUTF16ForWhatItIsBeforeItConverts) {
+  FakeHost host(GetParam());
+  static Strings calls;
+  host.offer(
+      "REALBuildString", +[](const char* bytes, std::int32_t length, std::uint32_t zero) {
+        EXPECT_EQ(zero, 0u);
+        calls.push_back("REALBuildString");
+        return FakeHost::current->makeString({bytes, static_cast<std::size_t>(length)}, encoding::none);
+      });
+  host.offer(
+      "REALConvertString", +[](REALstring string, std::uint32_t encoding) {
+        calls.push_back("REALConvertString of " + std::to_string(FakeHost::current->string(string).encoding));
+        return FakeHost::current->makeString("tw", encoding);
+      });
+  const REALstring string = REALBuildUnicodeString("t\0w\0", 4, encoding::utf16);
+  EXPECT_EQ(host.bytesOf(string), "tw");
+  host.unlock(string);
+  EXPECT_EQ(calls, GetParam() < 2012.0 ? Strings({"REALBuildString", "REALConvertString of 256"})
+                                       : Strings({"REALConvertString of 256"}));
+}
+
+// The first string cannot be built; the exception's message, which is the next one, can.
+template <typename Thrown>
+REALstring throwOnce(const Thrown& thrown, const char* bytes, std::int32_t length, std::uint32_t encoding) {
+  static bool done = false;
+  if (!std::exchange(done, true)) throw thrown;
+  return FakeHost::current->makeString({bytes, static_cast<std::size_t>(length)}, encoding);
+}
+
+TEST(BuildStringGuard, TurnsAStandardExceptionIntoTheHosts) {
+  FakeHost host;
+  host.offer(
+      "REALBuildStringWithEncoding", +[](const char* bytes, std::int32_t length, std::uint32_t encoding) {
+        return throwOnce(std::bad_alloc(), bytes, length, encoding);
+      });
+  EXPECT_EQ(REALBuildUnicodeString("text", 4, encoding::utf8), nullptr);
+  EXPECT_EQ(host.takeRaised().className, "OutOfMemoryException");
+}
+
+TEST(BuildStringGuard, ReportsWhateverElseIsThrown) {
+  FakeHost host;
+  debugging = true;
+  host.offer(
+      "REALBuildStringWithEncoding", +[](const char* bytes, std::int32_t length, std::uint32_t encoding) {
+        return throwOnce(5, bytes, length, encoding);
+      });
+  EXPECT_EQ(logOf([] { EXPECT_EQ(REALBuildUnicodeString("text", 4, encoding::utf8), nullptr); }),
+            "QTX Debug: Unnamed C++ Exception.\n");
+  EXPECT_EQ(host.takeRaised().message, "Sorry, but there was an unnamed C++ Exception.");
 }
 
 INSTANTIATE_TEST_SUITE_P(Versions, BuildString, testing::Values(2009.0, 2011.99, 2012.0, 2024.01));

@@ -134,6 +134,18 @@ TEST(VariantType, RefinesTheUnsignedKinds) {
   EXPECT_EQ(host.lookUps["pluginObjectType"], 1);
 }
 
+TEST(VariantType, RefinesWhatTheFallbackPropertyTells) {
+  FakeHost host;
+  offerTypes(host);
+  host.withhold("VarType(value As Variant) As Integer");
+  host.offer("REALGetPropValueInteger", &property<RBInteger, 3>);
+  instanceOf = "_VariantUInt64";
+  EXPECT_EQ(GetVariantType(variant), 103);
+  host.offer(
+      "VarType(value As Variant) As Integer", +[](REALobject) -> RBInteger { return 8; });
+  EXPECT_EQ(GetVariantType(variant), 8) << "a method that appears later is found";
+}
+
 TEST(VariantType, StaysUnrefinedWithoutTheInstanceTest) {
   FakeHost host;
   offerTypes(host);
