@@ -18,7 +18,7 @@ double roundTo(double x, std::int64_t decimals) {
 double splitBinary(double x, std::int64_t* exponent) {
   int e = 0;
   const double significand = std::frexp(x, &e);
-  *exponent = std::isfinite(x) ? e : 0;  // the C library leaves it open
+  *exponent = isFinite(x) ? e : 0;  // the C library leaves it open
   return significand;
 }
 

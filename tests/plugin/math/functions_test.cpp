@@ -1,10 +1,11 @@
 // The registered functions, called through their records as the host calls them.
 #include <gtest/gtest.h>
-#include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
-#include <cstdlib>
+#include <limits>
 #include <set>
+#include <string>
 
 #include "frame/fake_host.h"
 #include "math/function_table.h"
@@ -52,6 +53,88 @@ TEST(FunctionTable, Holds62DifferentFunctions) {
     names.insert(name);
   }
   EXPECT_EQ(names.size(), 62u);
+}
+
+// At arguments where no two of the functions agree. Read at run time, since compilers round their own results
+// in other ways than the library.
+TEST(LibraryFunctions, AreBoundToTheirNames) {
+  Functions functions;
+  using Unary = double(double);
+  const std::pair<std::string, Unary*> rows[] = {
+      {"Floor", &::floor}, {"Cos", &::cos},   {"CosH", &::cosh},   {"Sin", &::sin},     {"SinH", &::sinh},
+      {"Tan", &::tan},     {"TanH", &::tanh}, {"ACos", &::acos},   {"ACosH", &::acosh}, {"ASin", &::asin},
+      {"ASinH", &::asinh}, {"ATan", &::atan}, {"ATanH", &::atanh}, {"Exp", &::exp},     {"Exp2", &::exp2},
+      {"Log", &::log},     {"Log2", &::log2}, {"Log10", &::log10},
+  };
+  for (const auto& [name, expected] : rows) {
+    Unary* function = functions.find<Unary>(name + "QTX(x as double) as double");
+    for (const volatile double x : {0.3, -0.7, 2.5}) {
+      const double result = function(x), reference = expected(x);
+      EXPECT_TRUE(result == reference || (std::isnan(result) && std::isnan(reference)))
+          << name << " of " << x << ": " << result << " instead of " << reference;
+    }
+  }
+  const auto binary = [&](const std::string& name, double x, double y) {
+    return functions.find<double(double, double)>(name + "QTX(x as double, y as double) as double")(x, y);
+  };
+  EXPECT_DOUBLE_EQ(binary("Hypot", 3e200, 4e200), 5e200) << "no overflow on the way";
+  EXPECT_NEAR(binary("ATan2", 1, -2), 2.677945044588987, 1e-15);
+  EXPECT_EQ(binary("Pow", -2, 3), -8);
+  EXPECT_NEAR(binary("Sqrt", 27, 3), 3, 1e-14);
+}
+
+TEST(Conversions, TakeAndGive64Bits) {
+  Functions functions;
+  constexpr std::uint64_t top = std::uint64_t{1} << 63;
+  auto* toSigned = functions.find<std::int64_t(double)>("DoubleToInt64QTX(value as double) as Int64");
+  EXPECT_EQ(toSigned(-9e18), -9000000000000000000);
+  EXPECT_EQ(toSigned(1e19), INT64_MAX);
+  auto* toUnsigned = functions.find<std::uint64_t(double)>("DoubleToUInt64QTX(value as double) as UInt64");
+  EXPECT_EQ(toUnsigned(1.5e19), 15000000000000000000u);
+  EXPECT_EQ(toUnsigned(-1), 0u);
+  auto* fromSigned = functions.find<double(std::int64_t)>("Int64ToDoubleQTX(value as Int64) as double");
+  EXPECT_EQ(fromSigned(INT64_MIN), -0x1p63);
+  EXPECT_EQ(fromSigned((std::int64_t{1} << 53) + 1), 0x1p53) << "a tie to even";
+  EXPECT_EQ(fromSigned((std::int64_t{1} << 53) + 3), 0x1p53 + 4) << "a tie to even";
+  auto* fromUnsigned = functions.find<double(std::uint64_t)>("UInt64ToDoubleQTX(value as UInt64) as double");
+  EXPECT_EQ(fromUnsigned(UINT64_MAX), 0x1p64);
+  EXPECT_EQ(fromUnsigned(top + 1024), 0x1p63) << "a tie to even";
+  EXPECT_EQ(fromUnsigned(top + 1025), 0x1p63 + 2048);
+}
+
+// Each would give something else if the Integer lost its upper half on the way.
+TEST(Integers, ArriveWithAll64Bits) {
+  Functions functions;
+  constexpr RBInteger beyond32 = std::int64_t{1} << 32, beyond31 = std::int64_t{1} << 31;
+  EXPECT_EQ(functions.find<double(RBInteger)>("FacQTX(x as integer) as double")(beyond32 + 5), 0);
+  auto* round =
+      functions.find<double(double, RBInteger)>("RoundQTX(x as double, decimals as integer = 0) as double");
+  EXPECT_TRUE(std::isnan(round(1.5, beyond32)));
+  EXPECT_EQ(functions.find<RBInteger(RBInteger)>("HiWordQTX(i as integer) as integer")(beyond32), 0);
+
+  for (const char* name : {"ArithmeticShiftQTX", "LogicalShiftQTX"}) {
+    auto* shift = functions.find<std::uint64_t(std::uint64_t, RBInteger)>(
+        std::string(name) + "(value as UInt64, count as Integer) as UInt64");
+    EXPECT_EQ(shift(1, 200), 256u) << name;
+    EXPECT_EQ(shift(2, beyond31 + 1), 4u) << name;
+    EXPECT_EQ(shift(2, -beyond31 - 1), 1u) << name;
+  }
+  auto* rotate = functions.find<std::uint64_t(std::uint64_t, RBInteger, RBInteger, RBInteger)>(
+      "BitwiseRotateQTX(value as UInt64, count as Integer, offset as Integer, width as Integer) as UInt64");
+  EXPECT_EQ(rotate(1, beyond32, 0, 3), 2u) << "2^32 modulo 3 is 1";
+  EXPECT_EQ(rotate(1, 1, beyond32, 4), 1u);
+  EXPECT_EQ(rotate(8, 1, 0, beyond32 + 4), 16u) << "all that is there of the field: 32 bits";
+
+  EXPECT_EQ(functions.find<std::uint64_t(RBInteger)>("BitValQTX(bitNumber as Integer) as UInt64")(beyond32),
+            0u);
+  for (const char* name : {"BitInclQTX", "BitExclQTX"}) {
+    auto* change = functions.find<std::uint64_t(std::uint64_t, RBInteger)>(
+        std::string(name) + "(value as UInt64, bitNumber as Integer) as UInt64");
+    EXPECT_EQ(change(0b10, beyond32), 0b10u) << name;
+    EXPECT_EQ(change(0b11, beyond32), 0b11u) << name;
+  }
+  EXPECT_FALSE(functions.find<bool(std::uint64_t, RBInteger)>(
+      "BitIsSetQTX(value as UInt64, bitNumber as Integer) as Boolean")(1, beyond32));
 }
 
 TEST(CurrencyValue, ReadsTextInEveryEncoding) {
@@ -122,6 +205,21 @@ TEST(CreditCardNumber, IsReadInEveryEncoding) {
   EXPECT_FALSE(functions.withText<bool>(isValidCard, std::string_view("18\0", 3)));
 }
 
+TEST(CreditCardNumber, IsConvertedToASCII) {
+  Functions functions;
+  EXPECT_TRUE(functions.withText<bool>(isValidCard, "18", encoding::utf16));
+  EXPECT_EQ(functions.host.conversions, std::vector<std::string>{"PluginGetStringData 1536"});
+}
+
+// What the host cannot convert counts as the empty text.
+TEST(Text, IsEmptyWhereTheHostDoesNotConvert) {
+  Functions functions;
+  functions.host.withhold("PluginGetStringData");
+  EXPECT_TRUE(functions.withText<bool>(isValidCard, "1", encoding::utf16));
+  EXPECT_EQ(functions.withText<std::int64_t>(currencyValue, "x", encoding::utf16), 0);
+  EXPECT_TRUE(functions.host.raised.empty());
+}
+
 TEST(CreditCardNumber, IsNotValidWhereItIsNil) {
   Functions functions;
   EXPECT_FALSE(functions.find<bool(REALstring)>(isValidCard)(nullptr));
@@ -140,6 +238,22 @@ TEST(ExtendedStrings, AreTenBytesWithoutATextsEncoding) {
   EXPECT_EQ(functions.host.string(bytes).encoding, encoding::none);
   EXPECT_EQ(functions.host.bytesOf(bytes), std::string_view("\x40\x0E\xAC\x44\0\0\0\0\0\0", 10));
   functions.host.unlock(bytes);
+}
+
+TEST(ExtendedStrings, HoldInfinitiesAndNaN) {
+  Functions functions;
+  const auto thereAndBack = [&](double x) {
+    const REALstring bytes = functions.find<REALstring(double)>(toExtended)(x);
+    EXPECT_EQ(functions.host.bytesOf(bytes).size(), 10u);
+    const double back = functions.find<double(REALstring)>(fromExtended)(bytes);
+    functions.host.unlock(bytes);
+    return back;
+  };
+  constexpr double infinity = std::numeric_limits<double>::infinity();
+  EXPECT_EQ(thereAndBack(infinity), infinity);
+  EXPECT_EQ(thereAndBack(-infinity), -infinity);
+  EXPECT_TRUE(std::isnan(thereAndBack(std::numeric_limits<double>::quiet_NaN())));
+  EXPECT_TRUE(functions.host.raised.empty());
 }
 
 TEST(ExtendedStrings, OfOtherLengthsAreZero) {

@@ -5,7 +5,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <latch>
 #include <limits>
 #include <map>
 #include <random>
@@ -152,6 +154,24 @@ TEST(PoissonDraw, FitsItsDistributionOnBothSidesOfTen) {
   }
 }
 
+int factorsDownTo(UniformSequence& uniforms, double threshold) {
+  int factors = 1;
+  for (double product = uniforms.next(); product > threshold; product *= uniforms.next()) ++factors;
+  return factors;
+}
+
+TEST(PoissonDraw, MultipliesUniformsForMeansBelowTenAlone) {
+  for (int mean = 1; mean <= 12; ++mean) {
+    RandomDraws draws(111);
+    UniformSequence uniforms(111);
+    int different = 0;
+    for (int i = 0; i < 1000; ++i) {
+      different += draws.poisson(mean) != factorsDownTo(uniforms, std::exp(-mean)) - 1;
+    }
+    EXPECT_EQ(different == 0, mean < 10) << mean << ": " << different << " of 1000 differ";
+  }
+}
+
 TEST(PoissonDraw, FitsTheNormalDistributionForLargeMeans) {
   RandomDraws draws(106);
   for (const int mean : {1000000, 2000000000}) {
@@ -199,24 +219,44 @@ TEST(Draws, LeaveNothingBehindButTheGeneratorsState) {
 }
 #endif
 
-TEST(Draws, FromManyThreadsAreThoseOfOne) {
-  constexpr std::size_t threadCount = 4, each = 50000;
+// A sum over numbers that does not depend on their order, and hardly ever is the same for others.
+struct Fingerprint {
+  std::uint64_t sum = 0;
+  void add(double value) {
+    const auto bits = std::bit_cast<std::uint64_t>(value) * 0x9E3779B97F4A7C15;
+    sum += (bits ^ bits >> 32) * 0xD6E8FEB86659FD93;
+  }
+};
+
+// Whatever order the threads take their turns in, together they get what one gets alone.
+template <typename Draw>
+void expectThoseOfOneThread(const char* kind, Draw draw) {
+  constexpr std::size_t threadCount = 4, each = 500000;
   RandomDraws draws(110);
-  std::vector<std::vector<double>> parts(threadCount);
+  std::latch start(threadCount);
+  std::vector<Fingerprint> parts(threadCount);
   std::vector<std::thread> threads;
-  for (auto& part : parts) {
-    threads.emplace_back([&draws, &part] {
-      for (std::size_t i = 0; i < each; ++i) part.push_back(draws.exponential(1));
+  for (Fingerprint& part : parts) {
+    threads.emplace_back([&] {
+      Fingerprint own;
+      start.arrive_and_wait();
+      for (std::size_t i = 0; i < each; ++i) own.add(draw(draws));
+      part = own;
     });
   }
   for (auto& thread : threads) thread.join();
-  std::vector<double> together, alone;
-  for (const auto& part : parts) together.insert(together.end(), part.begin(), part.end());
+  Fingerprint together, alone;
+  for (const Fingerprint& part : parts) together.sum += part.sum;
   RandomDraws same(110);
-  for (std::size_t i = 0; i < threadCount * each; ++i) alone.push_back(same.exponential(1));
-  std::sort(together.begin(), together.end());
-  std::sort(alone.begin(), alone.end());
-  EXPECT_EQ(together, alone);
+  for (std::size_t i = 0; i < threadCount * each; ++i) alone.add(draw(same));
+  EXPECT_EQ(together.sum, alone.sum) << kind;
+}
+
+TEST(Draws, FromManyThreadsAreThoseOfOne) {
+  expectThoseOfOneThread("exponential", [](RandomDraws& draws) { return draws.exponential(1); });
+  expectThoseOfOneThread("normal", [](RandomDraws& draws) { return draws.normal(0, 1); });
+  expectThoseOfOneThread("Poisson by products", [](RandomDraws& draws) { return draws.poisson(5); });
+  expectThoseOfOneThread("Poisson from ten on", [](RandomDraws& draws) { return draws.poisson(40); });
 }
 
 }  // namespace
