@@ -67,7 +67,8 @@ REALobject makeInstance(Value value) {
 // No thread waits to take an object. Where two make the same one at once, the first to store it has made the
 // shared one, and the other's is an object like any other. An object is taken in two steps, finding it and
 // adding a reference, and must not go away in between: a thread that takes says so first, and detaching
-// drops the slot's reference only when nobody is between the steps.
+// drops the slot's reference only when nobody is between the steps, which is soon: adding a reference runs
+// nobody else's code.
 template <typename Value>
 class SharedValues {
  public:
@@ -106,12 +107,13 @@ class SharedValues {
     Trace("new constant", value);
     const REALobject made = makeInstance(Value(value));
     if (!made) return nullptr;
-    // The caller's reference is there before another thread can find the object.
-    REALLockObject(made);
+    // The caller's reference is there before another thread can find the object; a host without references
+    // gives the caller none.
+    const bool locked = REALLockObject.resolve() != nullptr;
+    if (locked) REALLockObject(made);
     REALobject none = nullptr;
-    if (!slots_[value].object.compare_exchange_strong(none, made, std::memory_order_seq_cst)) {
-      REALUnlockObject(made);
-    }
+    const bool stored = slots_[value].object.compare_exchange_strong(none, made, std::memory_order_seq_cst);
+    if (locked && !stored) REALUnlockObject(made);
     return made;
   }
 

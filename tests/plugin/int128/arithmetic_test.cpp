@@ -219,6 +219,14 @@ TEST(ToDouble, RoundsTwice) {
       // The high word alone rounds to even: 2^53 + 1 to 2^53. Rounded once, the low word would tip it.
       {((one << 53) + 1) << 64 | 1, 0x1p117, 0x1p117},
       {-(((one << 53) + 1) << 64 | 1), 0x1p128 - 0x1p117, -0x1p117},
+      // Words with their top bit set are unsigned ones; 2^63 + 1025 rounds up to 2^63 + 2048.
+      {one << 63, 0x1p63, 0x1p63},
+      {(one << 63) + 1025, 0x1p63 + 0x1p11, 0x1p63 + 0x1p11},
+      {(one << 64) - 1, 0x1p64, 0x1p64},
+      {-(one << 63), 0x1p128, -0x1p63},
+      {(one << 100) + (one << 63), 0x1p100 + 0x1p63, 0x1p100 + 0x1p63},
+      {((one << 63) + 1025) << 64, 0x1p127 + 0x1p75, -0x1p127 + 0x1p74},
+      {(one << 127) - 1, 0x1p127, 0x1p127},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(toDouble(UInt128::fromBits(row.bits)), row.asUnsigned) << hex(row.bits);

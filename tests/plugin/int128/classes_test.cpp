@@ -637,6 +637,123 @@ TYPED_TEST(BothClasses, GoesToTextAndBack) {
   host.unlock(self);
 }
 
+TYPED_TEST(BothClasses, IsReadFromMemoryOfExactlyThatSize) {
+  constexpr const char* declaration =
+      "Constructor(Data as Ptr, Size as Integer, isUnsigned as boolean = false)";
+  const NativeUInt128 before = NativeUInt128{0x1234} << 64 | 0x5678;
+  // Blocks of the heap that end with the number, so that a read past it is noticed; at an odd address.
+  const auto read = [&](RBInteger size, unsigned char fill, std::uint8_t isUnsigned) {
+    std::vector<unsigned char> memory(static_cast<std::size_t>(size > 0 ? size : 0) + 1, fill);
+    const REALobject self = this->make(before);
+    this->template call<void>(declaration, self, static_cast<const void*>(memory.data() + 1), size,
+                              isUnsigned);
+    return this->numbers.template take<TypeParam>(self).bits();
+  };
+  for (RBInteger size = -20; size <= 40; ++size) {
+    SCOPED_TRACE(size);
+    const bool allowed = size == 1 || size == 2 || size == 4 || size == 8 || size == 16;
+    // A Boolean's byte may be any but 0 for true.
+    for (const auto isUnsigned : std::initializer_list<std::uint8_t>{0, 1, 2, 255}) {
+      SCOPED_TRACE(static_cast<int>(isUnsigned));
+      for (const auto fill : std::initializer_list<unsigned char>{0x7F, 0xFF}) {
+        const NativeUInt128 found = read(size, fill, isUnsigned);
+        if (!allowed) {
+          EXPECT_EQ(hex(found), hex(before));
+          const RaisedException raised = this->numbers.host.takeRaised();
+          EXPECT_EQ(raised.className, "UnsupportedOperationException");
+          EXPECT_EQ(raised.message, "Invalid size");
+          continue;
+        }
+        if (this->isSigned && isUnsigned && size == 16 && fill == 0xFF) {
+          EXPECT_EQ(hex(found), hex(before)) << "changed by what was refused";
+          const RaisedException raised = this->numbers.host.takeRaised();
+          EXPECT_EQ(raised.className, "OutOfBoundsException");
+          EXPECT_EQ(raised.message, "Unsigned integer is too big!");
+          continue;
+        }
+        NativeUInt128 expected = this->isSigned && !isUnsigned && fill == 0xFF ? ~NativeUInt128{0} : 0;
+        for (RBInteger i = 0; i < size; ++i) expected = expected << 8 | fill;
+        EXPECT_EQ(hex(found), hex(expected));
+      }
+    }
+  }
+  EXPECT_TRUE(this->numbers.host.raised.empty());
+}
+
+// The text is read in UTF-8, whatever the string's encoding, and to its length, whatever bytes it holds.
+TYPED_TEST(BothClasses, ReadsTextOfAnyEncodingAndLength) {
+  using namespace std::string_view_literals;
+  FakeHost& host = this->numbers.host;
+  const REALobject self = this->make(0);
+  const auto readsAs = [&](REALstring text, TypeParam expected) {
+    const auto check = [&](const char* how) {
+      EXPECT_EQ(hex(this->numbers.template value<TypeParam>(self).bits()), hex(expected.bits())) << how;
+      this->numbers.template set<TypeParam>(self, "LowValue", std::uint64_t{999});
+    };
+    this->template call<void>("Constructor(value as String)", self, text);
+    check("Constructor");
+    this->template call<void>("Operator_Convert(value as String)", self, text);
+    check("Operator_Convert");
+    this->numbers.template set<TypeParam>(self, "stringValue", text);
+    check("stringValue");
+    if (!text) return;
+    EXPECT_EQ(host.string(text).references, 1);
+    host.unlock(text);
+  };
+  readsAs(nullptr, 0);
+  readsAs(host.makeString("12\0"
+                          "34"sv),
+          12);
+  readsAs(host.makeString("\0"
+                          "34"sv),
+          0);
+  for (const char terminator : {'\0', '5'}) {  // the byte behind the text is not part of it
+    host.terminator = terminator;
+    for (const auto textEncoding : {encoding::utf8, encoding::ascii, encoding::utf16, encoding::none}) {
+      SCOPED_TRACE(textEncoding);
+      host.conversions.clear();
+      readsAs(host.makeString("  17", textEncoding), 17);
+      const bool converted = textEncoding == encoding::utf16;
+      EXPECT_EQ(host.conversions, converted ? Strings(3, "PluginGetStringData 134217984") : Strings());
+      readsAs(host.makeString("", textEncoding), 0);
+    }
+  }
+  host.terminator = '\0';
+  // A megabyte; the line that traces it is cut.
+  std::string digits(1 << 20, '7');
+  NativeUInt128 expected = 0;
+  for (std::size_t i = 0; i < digits.size(); ++i) expected = expected * 10 + 7;
+  readsAs(host.makeString(digits), TypeParam::fromBits(expected));
+  readsAs(host.makeString(std::string(1 << 20, ' ') + "9"), 9);
+  const REALstring text = host.makeString(digits);
+  const std::string whole = this->line("Operator_Assign_String " + digits);
+  EXPECT_EQ(this->traced([&] { this->template call<void>("Operator_Convert(value as String)", self, text); }),
+            whole.substr(0, 4095) + "\n");
+  EXPECT_EQ(hex(this->numbers.template value<TypeParam>(self).bits()), hex(expected));
+  host.unlock(text);
+  host.unlock(self);
+}
+
+TYPED_TEST(BothClasses, TakesTextThatTheHostDoesNotHandOverForEmpty) {
+  FakeHost& host = this->numbers.host;
+  host.offer(
+      "PluginGetStringData", +[](REALstring, std::uint32_t, REALstringData*) { return false; });
+  const REALstring text = host.makeString("17", encoding::utf16);
+  const auto becomesZero = [&](auto change) {
+    const REALobject self = this->make(~NativeUInt128{0} / 3);
+    change(self);
+    EXPECT_EQ(hex(this->numbers.template take<TypeParam>(self).bits()), hex(0));
+  };
+  becomesZero(
+      [&](REALobject self) { this->template call<void>("Constructor(value as String)", self, text); });
+  becomesZero(
+      [&](REALobject self) { this->template call<void>("Operator_Convert(value as String)", self, text); });
+  becomesZero([&](REALobject self) { this->numbers.template set<TypeParam>(self, "stringValue", text); });
+  EXPECT_EQ(host.string(text).references, 1);
+  EXPECT_TRUE(host.raised.empty());
+  host.unlock(text);
+}
+
 TYPED_TEST(BothClasses, SharedMethodsAreSilentButForNewObjects) {
   FakeHost& host = this->numbers.host;
   EXPECT_EQ(
@@ -718,6 +835,30 @@ TEST(Int128Class, ComparesWithUnsigned) {
     EXPECT_EQ((numbers.call<UInt128, bool>("Equals(other as Int128QTX) as Boolean", other, self)), row.equal);
     numbers.host.unlock(self);
     numbers.host.unlock(other);
+  }
+}
+
+// The odd rule across the classes, told word by word.
+TEST(Int128Class, ComparesWithUnsignedAtAllCorners) {
+  NumberHost numbers;
+  for (const NativeUInt128 a : corners()) {
+    for (const NativeUInt128 b : corners()) {
+      const bool aIsNegative = static_cast<NativeInt128>(a) < 0, bHasTopBit = b >> 127 != 0;
+      const int expected = aIsNegative ? -1 : bHasTopBit ? 1 : (a > b) - (a < b);
+      const REALobject self = numbers.make(Int128::fromBits(a)), other = numbers.make(UInt128::fromBits(b));
+      SCOPED_TRACE(hex(a) + " and " + hex(b));
+      EXPECT_EQ(
+          (numbers.call<Int128, RBInteger>("Operator_Compare(other as UInt128QTX) as Integer", self, other)),
+          expected);
+      EXPECT_EQ(
+          (numbers.call<UInt128, RBInteger>("Operator_Compare(other as Int128QTX) as Integer", other, self)),
+          -expected);
+      const bool equal = a == b && !bHasTopBit;
+      EXPECT_EQ((numbers.call<Int128, bool>("Equals(other as UInt128QTX) as Boolean", self, other)), equal);
+      EXPECT_EQ((numbers.call<UInt128, bool>("Equals(other as Int128QTX) as Boolean", other, self)), equal);
+      numbers.host.unlock(self);
+      numbers.host.unlock(other);
+    }
   }
 }
 

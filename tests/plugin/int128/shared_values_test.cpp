@@ -147,6 +147,45 @@ TYPED_TEST(SharedSmallValues, AreDetachedBeforeTheyChange) {
   host.unlock(text);
 }
 
+// While the text is read, host code runs; here it makes the very object the shared one for 1.
+REALobject nextInstance = nullptr;
+std::function<void()> whileReading;
+TYPED_TEST(SharedSmallValues, AreDetachedAgainAfterTheTextIsRead) {
+  NumberHost& numbers = this->numbers_;
+  FakeHost& host = numbers.host;
+  host.offer(
+      "PluginNewInstance", +[](const char* name) {
+        if (!nextInstance) return FakeHost::current->makeObject(name);
+        FakeHost::current->lock(nextInstance);
+        return std::exchange(nextInstance, nullptr);
+      });
+  host.offer(
+      "PluginGetStringData", +[](REALstring, std::uint32_t, REALstringData* out) {
+        whileReading();
+        ++FakeHost::current->openStringData;
+        *out = {"99", 2, encoding::utf8, nullptr};
+        return true;
+      });
+  const REALobject self = numbers.make(TypeParam(5));
+  const REALstring text = host.makeString("99", encoding::utf16);
+  whileReading = [&] {
+    nextInstance = self;
+    const REALobject one = numbers.template shared<TypeParam>("one");
+    EXPECT_EQ(one, self);
+    host.unlock(one);
+    EXPECT_EQ(numbers.references(self), 2) << "the test's and the table's";
+  };
+  numbers.template set<TypeParam>(self, "stringValue", text);
+  EXPECT_EQ(numbers.template value<TypeParam>(self), TypeParam(99));
+  EXPECT_EQ(numbers.references(self), 1);
+  const REALobject one = numbers.template shared<TypeParam>("one");
+  EXPECT_NE(one, self);
+  EXPECT_EQ(numbers.template value<TypeParam>(one), TypeParam(1));
+  host.unlock(one);
+  host.unlock(self);
+  host.unlock(text);
+}
+
 TYPED_TEST(SharedSmallValues, AreLeftAloneByOthersChanges) {
   NumberHost& numbers = this->numbers_;
   const REALobject seven = numbers.template sharedFor<TypeParam>(7);
@@ -159,6 +198,161 @@ TYPED_TEST(SharedSmallValues, AreLeftAloneByOthersChanges) {
   numbers.host.unlock(numbers.template get<TypeParam, REALstring>(seven, "stringValue"));
   EXPECT_EQ(numbers.references(seven), 2);
   numbers.host.unlock(mine);
+  numbers.host.unlock(seven);
+}
+
+// Every member that gives an object, made to give `wanted`: what the receiver and the argument must be.
+template <typename Value>
+struct Giver {
+  std::string declaration;  // of a property: its name
+  Value self;
+  enum { none, object, word, signedWord, nil, exponent, property } argument = none;
+  Value other = 0;
+};
+template <typename Value>
+std::vector<Giver<Value>> giversOf(int wanted) {
+  using G = Giver<Value>;
+  const Value r = wanted;
+  const std::string type = classOf<Value>, word = std::is_same_v<Value, Int128> ? "Int64" : "UInt64";
+  std::vector<G> all;
+  const auto both = [&](const std::string& name, Value self, Value other, const char* argument = "other") {
+    all.push_back({name + "(" + argument + " as " + type + ") as " + type, self, G::object, other});
+    all.push_back({name + "(" + argument + " as " + word + ") as " + type, self, G::word, other});
+    all.push_back({name + "(" + argument + " as " + type + ") as " + type, r, G::nil});
+  };
+  const auto reflected = [&](const std::string& name, Value self, Value other) {
+    all.push_back({name + "(other as " + word + ") as " + type, self, G::word, other});
+  };
+  both("Operator_Add", r - Value(4), 4);
+  all.push_back({"Operator_AddRight(other as " + type + ") as " + type, r - Value(4), G::object, 4});
+  all.push_back({"Operator_AddRight(other as " + type + ") as " + type, r, G::nil});
+  both("Operator_Subtract", r + Value(3), 3);
+  reflected("Operator_SubtractRight", 3, r + Value(3));
+  both("Operator_Multiply", r, 1);
+  reflected("Operator_MultiplyRight", r, 1);
+  both("Operator_Divide", r + r + Value(1), 2);
+  reflected("Operator_DivideRight", 2, r + r + Value(1));
+  both("Operator_Modulo", r, r + Value(1));
+  reflected("Operator_ModuloRight", r + Value(1), r);
+  both("BitwiseAnd", r | Value(64), 63, "Value");
+  both("BitwiseOr", r, r & Value(5), "Value");
+  both("BitwiseXOr", r ^ Value(5), 5, "Value");
+  both("ShiftLeft", r, 128);
+  both("ShiftRight", r << Value(100), 100);
+  if (word == "UInt64") {
+    all.push_back({"ShiftLeft(other as Int64) as " + type, r, G::signedWord, 128});
+    all.push_back({"ShiftRight(other as Int64) as " + type, r << Value(100), G::signedWord, 100});
+  } else {
+    all.push_back({"Operator_Negate as " + type, -r});
+    all.push_back({"Abs", -r, G::property});
+    all.push_back({"Abs", r, G::property});
+  }
+  all.push_back({"Inc as " + type, r - Value(1)});
+  all.push_back({"Dec as " + type, r + Value(1)});
+  all.push_back({"Sqrt as " + type, r * r});
+  all.push_back({"Pow(exp as UInt64) as " + type, r, G::exponent, 1});
+  return all;
+}
+
+// For each of them: nil while the host makes none, then one shared object of two references, or a fresh one
+// with one.
+TYPED_TEST(SharedSmallValues, AreGivenByEveryMember) {
+  NumberHost& numbers = this->numbers_;
+  FakeHost& host = numbers.host;
+  for (const int wanted : {0, 7, 15, 16}) {
+    for (const auto& giver : giversOf<TypeParam>(wanted)) {
+      using G = Giver<TypeParam>;
+      SCOPED_TRACE(giver.declaration + " that gives " + std::to_string(wanted));
+      const REALobject self = numbers.make(giver.self), other = numbers.make(giver.other);
+      const auto give = [&]() -> REALobject {
+        const auto call = [&](auto... arguments) {
+          return numbers.template call<TypeParam, REALobject>(giver.declaration, self, arguments...);
+        };
+        switch (giver.argument) {
+          case G::none:
+            return call();
+          case G::object:
+            return call(other);
+          case G::word:
+            return call(static_cast<typename TypeParam::Word>(giver.other.low));
+          case G::signedWord:
+            return call(static_cast<std::int64_t>(giver.other.low));
+          case G::exponent:
+            return call(giver.other.low);
+          case G::nil:
+            return call(REALobject(nullptr));
+          case G::property:
+            return numbers.template get<TypeParam, REALobject>(self, giver.declaration.c_str());
+        }
+        return nullptr;
+      };
+      host.unknownClasses.insert(classOf<TypeParam>);
+      EXPECT_EQ(give(), nullptr);
+      EXPECT_EQ(give(), nullptr);
+      host.unknownClasses.clear();
+      EXPECT_TRUE(host.raised.empty());
+      const REALobject first = give(), second = give();
+      ASSERT_NE(first, nullptr);
+      ASSERT_NE(second, nullptr);
+      EXPECT_NE(first, self) << "the receiver itself";
+      EXPECT_EQ(numbers.template value<TypeParam>(first), TypeParam(wanted));
+      EXPECT_EQ(numbers.template value<TypeParam>(second), TypeParam(wanted));
+      if (wanted <= 15) {
+        EXPECT_EQ(first, second);
+        EXPECT_EQ(numbers.references(first), 3) << "the caller's two and the table's";
+        numbers.template get<TypeParam, void*>(first, "Data");  // leaves the next member an empty slot
+      } else {
+        EXPECT_NE(first, second);
+        EXPECT_EQ(numbers.references(first), 1);
+      }
+      EXPECT_EQ(numbers.template value<TypeParam>(self), giver.self);
+      EXPECT_EQ(numbers.references(self), 1);
+      EXPECT_EQ(numbers.references(other), 1);
+      for (const REALobject object : {self, other, first, second}) host.unlock(object);
+    }
+  }
+}
+
+TYPED_TEST(SharedSmallValues, AreDetachedByConstructorsThatRefuseOrGetNil) {
+  NumberHost& numbers = this->numbers_;
+  FakeHost& host = numbers.host;
+  const REALobject unfit =
+      this->isSigned ? numbers.make(UInt128(0, std::uint64_t{1} << 63)) : numbers.make(Int128(-1));
+  const char* crossClass =
+      this->isSigned ? "Constructor(value as UInt128QTX)" : "Constructor(value as Int128QTX)";
+  for (const REALobject argument : {unfit, REALobject(nullptr)}) {
+    const REALobject seven = numbers.template sharedFor<TypeParam>(7);
+    numbers.template call<TypeParam, void>(crossClass, seven, argument);
+    EXPECT_EQ(host.raised.size(), argument ? 1u : 0u);
+    host.raised.clear();
+    EXPECT_EQ(numbers.template value<TypeParam>(seven), TypeParam(7));
+    EXPECT_EQ(numbers.references(seven), 1) << "the table's reference is dropped all the same";
+    host.unlock(seven);
+  }
+  EXPECT_EQ(numbers.references(unfit), 1);
+  host.unlock(unfit);
+}
+
+// The two constructors that run on new objects only do not look among the shared ones.
+TYPED_TEST(SharedSmallValues, AreNotDetachedByTheOtherConstructors) {
+  NumberHost& numbers = this->numbers_;
+  const REALobject seven = numbers.template sharedFor<TypeParam>(7);
+  numbers.template call<TypeParam, void>("Constructor", seven);
+  EXPECT_EQ(numbers.references(seven), 2);
+  const unsigned char byte = 7;
+  const auto read = [&](RBInteger size) {
+    numbers.template call<TypeParam, void>(
+        "Constructor(Data as Ptr, Size as Integer, isUnsigned as boolean = false)", seven,
+        static_cast<const void*>(&byte), size, std::uint8_t{0});
+  };
+  read(1);
+  EXPECT_EQ(numbers.references(seven), 2);
+  read(3);
+  EXPECT_EQ(numbers.host.takeRaised().message, "Invalid size");
+  EXPECT_EQ(numbers.references(seven), 2);
+  const REALobject again = numbers.template sharedFor<TypeParam>(7);
+  EXPECT_EQ(again, seven);
+  numbers.host.unlock(again);
   numbers.host.unlock(seven);
 }
 

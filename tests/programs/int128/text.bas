@@ -61,3 +61,8 @@ While blanks.Length < 1000000
 Wend
 big = blanks + "12"
 Print big
+
+' The encoding of the text does not matter.
+For Each code As Integer In Array(Encodings.UTF8, Encodings.UTF16, Encodings.UTF32BE, Encodings.ISOLatin1)
+  Read(ConvertEncoding("-123é", code))
+Next
