@@ -15,15 +15,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// What a sanitizer finds ends a program with this status, so that it is not taken for a failing program's
-// own.
-constexpr int sanitizerFound = 99;
-
 void reportSanitizersApart() {
   for (const char* name : {"ASAN_OPTIONS", "UBSAN_OPTIONS", "TSAN_OPTIONS", "LSAN_OPTIONS"}) {
     const char* given = std::getenv(name);
-    const std::string options =
-        (given ? given + std::string(":") : "") + "exitcode=" + std::to_string(sanitizerFound);
+    const std::string options = (given ? given + std::string(":") : "") + sanitizerOptions;
     setenv(name, options.c_str(), 1);
   }
 }

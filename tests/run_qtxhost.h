@@ -10,6 +10,10 @@ struct Outcome {
   std::string output, errors;
 };
 
+// What a sanitizer finds ends a program with this status, so that it is not taken for a failing program's
+// own.
+constexpr const char* sanitizerOptions = "exitcode=99";
+
 // With `input` as its standard input, in `folder`. A sanitizer's finding gives the status 99.
 Outcome runQtxhost(std::vector<std::string> arguments, const std::string& input,
                    const std::filesystem::path& folder);

@@ -1,0 +1,317 @@
+// Translates compact unwind encodings into DWARF frame descriptions. What the encodings mean: Apple's published
+// mach-o/compact_unwind_encoding.h; the form of the result: the Linux Standard Base, section ".eh_frame".
+#include "macho/unwind.h"
+
+#include <array>
+#include <bit>
+
+#include "macho/cursor.h"
+#include "macho/mach_o.h"
+
+namespace macho {
+
+namespace {
+
+// DWARF's numbers of the registers.
+namespace x86 {
+constexpr unsigned rbx = 3, rbp = 6, rsp = 7, r12 = 12, returnAddress = 16;
+}
+namespace arm {
+constexpr unsigned x19 = 19, x29 = 29, x30 = 30, sp = 31, d8 = 72;
+}
+
+[[noreturn]] void notUnderstood(std::uint32_t encoding, const char* why) {
+  char text[100];
+  std::snprintf(text, sizeof text, "unwind encoding 0x%08x is not understood: %s", encoding, why);
+  throw BadImage(text);
+}
+
+class Bytes {
+ public:
+  template <class Value>
+  void add(Value value) {
+    for (const std::byte each : std::bit_cast<std::array<std::byte, sizeof value>>(value)) all.push_back(each);
+  }
+  void byte(unsigned value) { add(static_cast<std::uint8_t>(value)); }
+  void uleb(std::uint64_t value) {
+    for (; value > 0x7F; value >>= 7) byte(static_cast<unsigned>(value & 0x7F) | 0x80);
+    byte(static_cast<unsigned>(value));
+  }
+  std::vector<std::byte> all;
+};
+
+// The rules of one function: where its caller's frame (the CFA) and its registers are.
+struct Rules {
+  Bytes code;
+
+  void frame(unsigned registerNumber, std::uint64_t offset) {
+    code.byte(0x0C);  // DW_CFA_def_cfa
+    code.uleb(registerNumber);
+    code.uleb(offset);
+  }
+  // The register lies `words` words below the caller's frame.
+  void saved(unsigned registerNumber, std::uint64_t words) {
+    if (registerNumber < 64) {
+      code.byte(0x80 | registerNumber);  // DW_CFA_offset
+    } else {
+      code.byte(0x05);  // DW_CFA_offset_extended
+      code.uleb(registerNumber);
+    }
+    code.uleb(words);
+  }
+};
+
+unsigned x86Register(std::uint32_t encoding, std::uint32_t number) {
+  if (number == 1) return x86::rbx;
+  if (number >= 2 && number <= 5) return x86::r12 + number - 2;
+  if (number == 6) return x86::rbp;
+  notUnderstood(encoding, "it saves a register that there is not");
+}
+
+Rules x86FramePointer(std::uint32_t encoding) {
+  Rules rules;
+  rules.frame(x86::rbp, 16);
+  rules.saved(x86::returnAddress, 1);
+  rules.saved(x86::rbp, 2);
+  const std::uint32_t lowest = encoding >> 16 & 0xFF;  // in words below rbp
+  for (unsigned i = 0; i < 5; ++i) {
+    const std::uint32_t number = encoding >> (3 * i) & 7;
+    if (number == 0) continue;
+    if (i > lowest) notUnderstood(encoding, "it saves a register above the frame");
+    rules.saved(x86Register(encoding, number), lowest - i + 2);
+  }
+  return rules;
+}
+
+// Which registers are saved, and in which order, is the number of their permutation, digit by digit: each digit is a register's
+// place among those that are not named yet.
+Rules x86Frameless(std::uint32_t encoding, std::uint64_t stackBytes) {
+  const unsigned count = encoding >> 10 & 7;
+  std::uint32_t permutation = encoding & 0x3FF;
+  if (count > 6) notUnderstood(encoding, "it saves more registers than there are");
+  if (stackBytes < 8 * (count + 1)) notUnderstood(encoding, "its frame has no room for its registers");
+  Rules rules;
+  rules.frame(x86::rsp, stackBytes);
+  rules.saved(x86::returnAddress, 1);
+  std::vector<unsigned> left = {1, 2, 3, 4, 5, 6};
+  for (unsigned i = 0; i < count; ++i) {
+    std::uint32_t weight = 1;  // of this digit: how many ways there are to order those after it
+    for (unsigned j = i + 1; j < count; ++j) weight *= 6 - j;
+    const std::uint32_t digit = permutation / weight;
+    permutation %= weight;
+    if (digit >= left.size()) notUnderstood(encoding, "its order of registers is none");
+    rules.saved(x86Register(encoding, left[digit]), count - i + 1);
+    left.erase(left.begin() + digit);
+  }
+  return rules;
+}
+
+Rules armFrameless(std::uint32_t encoding) {
+  if (encoding & 0xFFF) notUnderstood(encoding, "it saves registers without a frame");
+  Rules rules;
+  rules.frame(arm::sp, std::uint64_t{encoding >> 12 & 0xFFF} * 16);
+  return rules;
+}
+
+Rules armFrame(std::uint32_t encoding) {
+  Rules rules;
+  rules.frame(arm::x29, 16);
+  rules.saved(arm::x30, 1);
+  rules.saved(arm::x29, 2);
+  unsigned words = 3;
+  for (unsigned pair = 0; pair < 12; ++pair) {
+    if (!(encoding >> pair & 1)) continue;
+    if (pair > 4 && pair < 8) notUnderstood(encoding, "it saves registers that there are not");
+    const unsigned first = pair < 8 ? arm::x19 + 2 * pair : arm::d8 + 2 * (pair - 8);
+    rules.saved(first, words++);
+    rules.saved(first + 1, words++);
+  }
+  return rules;
+}
+
+// Adds the descriptions one after the other.
+class Descriptions {
+ public:
+  Descriptions(const Image& image, std::uint64_t slide) : image_(image), slide_(slide) {}
+
+  void add(std::uint64_t start, std::uint64_t end, std::uint32_t encoding, std::uint64_t personality, std::uint64_t lsda) {
+    const std::uint32_t mode = encoding & encoding::modeMask;
+    if (mode == 0) return;  // never unwound through
+    if (image_.processor == Processor::x86_64) {
+      switch (mode) {
+        case encoding::x86_64::dwarf:
+          return;
+        case encoding::x86_64::framePointer:
+          return describe(start, end, x86FramePointer(encoding), personality, lsda);
+        case encoding::x86_64::framelessSmall:
+          return describe(start, end, x86Frameless(encoding, std::uint64_t{encoding >> 16 & 0xFF} * 8), personality, lsda);
+        case encoding::x86_64::framelessLarge: {
+          // The size stands in the instruction that makes room, so many bytes behind the function's start.
+          const auto subtracted = Cursor(image_.at(start + (encoding >> 16 & 0xFF), 4), "code").read<std::uint32_t>();
+          const std::uint64_t pushed = std::uint64_t{encoding >> 13 & 7} * 8;
+          return describe(start, end, x86Frameless(encoding, subtracted + pushed), personality, lsda);
+        }
+        default:
+          notUnderstood(encoding, "its mode is unknown");
+      }
+    }
+    switch (mode) {
+      case encoding::arm64::dwarf:
+        return;
+      case encoding::arm64::frameless:
+        return describe(start, end, armFrameless(encoding), personality, lsda);
+      case encoding::arm64::frame:
+        return describe(start, end, armFrame(encoding), personality, lsda);
+      default:
+        notUnderstood(encoding, "its mode is unknown");
+    }
+  }
+
+  std::vector<std::byte> finish() {
+    out_.add(std::uint32_t{0});
+    return std::move(out_.all);
+  }
+
+ private:
+  // A record: its length, and filled up to whole words with instructions that do nothing.
+  void record(const Bytes& content) {
+    const std::size_t padded = (content.all.size() + 4 + 7) / 8 * 8 - 4;
+    out_.add(static_cast<std::uint32_t>(padded));
+    out_.all.insert(out_.all.end(), content.all.begin(), content.all.end());
+    out_.all.resize(out_.all.size() + padded - content.all.size());
+  }
+
+  // What the functions of one personality routine have in common; its position in the result.
+  std::size_t common(std::uint64_t personality) {
+    for (const auto& [known, position] : commons_) {
+      if (known == personality) return position;
+    }
+    const std::size_t position = out_.all.size();
+    commons_.emplace_back(personality, position);
+    Bytes content;
+    content.add(std::uint32_t{0});  // marks it as common
+    content.byte(1);                // version
+    for (const char* each = personality ? "zPLR" : "zR"; *each; ++each) content.byte(static_cast<unsigned char>(*each));
+    content.byte(0);
+    content.uleb(1);     // a unit of code
+    content.byte(0x78);  // a unit of data: −8
+    content.uleb(image_.processor == Processor::x86_64 ? x86::returnAddress : arm::x30);
+    constexpr unsigned absolute = 0;
+    content.uleb(personality ? 11 : 1);
+    if (personality) {
+      content.byte(absolute);
+      content.add(personality);
+      content.byte(absolute);
+    }
+    content.byte(absolute);
+    record(content);
+    return position;
+  }
+
+  void describe(std::uint64_t start, std::uint64_t end, const Rules& rules, std::uint64_t personality, std::uint64_t lsda) {
+    const std::size_t shared = common(personality);
+    Bytes content;
+    content.add(static_cast<std::uint32_t>(out_.all.size() + 4 - shared));  // back from this field
+    content.add(start + slide_);
+    content.add(end - start);
+    content.uleb(personality ? 8 : 0);
+    if (personality) content.add(lsda ? lsda + slide_ : 0);
+    content.all.insert(content.all.end(), rules.code.all.begin(), rules.code.all.end());
+    record(content);
+  }
+
+  const Image& image_;
+  std::uint64_t slide_;
+  Bytes out_;
+  std::vector<std::pair<std::uint64_t, std::size_t>> commons_;
+};
+
+// Walks the table of two levels.
+class Table {
+ public:
+  Table(const Image& image, const Section& section, std::uint64_t slide)
+      : image_(image), slide_(slide), cursor_(image.at(section.address, section.size), "the unwind table"), found_(image, slide) {}
+
+  std::vector<std::byte> translate() {
+    header_ = cursor_.readAt<UnwindHeader>(0);
+    if (header_.version != 1) throw BadImage("the unwind table is of version " + std::to_string(header_.version));
+    for (std::uint32_t i = 0; i + 1 < header_.indexCount; ++i) {  // the last entry only ends the one before
+      const auto entry = index(i), next = index(i + 1);
+      if (entry.pageOffset != 0) page(entry, next);
+    }
+    return found_.finish();
+  }
+
+ private:
+  UnwindIndexEntry index(std::uint32_t i) {
+    return cursor_.readAt<UnwindIndexEntry>(header_.indexOffset + std::uint64_t{i} * sizeof(UnwindIndexEntry));
+  }
+
+  void page(const UnwindIndexEntry& entry, const UnwindIndexEntry& next) {
+    const auto kind = cursor_.readAt<std::uint32_t>(entry.pageOffset);
+    std::array<std::uint16_t, 4> fields = {};
+    const unsigned count = kind == unwindPage::compressed ? 4 : 2;
+    for (unsigned i = 0; i < count; ++i) fields[i] = cursor_.read<std::uint16_t>();
+    const auto [entryOffset, entryCount, encodingsOffset, encodingCount] = fields;
+    const auto at = [&](std::uint32_t i) -> UnwindRegularEntry {
+      if (i == entryCount) return {next.functionOffset, 0};
+      const std::uint64_t entries = std::uint64_t{entry.pageOffset} + entryOffset;
+      if (kind == unwindPage::regular) return cursor_.readAt<UnwindRegularEntry>(entries + i * sizeof(UnwindRegularEntry));
+      const auto word = cursor_.readAt<std::uint32_t>(entries + i * sizeof(std::uint32_t));
+      const std::uint32_t number = word >> 24;
+      std::uint64_t where = header_.commonEncodingsOffset + std::uint64_t{number} * sizeof(std::uint32_t);
+      if (number >= header_.commonEncodingCount) {
+        if (number - header_.commonEncodingCount >= encodingCount) throw BadImage("the unwind table has no encoding " + std::to_string(number));
+        where = std::uint64_t{entry.pageOffset} + encodingsOffset +
+                std::uint64_t{number - header_.commonEncodingCount} * sizeof(std::uint32_t);
+      }
+      return {entry.functionOffset + (word & 0xFFFFFF), cursor_.readAt<std::uint32_t>(where)};
+    };
+    if (kind != unwindPage::regular && kind != unwindPage::compressed)
+      throw BadImage("the unwind table has a page of kind " + std::to_string(kind) + ", which is not understood");
+    for (std::uint32_t i = 0; i < entryCount; ++i) {
+      const UnwindRegularEntry function = at(i);
+      const std::uint64_t start = image_.lowest() + function.functionOffset, end = image_.lowest() + at(i + 1).functionOffset;
+      if (end < start) throw BadImage("the unwind table is not in order");
+      const bool hasLsda = (function.encoding & encoding::hasLsda) != 0;
+      found_.add(start, end, function.encoding, personality(function.encoding),
+                 hasLsda ? lsda(function.functionOffset, entry, next) : 0);
+    }
+  }
+
+  std::uint64_t personality(std::uint32_t encoding) {
+    const std::uint32_t number = (encoding & encoding::personalityMask) >> encoding::personalityShift;
+    if (number == 0) return 0;
+    if (number > header_.personalityCount) notUnderstood(encoding, "there is no such personality routine");
+    const auto offset = cursor_.readAt<std::uint32_t>(header_.personalitiesOffset + std::uint64_t{number - 1} * sizeof(std::uint32_t));
+    const std::uint64_t slot = image_.lowest() + offset;
+    image_.at(slot, sizeof(std::uint64_t));  // it lies in the image
+    std::uint64_t routine;
+    std::memcpy(&routine, reinterpret_cast<const void*>(slot + slide_), sizeof routine);
+    return routine;
+  }
+
+  std::uint64_t lsda(std::uint32_t functionOffset, const UnwindIndexEntry& entry, const UnwindIndexEntry& next) {
+    for (std::uint64_t at = entry.lsdaOffset; at < next.lsdaOffset; at += sizeof(UnwindLsdaEntry)) {
+      const auto each = cursor_.readAt<UnwindLsdaEntry>(at);
+      if (each.functionOffset == functionOffset) return image_.lowest() + each.lsdaOffset;
+    }
+    throw BadImage("the unwind table names no exception table for the function at offset " + std::to_string(functionOffset));
+  }
+
+  const Image& image_;
+  std::uint64_t slide_;
+  Cursor cursor_;
+  UnwindHeader header_ = {};
+  Descriptions found_;
+};
+
+}  // namespace
+
+std::vector<std::byte> frameDescriptions(const Image& image, std::uint64_t slide) {
+  const Section* section = image.section("__TEXT", "__unwind_info");
+  if (!section) return Descriptions(image, slide).finish();
+  return Table(image, *section, slide).translate();
+}
+
+}  // namespace macho
