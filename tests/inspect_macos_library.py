@@ -93,7 +93,7 @@ class Bytes:
         end = self.data.find(b"\0", offset) if 0 <= offset < len(self.data) else -1
         if end < 0:
             raise Damaged(f"{self.name} holds no text at offset {offset:#x}")
-        return self.data[offset:end].decode("latin-1")
+        return plain(self.data[offset:end])
 
     def uleb(self, offset):
         """The number of variable length at the offset, and the offset after it."""
@@ -129,7 +129,9 @@ class Segment:
 
 
 def plain(name):
-    return name.rstrip(b"\0").decode("latin-1")
+    """The bytes as text for one line, whatever they are."""
+    text = name.rstrip(b"\0").decode("latin-1")
+    return text if text.isprintable() else "".join(each if each.isprintable() else "?" for each in text)
 
 
 class Slice:
