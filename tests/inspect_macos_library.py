@@ -61,6 +61,7 @@ PLATFORM_MACOS = 1
 SG_READ_ONLY = 0x10
 READ, WRITE, EXECUTE = 1, 2, 4
 N_STAB, N_PEXT, N_TYPE, N_EXT = 0xE0, 0x10, 0x0E, 0x01
+LINKER_SIGNED = 0x20002  # CS_ADHOC and CS_LINKER_SIGNED
 MOST_LINES = 20  # about one slice, from one check
 OMITTED = 0xFF  # an encoding of pointers that says there are none
 
@@ -590,8 +591,8 @@ def problems_of_signature(library):
         if magic != 0xFADE0C02 or digests.get(kind, ("", 0))[1] != width or not 12 <= page <= 14:
             raise Damaged(f"the code directory has digests of kind {kind}, {width} bytes, for pages of 2^{page}")
         kinds.add(kind)
-        if not directory.text(identifier):
-            yield "the code directory has no identifier"
+        if not directory.text(identifier) or fields[1] != LINKER_SIGNED or any(directory.data[40:64]):
+            yield "the code directory says more or less than a linker's"
         if limit != start or pages != -(-limit >> page):
             yield f"the signature covers {pages} pages and {limit:#x} bytes, but {start:#x} lie before it"
         text = library.segment("__TEXT")

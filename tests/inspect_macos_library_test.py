@@ -280,6 +280,8 @@ class Inspection(unittest.TestCase):
                 (at_directory(copy) - at + 28, ">I", 1, "the signature covers 1 pages"),
                 (at_directory(copy) - at + 36, "B", 20, "the code directory has digests of kind 2, 20 bytes"),
                 (at_directory(copy) - at + 16, ">I", 1 << 30, "the code directory ends before"),
+                (at_directory(copy) - at + 12, ">I", 0x10000, "the code directory says more or less than"),
+                (at_directory(copy) - at + 48, ">I", 4, "the code directory says more or less than"),
                 (at_directory(copy) - at + 72, ">Q", 4096, "the code directory has another segment __TEXT"),
             ):
                 changed = Copy(copy.processor)

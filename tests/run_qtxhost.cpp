@@ -25,6 +25,20 @@ void reportSanitizersApart() {
   }
 }
 
+// What starts the program: a list separated by bars in the environment, or what was built.
+std::vector<std::string> hostCommand() {
+  std::vector<std::string> words;
+  if (const char* given = std::getenv("QTX_HOST_COMMAND")) {
+    std::istringstream list(given);
+    for (std::string word; std::getline(list, word, '|');) words.push_back(word);
+    return words;
+  }
+  // A program for another processor is started through what runs it here.
+  if (sizeof QTX_EMULATOR > 1) words.push_back(QTX_EMULATOR);
+  words.push_back(QTX_HOST_PROGRAM);
+  return words;
+}
+
 }  // namespace
 
 std::string contentOf(const fs::path& file) {
@@ -35,10 +49,8 @@ std::string contentOf(const fs::path& file) {
 }
 
 Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, const fs::path& folder) {
-  arguments.insert(arguments.begin(), QTX_HOST_PROGRAM);
-  // A program for another processor is started through what runs it here.
-  const std::string emulator = QTX_EMULATOR;
-  if (!emulator.empty()) arguments.insert(arguments.begin(), emulator);
+  const std::vector<std::string> program = hostCommand();
+  arguments.insert(arguments.begin(), program.begin(), program.end());
   const fs::path scratch = fs::temp_directory_path() / ("qtx-program-" + std::to_string(getpid()));
   const fs::path input = scratch.string() + ".in", output = scratch.string() + ".out",
                  errors = scratch.string() + ".err";

@@ -14,7 +14,9 @@ struct Outcome {
 // own.
 constexpr const char* sanitizerOptions = "exitcode=99";
 
-// With `input` as its standard input, in `folder`. A sanitizer's finding gives the status 99.
+// With `input` as its standard input, in `folder`. Where the environment has QTX_HOST_COMMAND, its words,
+// separated by bars, start qtxhost in place of the one that was built. A sanitizer's finding gives the
+// status 99.
 Outcome runQtxhost(std::vector<std::string> arguments, const std::string& input,
                    const std::filesystem::path& folder);
 

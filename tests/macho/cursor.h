@@ -40,7 +40,8 @@ class Cursor {
     std::uint64_t value = 0;
     for (unsigned shift = 0;; shift += 7) {
       const auto byte = read<std::uint8_t>();
-      if (shift > 63 || (shift == 63 && (byte & 0x7E))) throw BadImage(std::string(what_) + " has a number of more than 64 bits");
+      if (shift > 63 || (shift == 63 && (byte & 0x7E)))
+        throw BadImage(std::string(what_) + " has a number of more than 64 bits");
       value |= static_cast<std::uint64_t>(byte & 0x7F) << shift;
       if (!(byte & 0x80)) return value;
     }

@@ -1,4 +1,5 @@
-// Reads fixups: lists of opcodes, which move a position through the image, or chains that run through the pointers.
+// Reads fixups: lists of opcodes, which move a position through the image, or chains that run through the
+// pointers.
 #include "macho/fixups.h"
 
 #include <algorithm>
@@ -19,7 +20,8 @@ class Position {
 
   void moveTo(unsigned segment, std::uint64_t offset) {
     if (segment >= image_.segments.size())
-      throw BadImage("a fixup lies in segment " + std::to_string(segment) + " of " + std::to_string(image_.segments.size()));
+      throw BadImage("a fixup lies in segment " + std::to_string(segment) + " of " +
+                     std::to_string(image_.segments.size()));
     segment_ = &image_.segments[segment];
     address_ = segment_->address + offset;
   }
@@ -28,7 +30,8 @@ class Position {
   // The address of a pointer there, which is checked.
   std::uint64_t pointer() const {
     if (!segment_) throw BadImage("a fixup lies in no segment");
-    if (!segment_->holds(address_, pointerBytes)) throw BadImage("a fixup lies outside segment " + segment_->name);
+    if (!segment_->holds(address_, pointerBytes))
+      throw BadImage("a fixup lies outside segment " + segment_->name);
     return address_;
   }
 
@@ -40,7 +43,8 @@ class Position {
 
 // Lists repeat by count: a damaged one could ask for more fixups than there is room for in memory.
 void add(Image& image, const Fixup& fixup) {
-  if (image.fixups.size() > 2 * (image.bytes.size() / pointerBytes)) throw BadImage("has more fixups than pointers");
+  if (image.fixups.size() > 2 * (image.bytes.size() / pointerBytes))
+    throw BadImage("has more fixups than pointers");
   image.fixups.push_back(fixup);
 }
 
@@ -50,7 +54,8 @@ std::uint64_t targetAt(const Image& image, std::uint64_t address) {
 }
 
 void checkTarget(const Image& image, std::uint64_t target) {
-  if (target < image.lowest() || target > image.highest()) throw BadImage("a pointer in the image leads out of it");
+  if (target < image.lowest() || target > image.highest())
+    throw BadImage("a pointer in the image leads out of it");
 }
 
 std::size_t import(Image& image, const Import& wanted) {
@@ -67,7 +72,8 @@ std::size_t import(Image& image, const Import& wanted) {
 
 void checkLibrary(const Image& image, int library) {
   if (library > static_cast<int>(image.libraries.size()) || library < library::weakLookup)
-    throw BadImage("an import is from library " + std::to_string(library) + " of " + std::to_string(image.libraries.size()));
+    throw BadImage("an import is from library " + std::to_string(library) + " of " +
+                   std::to_string(image.libraries.size()));
 }
 
 int specialLibrary(std::uint8_t immediate) {  // four bits with a sign
@@ -95,7 +101,8 @@ void readRebases(Image& image, std::span<const std::byte> opcodes) {
       case rebase::done:
         return;
       case rebase::setType:
-        if (immediate != pointerFixup) throw BadImage("a rebase is of type " + std::to_string(immediate) + ", which is not understood");
+        if (immediate != pointerFixup)
+          throw BadImage("a rebase is of type " + std::to_string(immediate) + ", which is not understood");
         break;
       case rebase::setSegmentAndOffset:
         position.moveTo(immediate, cursor.uleb());
@@ -155,7 +162,8 @@ void readBinds(Image& image, std::span<const std::byte> opcodes, BindList list) 
       case bind::setLibraryUleb: {
         const std::uint64_t ordinal = cursor.uleb();
         if (ordinal > image.libraries.size())
-          throw BadImage("an import is from library " + std::to_string(ordinal) + " of " + std::to_string(image.libraries.size()));
+          throw BadImage("an import is from library " + std::to_string(ordinal) + " of " +
+                         std::to_string(image.libraries.size()));
         current.library = static_cast<int>(ordinal);
         break;
       }
@@ -167,7 +175,8 @@ void readBinds(Image& image, std::span<const std::byte> opcodes, BindList list) 
         current.weak = (immediate & bind::symbolIsWeakImport) != 0;
         break;
       case bind::setType:
-        if (immediate != pointerFixup) throw BadImage("a bind is of type " + std::to_string(immediate) + ", which is not understood");
+        if (immediate != pointerFixup)
+          throw BadImage("a bind is of type " + std::to_string(immediate) + ", which is not understood");
         break;
       case bind::setAddend:
         addend = cursor.sleb();
@@ -206,9 +215,11 @@ struct ChainedImports {
   std::vector<std::int64_t> addends;
 };
 
-ChainedImports readChainedImports(Image& image, std::span<const std::byte> data, const ChainedHeader& header) {
+ChainedImports readChainedImports(Image& image, std::span<const std::byte> data,
+                                  const ChainedHeader& header) {
   ChainedImports all;
-  if (header.symbolFormat != 0) throw BadImage("the chained fixups' names are compressed, which is not understood");
+  if (header.symbolFormat != 0)
+    throw BadImage("the chained fixups' names are compressed, which is not understood");
   Cursor records(data, "the chained fixups"), names(data, "the chained fixups");
   records.moveTo(header.importsOffset);
   for (std::uint32_t i = 0; i < header.importCount; ++i) {
@@ -228,7 +239,8 @@ ChainedImports readChainedImports(Image& image, std::span<const std::byte> data,
       each.weak = (word >> 8 & 1) != 0;
       nameOffset = word >> 9;
     } else {
-      throw BadImage("the chained fixups' imports have format " + std::to_string(header.importFormat) + ", which is not understood");
+      throw BadImage("the chained fixups' imports have format " + std::to_string(header.importFormat) +
+                     ", which is not understood");
     }
     names.moveTo(std::min<std::uint64_t>(header.symbolsOffset + nameOffset, data.size()));
     each.name = names.text();
@@ -241,17 +253,21 @@ ChainedImports readChainedImports(Image& image, std::span<const std::byte> data,
 }
 
 // One page's chain, from its first pointer on.
-void followChain(Image& image, const Segment& segment, std::uint64_t address, std::uint16_t format, const ChainedImports& imports) {
+void followChain(Image& image, const Segment& segment, std::uint64_t address, std::uint16_t format,
+                 const ChainedImports& imports) {
   for (;;) {
-    if (!segment.holds(address, pointerBytes)) throw BadImage("a chain of fixups leaves segment " + segment.name);
+    if (!segment.holds(address, pointerBytes))
+      throw BadImage("a chain of fixups leaves segment " + segment.name);
     const std::uint64_t word = targetAt(image, address);
     Fixup fixup = {.address = address};
     if (word >> 63) {  // ordinal: 24 bits, addend: 8, unused: 19, next: 12, bind: 1
       const std::uint64_t ordinal = word & 0xFFFFFF;
       if (ordinal >= imports.imports.size())
-        throw BadImage("a fixup takes import " + std::to_string(ordinal) + " of " + std::to_string(imports.imports.size()));
+        throw BadImage("a fixup takes import " + std::to_string(ordinal) + " of " +
+                       std::to_string(imports.imports.size()));
       fixup.import = imports.imports[ordinal];
-      fixup.addend = static_cast<std::int64_t>(static_cast<std::uint64_t>(imports.addends[ordinal]) + (word >> 24 & 0xFF));
+      fixup.addend = static_cast<std::int64_t>(static_cast<std::uint64_t>(imports.addends[ordinal]) +
+                                               (word >> 24 & 0xFF));
     } else {  // target: 36 bits, top byte: 8, unused: 7, next: 12, bind: 1
       fixup.target = (word & 0xFFFFFFFFF) + (format == chained::pointerToOffset ? image.lowest() : 0);
       checkTarget(image, fixup.target);
@@ -269,10 +285,12 @@ void followChain(Image& image, const Segment& segment, std::uint64_t address, st
 void readChains(Image& image, std::span<const std::byte> data) {
   Cursor cursor(data, "the chained fixups");
   const auto header = cursor.read<ChainedHeader>();
-  if (header.version != 0) throw BadImage("the chained fixups are of version " + std::to_string(header.version));
+  if (header.version != 0)
+    throw BadImage("the chained fixups are of version " + std::to_string(header.version));
   const ChainedImports imports = readChainedImports(image, data, header);
   const auto segmentCount = cursor.readAt<std::uint32_t>(header.startsOffset);
-  if (segmentCount > image.segments.size()) throw BadImage("the chained fixups are of " + std::to_string(segmentCount) + " segments");
+  if (segmentCount > image.segments.size())
+    throw BadImage("the chained fixups are of " + std::to_string(segmentCount) + " segments");
   for (std::uint32_t i = 0; i < segmentCount; ++i) {
     const std::uint64_t infoAt = header.startsOffset + sizeof(std::uint32_t) * (1 + std::uint64_t{i});
     const auto offset = cursor.readAt<std::uint32_t>(infoAt);
@@ -289,8 +307,10 @@ void readChains(Image& image, std::span<const std::byte> data) {
     for (std::uint16_t page = 0; page < starts.pageCount; ++page) {
       const auto first = cursor.read<std::uint16_t>();
       if (first == chained::pageWithoutFixups) continue;
-      if (first & chained::pageWithSeveralChains) throw BadImage("a page has several chains of fixups, which is not understood");
-      followChain(image, segment, segment.address + std::uint64_t{page} * starts.pageSize + first, starts.pointerFormat, imports);
+      if (first & chained::pageWithSeveralChains)
+        throw BadImage("a page has several chains of fixups, which is not understood");
+      followChain(image, segment, segment.address + std::uint64_t{page} * starts.pageSize + first,
+                  starts.pointerFormat, imports);
     }
   }
 }

@@ -1,4 +1,5 @@
-// The pointers that have to be filled in before an image can run, in either of the two forms that linkers write.
+// The pointers that have to be filled in before an image can run, in either of the two forms that linkers
+// write.
 #pragma once
 
 #include "macho/image.h"

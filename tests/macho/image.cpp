@@ -50,11 +50,13 @@ std::span<const std::byte> slice(std::span<const std::byte> file, Processor proc
     for (std::uint32_t i = 0; i < count; ++i) {
       const auto entry = cursor.read<FatEntry>();
       if (bigEndian(entry.processor) != wanted) continue;
-      return part(file, bigEndian(entry.offset), bigEndian(entry.size), std::string("the part for ") + nameOf(processor));
+      return part(file, bigEndian(entry.offset), bigEndian(entry.size),
+                  std::string("the part for ") + nameOf(processor));
     }
     throw BadImage(std::string("has no part for ") + nameOf(processor));
   }
-  if (magic != magic64) throw BadImage("is no Mach-O file for 64-bit processors (it begins with " + hex(magic) + ")");
+  if (magic != magic64)
+    throw BadImage("is no Mach-O file for 64-bit processors (it begins with " + hex(magic) + ")");
   return file;
 }
 
@@ -68,19 +70,27 @@ void readSegment(Image& image, Cursor& commands) {
   if (segment.memorySize > greatestImage || segment.address > greatestImage)
     throw BadImage(what + " lies beyond 4 GiB");
   constexpr std::uint64_t page = 0x1000;  // the smallest there is
-  if (segment.address % page) throw BadImage(what + " does not begin on a page (" + hex(segment.address) + ")");
+  if (segment.address % page)
+    throw BadImage(what + " does not begin on a page (" + hex(segment.address) + ")");
   for (const Segment& other : image.segments) {
-    if (segment.address < other.address + other.memorySize && other.address < segment.address + segment.memorySize)
+    if (segment.address < other.address + other.memorySize &&
+        other.address < segment.address + segment.memorySize)
       throw BadImage(what + " overlaps segment " + other.name);
   }
   for (std::uint32_t i = 0; i < record.sectionCount; ++i) {
     const auto entry = commands.read<SectionRecord>();
-    Section section = {fixedName(entry.segment), fixedName(entry.name), entry.address, entry.size,
-                       entry.flags & sectionType::mask, 1};
-    if (entry.alignment > 15) throw BadImage("section " + section.name + " is aligned to 2^" + std::to_string(entry.alignment));
+    Section section = {fixedName(entry.segment),
+                       fixedName(entry.name),
+                       entry.address,
+                       entry.size,
+                       entry.flags & sectionType::mask,
+                       1};
+    if (entry.alignment > 15)
+      throw BadImage("section " + section.name + " is aligned to 2^" + std::to_string(entry.alignment));
     section.alignment = 1u << entry.alignment;
     const std::uint64_t offset = section.address - segment.address;
-    if (section.address < segment.address || offset > segment.memorySize || section.size > segment.memorySize - offset)
+    if (section.address < segment.address || offset > segment.memorySize ||
+        section.size > segment.memorySize - offset)
       throw BadImage("section " + section.name + " lies outside " + what);
     image.sections.push_back(std::move(section));
   }
@@ -107,7 +117,8 @@ void readExports(Image& image, std::span<const std::byte> trie) {
   while (!open.empty()) {
     const Node node = std::move(open.back());
     open.pop_back();
-    if (!seen.insert(node.offset).second) throw BadImage("the list of exports goes in a circle at " + hex(node.offset));
+    if (!seen.insert(node.offset).second)
+      throw BadImage("the list of exports goes in a circle at " + hex(node.offset));
     if (node.offset >= trie.size()) throw BadImage("the list of exports ends too early");
     cursor.moveTo(node.offset);
     const std::uint64_t infoBytes = cursor.uleb();
@@ -155,7 +166,8 @@ const Section* Image::section(const std::string& segment, const std::string& nam
 
 std::span<const std::byte> Image::at(std::uint64_t address, std::uint64_t size) const {
   for (const Segment& each : segments) {
-    if (each.holds(address, size)) return std::span(bytes).subspan(each.fileOffset + (address - each.address), size);
+    if (each.holds(address, size))
+      return std::span(bytes).subspan(each.fileOffset + (address - each.address), size);
   }
   throw BadImage("the file has no bytes for address " + hex(address));
 }
@@ -167,7 +179,8 @@ Image readImage(std::span<const std::byte> file, Processor processor) {
   image.bytes.assign(own.begin(), own.end());
 
   const auto header = Cursor(own, "the header").read<Header>();
-  if (header.magic != magic64) throw BadImage("is no Mach-O file for 64-bit processors (it begins with " + hex(header.magic) + ")");
+  if (header.magic != magic64)
+    throw BadImage("is no Mach-O file for 64-bit processors (it begins with " + hex(header.magic) + ")");
   if (header.processor != (processor == Processor::x86_64 ? processorX86_64 : processorArm64))
     throw BadImage("is for another processor (" + hex(header.processor) + "), not for " + nameOf(processor));
   if (header.fileType != fileTypeDylib)
@@ -228,8 +241,10 @@ Image readImage(std::span<const std::byte> file, Processor processor) {
   for (const DyldInfoCommand& each : opcodes) {
     readRebases(image, part(own, each.rebaseOffset, each.rebaseSize, "the list of rebases"));
     readBinds(image, part(own, each.bindOffset, each.bindSize, "the list of binds"), BindList::ordinary);
-    readBinds(image, part(own, each.lazyBindOffset, each.lazyBindSize, "the list of lazy binds"), BindList::lazy);
-    readBinds(image, part(own, each.weakBindOffset, each.weakBindSize, "the list of weak binds"), BindList::weak);
+    readBinds(image, part(own, each.lazyBindOffset, each.lazyBindSize, "the list of lazy binds"),
+              BindList::lazy);
+    readBinds(image, part(own, each.weakBindOffset, each.weakBindSize, "the list of weak binds"),
+              BindList::weak);
     readExports(image, part(own, each.exportOffset, each.exportSize, "the list of exports"));
   }
   for (const LinkEditCommand& each : chains)

@@ -1,5 +1,5 @@
-// Reads a dynamic library in Mach-O format: what lies where, what has to be filled in, what it offers. Reads only: nothing is
-// mapped, and whatever the bytes are, the outcome is an image or one BadImage.
+// Reads a dynamic library in Mach-O format: what lies where, what has to be filled in, what it offers. Reads
+// only: nothing is mapped, and whatever the bytes are, the outcome is an image or one BadImage.
 #pragma once
 
 #include <cstddef>
@@ -40,7 +40,7 @@ struct Section {
 
 struct Import {
   std::string name;
-  int library = 0;  // the ordinal, from 1, or one of namespace library
+  int library = 0;    // the ordinal, from 1, or one of namespace library
   bool weak = false;  // may be missing
 };
 
@@ -51,7 +51,8 @@ struct Fixup {
   std::size_t import = none;
   std::uint64_t target = 0;  // of the image, where there is no import
   std::int64_t addend = 0;
-  bool replaces = false;  // only where the image itself defines the import: several images may define it, one counts
+  bool replaces =
+      false;  // only where the image itself defines the import: several images may define it, one counts
 };
 
 struct Image {

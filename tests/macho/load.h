@@ -1,5 +1,5 @@
-// Makes a dynamic library for macOS part of this Linux process: mapped, its imports bound to this system's functions, exceptions
-// and thread-locals working, its initialisers run.
+// Makes a dynamic library for macOS part of this Linux process: mapped, its imports bound to this system's
+// functions, exceptions and thread-locals working, its initialisers run.
 #pragma once
 
 #include <map>
@@ -19,26 +19,52 @@ constexpr Processor thisProcessor =
 // Addresses for imports, by name as in the file (with its underscore); they go before the system's.
 using Imports = std::map<std::string, void*>;
 
+// Room in the process for an image, with the file's bytes in it, readable and writable until protect() is
+// called.
+class Mapping {
+ public:
+  explicit Mapping(const Image& image);  // throws BadImage where there is no room
+  ~Mapping();
+  Mapping(const Mapping&) = delete;
+  Mapping& operator=(const Mapping&) = delete;
+
+  // What has to be added to an address in the file.
+  std::uint64_t slide() const { return slide_; }
+
+  // Fills all pointers in. Throws BadImage where an import is not known.
+  void fillIn(const Imports& imports);
+  // Lets each thread have its own thread-local variables; for an image that stays. Throws BadImage.
+  void setUpThreadLocals();
+  // As each segment wants it. Throws BadImage.
+  void protect();
+  // Where the initialisers are, in the order in which they are to run, once all pointers are filled in.
+  // Throws BadImage where one lies outside the image.
+  std::vector<std::uint64_t> initialisers() const;
+
+ private:
+  const Image& image_;
+  std::uint64_t slide_ = 0;
+};
+
 // A library that stays for the life of the process.
 class LoadedLibrary {
  public:
   // The address of an exported symbol, by its name in source code; null: there is none.
   void* find(const std::string& symbol) const;
-  // The address in the process of an address in the file.
-  void* at(std::uint64_t address) const { return reinterpret_cast<void*>(address + slide_); }
   const Image& image() const { return image_; }
 
  private:
   friend const LoadedLibrary& load(const std::string& file, const Imports& imports);
+  explicit LoadedLibrary(Image&& image) : image_(std::move(image)), mapping_(image_) {}
   Image image_;
-  std::uint64_t slide_ = 0;
+  Mapping mapping_;
 };
 
 // Whether the file begins as a Mach-O file does, for whatever processor.
 bool isMachO(const std::string& file);
 
-// Throws BadImage, whose text begins with the file's name: it cannot be read, is damaged, is for another processor, or needs
-// an import that is not known. Each call loads anew.
+// Throws BadImage, whose text begins with the file's name: it cannot be read, is damaged, is for another
+// processor, or needs an import that is not known. Each call loads anew.
 const LoadedLibrary& load(const std::string& file, const Imports& imports = {});
 
 }  // namespace macho

@@ -1,6 +1,7 @@
-// The records and constants of Mach-O files for 64-bit processors, as far as dynamic libraries use them. Source: Apple's
-// published headers mach-o/loader.h, mach-o/fat.h, mach-o/fixup-chains.h and mach-o/compact_unwind_encoding.h. Everything
-// but the header of a file for several processors is little-endian.
+// The records and constants of Mach-O files for 64-bit processors, as far as dynamic libraries use them.
+// Source: Apple's published headers mach-o/loader.h, mach-o/fat.h, mach-o/fixup-chains.h and
+// mach-o/compact_unwind_encoding.h. Everything but the header of a file for several processors is
+// little-endian.
 #pragma once
 
 #include <cstdint>
@@ -29,9 +30,10 @@ struct LoadCommand {
 
 namespace command {
 constexpr std::uint32_t mustBeUnderstood = 0x80000000;
-constexpr std::uint32_t symbolTable = 0x2, dynamicSymbolTable = 0xB, loadDylib = 0xC, idDylib = 0xD, segment64 = 0x19,
-                        uuid = 0x1B, runPath = 0x1C | mustBeUnderstood, codeSignature = 0x1D,
-                        loadWeakDylib = 0x18 | mustBeUnderstood, reexportDylib = 0x1F | mustBeUnderstood, dyldInfo = 0x22,
+constexpr std::uint32_t symbolTable = 0x2, dynamicSymbolTable = 0xB, loadDylib = 0xC, idDylib = 0xD,
+                        segment64 = 0x19, uuid = 0x1B, runPath = 0x1C | mustBeUnderstood,
+                        codeSignature = 0x1D, loadWeakDylib = 0x18 | mustBeUnderstood,
+                        reexportDylib = 0x1F | mustBeUnderstood, dyldInfo = 0x22,
                         dyldInfoOnly = 0x22 | mustBeUnderstood, oldestMacOs = 0x24, functionStarts = 0x26,
                         dataInCode = 0x29, sourceVersion = 0x2A, buildVersion = 0x32,
                         exportsTrie = 0x33 | mustBeUnderstood, chainedFixups = 0x34 | mustBeUnderstood;
@@ -63,8 +65,8 @@ struct DylibCommand {
 
 struct DyldInfoCommand {
   std::uint32_t kind, size;
-  std::uint32_t rebaseOffset, rebaseSize, bindOffset, bindSize, weakBindOffset, weakBindSize, lazyBindOffset, lazyBindSize,
-      exportOffset, exportSize;
+  std::uint32_t rebaseOffset, rebaseSize, bindOffset, bindSize, weakBindOffset, weakBindSize, lazyBindOffset,
+      lazyBindSize, exportOffset, exportSize;
 };
 
 struct LinkEditCommand {
@@ -73,13 +75,15 @@ struct LinkEditCommand {
 
 // The opcodes of LC_DYLD_INFO: the upper half of a byte, with an immediate value in the lower one.
 namespace rebase {
-constexpr std::uint8_t done = 0x00, setType = 0x10, setSegmentAndOffset = 0x20, addAddress = 0x30, addAddressScaled = 0x40,
-                       times = 0x50, timesUleb = 0x60, andAddAddress = 0x70, timesSkipping = 0x80;
+constexpr std::uint8_t done = 0x00, setType = 0x10, setSegmentAndOffset = 0x20, addAddress = 0x30,
+                       addAddressScaled = 0x40, times = 0x50, timesUleb = 0x60, andAddAddress = 0x70,
+                       timesSkipping = 0x80;
 }  // namespace rebase
 namespace bind {
-constexpr std::uint8_t done = 0x00, setLibrary = 0x10, setLibraryUleb = 0x20, setLibrarySpecial = 0x30, setSymbol = 0x40,
-                       setType = 0x50, setAddend = 0x60, setSegmentAndOffset = 0x70, addAddress = 0x80, once = 0x90,
-                       andAddAddress = 0xA0, andAddAddressScaled = 0xB0, timesSkipping = 0xC0;
+constexpr std::uint8_t done = 0x00, setLibrary = 0x10, setLibraryUleb = 0x20, setLibrarySpecial = 0x30,
+                       setSymbol = 0x40, setType = 0x50, setAddend = 0x60, setSegmentAndOffset = 0x70,
+                       addAddress = 0x80, once = 0x90, andAddAddress = 0xA0, andAddAddressScaled = 0xB0,
+                       timesSkipping = 0xC0;
 constexpr std::uint8_t symbolIsWeakImport = 0x1, symbolIsDefinition = 0x8;
 }  // namespace bind
 constexpr std::uint8_t pointerFixup = 1;
@@ -107,13 +111,14 @@ constexpr unsigned stride = 4;
 }  // namespace chained
 
 namespace exported {
-constexpr std::uint64_t kindMask = 0x3, threadLocal = 0x1, absolute = 0x2, isReexport = 0x8, hasResolver = 0x10;
+constexpr std::uint64_t kindMask = 0x3, threadLocal = 0x1, absolute = 0x2, isReexport = 0x8,
+                        hasResolver = 0x10;
 }
 
 // The table from which the system unwinds stacks.
 struct UnwindHeader {
-  std::uint32_t version, commonEncodingsOffset, commonEncodingCount, personalitiesOffset, personalityCount, indexOffset,
-      indexCount;
+  std::uint32_t version, commonEncodingsOffset, commonEncodingCount, personalitiesOffset, personalityCount,
+      indexOffset, indexCount;
 };
 struct UnwindIndexEntry {
   std::uint32_t functionOffset, pageOffset, lsdaOffset;
@@ -123,7 +128,8 @@ struct UnwindLsdaEntry {
 };
 struct UnwindPage {
   std::uint32_t kind;
-  std::uint16_t entryOffset, entryCount, encodingsOffset, encodingCount;  // the last two of a compressed page only
+  std::uint16_t entryOffset, entryCount, encodingsOffset,
+      encodingCount;  // the last two of a compressed page only
 };
 struct UnwindRegularEntry {
   std::uint32_t functionOffset, encoding;

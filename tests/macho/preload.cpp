@@ -9,12 +9,25 @@
 
 namespace {
 
-template <class Function>
-Function* real(const char* name) {
-  return reinterpret_cast<Function*>(dlsym(RTLD_NEXT, name));
+// The system's own functions. All are looked up at the first use of any, because a look-up forgets the last
+// error.
+struct System {
+  // By version, because the name alone would lead to the function here.
+  void* (*dlsym)(void*,
+                 const char*) = reinterpret_cast<void* (*)(void*, const char*)>(dlvsym(RTLD_NEXT, "dlsym",
+                                                                                       "GLIBC_2.34"));
+  void* (*dlopen)(const char*,
+                  int) = reinterpret_cast<void* (*)(const char*, int)>(dlsym(RTLD_NEXT, "dlopen"));
+  char* (*dlerror)() = reinterpret_cast<char* (*)()>(dlsym(RTLD_NEXT, "dlerror"));
+  int (*dlclose)(void*) = reinterpret_cast<int (*)(void*)>(dlsym(RTLD_NEXT, "dlclose"));
+};
+const System& theSystem() {
+  static const System functions;
+  return functions;
 }
 
-// The libraries opened here; a handle is the library's address. Never destroyed: programs open libraries until they end.
+// The libraries opened here; a handle is the library's address. Never destroyed: programs open libraries
+// until they end.
 struct Opened {
   std::mutex mutex;
   std::set<void*> handles;
@@ -42,7 +55,7 @@ void* fail(std::string why) {
 extern "C" {
 
 [[gnu::visibility("default")]] void* dlopen(const char* file, int mode) noexcept {
-  if (!file || !macho::isMachO(file)) return real<void*(const char*, int)>("dlopen")(file, mode);
+  if (!file || !macho::isMachO(file)) return theSystem().dlopen(file, mode);
   try {
     const macho::LoadedLibrary& library = macho::load(file);
     void* const handle = const_cast<macho::LoadedLibrary*>(&library);
@@ -55,23 +68,19 @@ extern "C" {
 }
 
 [[gnu::visibility("default")]] void* dlsym(void* __restrict handle, const char* __restrict symbol) noexcept {
-  // Found by version, because the name alone would lead here.
-  static const auto next = reinterpret_cast<void* (*)(void*, const char*)>(dlvsym(RTLD_NEXT, "dlsym", "GLIBC_2.34"));
-  if (!isOurs(handle)) return next(handle, symbol);
+  if (!isOurs(handle)) return theSystem().dlsym(handle, symbol);
   void* const found = static_cast<const macho::LoadedLibrary*>(handle)->find(symbol);
   return found ? found : fail(std::string("there is no symbol ") + symbol);
 }
 
 [[gnu::visibility("default")]] char* dlerror() noexcept {
-  static const auto next = real<char*()>("dlerror");
-  if (!failed) return next();
+  if (!failed) return theSystem().dlerror();
   failed = false;
   return message.data();
 }
 
 [[gnu::visibility("default")]] int dlclose(void* handle) noexcept {
-  static const auto next = real<int(void*)>("dlclose");
-  return isOurs(handle) ? 0 : next(handle);
+  return isOurs(handle) ? 0 : theSystem().dlclose(handle);
 }
 
 }  // extern "C"

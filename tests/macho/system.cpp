@@ -1,5 +1,5 @@
-// The table of imports and the shims for what the Mac does otherwise: threads' objects, clocks, character classes, ten-byte
-// numbers, thread-locals.
+// The table of imports and the shims for what the Mac does otherwise: threads' objects, clocks, character
+// classes, ten-byte numbers, thread-locals.
 #include "macho/system.h"
 
 #include <dlfcn.h>
@@ -33,8 +33,8 @@ namespace macho {
 
 namespace {
 
-// The Mac's mutexes and condition variables begin with a signature, which constant initialisation sets; the rest is zeros and has
-// room for the address of one of this system's, made at first use.
+// The Mac's mutexes and condition variables begin with a signature, which constant initialisation sets; the
+// rest is zeros and has room for the address of one of this system's, made at first use.
 template <class Native>
 struct Lazy {
   std::uint64_t signature;
@@ -96,8 +96,9 @@ void lazyBinder() {
   std::abort();
 }
 
-// The ten bytes of an 80-bit number as interchange files have them: sign and exponent first, big-endian. Written from the long
-// double of C, not from the library's own conversion, which is one of the things tested.
+// The ten bytes of an 80-bit number as interchange files have them: sign and exponent first, big-endian.
+// Written from the long double of C, not from the library's own conversion, which is one of the things
+// tested.
 void doubleToExtended(const double* from, std::uint8_t* to) {
   const double x = *from;
   const bool negative = std::signbit(x);
@@ -128,14 +129,16 @@ double extendedToDouble(const std::uint8_t* from) {
     const std::uint64_t fraction = significand << 1 >> 12;
     x = significand << 1 == 0 ? HUGE_VAL : std::bit_cast<double>(std::uint64_t{0x7FF8} << 48 | fraction);
   } else {
-    // Exact: a long double has 64 bits of significand or more, on both processors; the one rounding is the last step.
-    x = static_cast<double>(std::ldexp(static_cast<long double>(significand), (exponent ? exponent : 1) - 16383 - 63));
+    // Exact: a long double has 64 bits of significand or more, on both processors; the one rounding is the
+    // last step.
+    x = static_cast<double>(
+        std::ldexp(static_cast<long double>(significand), (exponent ? exponent : 1) - 16383 - 63));
   }
   return std::copysign(x, from[0] & 0x80 ? -1.0 : 1.0);
 }
 
-// The table behind the character classes, which code for the Mac reads directly. Its layout and masks are those of the published
-// header runetype.h.
+// The table behind the character classes, which code for the Mac reads directly. Its layout and masks are
+// those of the published header runetype.h.
 struct RuneLocale {
   char magic[8], encoding[32];
   const void* functions[2];
@@ -148,9 +151,10 @@ struct RuneLocale {
     const struct {
       int (*test)(int);
       std::uint32_t mask;
-    } tests[] = {{std::isalpha, 0x100},  {std::iscntrl, 0x200},  {std::isdigit, 0x400},  {std::isgraph, 0x800},
-                 {std::islower, 0x1000}, {std::ispunct, 0x2000}, {std::isspace, 0x4000}, {std::isupper, 0x8000},
-                 {std::isxdigit, 0x10000}, {std::isblank, 0x20000}, {std::isprint, 0x40000}};
+    } tests[] = {{std::isalpha, 0x100},   {std::iscntrl, 0x200},  {std::isdigit, 0x400},
+                 {std::isgraph, 0x800},   {std::islower, 0x1000}, {std::ispunct, 0x2000},
+                 {std::isspace, 0x4000},  {std::isupper, 0x8000}, {std::isxdigit, 0x10000},
+                 {std::isblank, 0x20000}, {std::isprint, 0x40000}};
     for (int c = 0; c < 256; ++c) {
       classes[c] = 0;
       for (const auto& each : tests) {
@@ -166,6 +170,10 @@ static_assert(offsetof(RuneLocale, classes) == 60);
 RuneLocale& runeLocale() {
   static RuneLocale locale;
   return locale;
+}
+
+int characterClass(std::int32_t rune, unsigned long mask) {
+  return rune >= 0 && rune < 256 ? static_cast<int>(runeLocale().classes[rune] & mask) : 0;
 }
 
 std::FILE* standardError = stderr;
@@ -226,6 +234,7 @@ const std::unordered_map<std::string, void*>& table() {
       {"_strlen", address(strlen)},
       {"_vsnprintf", address(machoVsnprintf)},
       {"__DefaultRuneLocale", &runeLocale()},
+      {"___maskrune", address(characterClass)},
       // Files and the log.
       {"_NSLog", address(machoNSLog)},
       {"___CFConstantStringClassReference", &constantStringType},

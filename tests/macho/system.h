@@ -1,4 +1,5 @@
-// What libraries for macOS ask of their system, out of what Linux has: most functions are the same, some need a shim.
+// What libraries for macOS ask of their system, out of what Linux has: most functions are the same, some need
+// a shim.
 #pragma once
 
 #include <pthread.h>
@@ -19,8 +20,8 @@ struct ThreadLocals {
   std::size_t initialBytes = 0, bytes = 0, alignment = 1;
 };
 
-// The record through which compiled code reaches one thread-local variable: it calls `function` with the record's address. The
-// linker leaves the key to the loader.
+// The record through which compiled code reaches one thread-local variable: it calls `function` with the
+// record's address. The linker leaves the key to the loader.
 struct ThreadLocalVariable {
   void* function;
   const ThreadLocals* variables;

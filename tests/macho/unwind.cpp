@@ -1,9 +1,12 @@
-// Translates compact unwind encodings into DWARF frame descriptions. What the encodings mean: Apple's published
-// mach-o/compact_unwind_encoding.h; the form of the result: the Linux Standard Base, section ".eh_frame".
+// Translates compact unwind encodings into DWARF frame descriptions. What the encodings mean: Apple's
+// published mach-o/compact_unwind_encoding.h; the form of the result: the Linux Standard Base, section
+// ".eh_frame".
 #include "macho/unwind.h"
 
 #include <array>
 #include <bit>
+#include <cstdio>
+#include <optional>
 
 #include "macho/cursor.h"
 #include "macho/mach_o.h"
@@ -20,6 +23,13 @@ namespace arm {
 constexpr unsigned x19 = 19, x29 = 29, x30 = 30, sp = 31, d8 = 72;
 }
 
+// How a pointer is written: as it is, or as its distance from where it stands, of four or eight bytes; or as
+// the place where it is found.
+namespace pointer {
+constexpr std::uint8_t absolute = 0x00, omitted = 0xFF, formatMask = 0x0F, signed4 = 0x0B, relative = 0x10,
+                       indirect = 0x80;
+}
+
 [[noreturn]] void notUnderstood(std::uint32_t encoding, const char* why) {
   char text[100];
   std::snprintf(text, sizeof text, "unwind encoding 0x%08x is not understood: %s", encoding, why);
@@ -30,12 +40,20 @@ class Bytes {
  public:
   template <class Value>
   void add(Value value) {
-    for (const std::byte each : std::bit_cast<std::array<std::byte, sizeof value>>(value)) all.push_back(each);
+    for (const std::byte each : std::bit_cast<std::array<std::byte, sizeof value>>(value))
+      all.push_back(each);
   }
   void byte(unsigned value) { add(static_cast<std::uint8_t>(value)); }
+  void append(std::span<const std::byte> bytes) {
+    for (const std::byte each : bytes) all.push_back(each);
+  }
   void uleb(std::uint64_t value) {
     for (; value > 0x7F; value >>= 7) byte(static_cast<unsigned>(value & 0x7F) | 0x80);
     byte(static_cast<unsigned>(value));
+  }
+  void sleb(std::int64_t value) {
+    for (; value < -64 || value > 63; value >>= 7) byte(static_cast<unsigned>(value & 0x7F) | 0x80);
+    byte(static_cast<unsigned>(value) & 0x7F);
   }
   std::vector<std::byte> all;
 };
@@ -83,8 +101,8 @@ Rules x86FramePointer(std::uint32_t encoding) {
   return rules;
 }
 
-// Which registers are saved, and in which order, is the number of their permutation, digit by digit: each digit is a register's
-// place among those that are not named yet.
+// Which registers are saved, and in which order, is the number of their permutation, digit by digit: each
+// digit is a register's place among those that are not named yet.
 Rules x86Frameless(std::uint32_t encoding, std::uint64_t stackBytes) {
   const unsigned count = encoding >> 10 & 7;
   std::uint32_t permutation = encoding & 0x3FF;
@@ -129,42 +147,34 @@ Rules armFrame(std::uint32_t encoding) {
   return rules;
 }
 
+// What the functions of a kind have in common.
+struct Common {
+  std::uint64_t personality = 0;  // its address in the process; 0: none
+  std::uint64_t codeUnit = 1;
+  std::int64_t dataUnit = -8;
+  std::uint64_t returnAddress = 0;      // its column
+  std::vector<std::byte> instructions;  // before each function's own
+
+  bool operator==(const Common&) const = default;
+};
+
 // Adds the descriptions one after the other.
 class Descriptions {
  public:
-  Descriptions(const Image& image, std::uint64_t slide) : image_(image), slide_(slide) {}
+  explicit Descriptions(std::uint64_t slide) : slide_(slide) {}
 
-  void add(std::uint64_t start, std::uint64_t end, std::uint32_t encoding, std::uint64_t personality, std::uint64_t lsda) {
-    const std::uint32_t mode = encoding & encoding::modeMask;
-    if (mode == 0) return;  // never unwound through
-    if (image_.processor == Processor::x86_64) {
-      switch (mode) {
-        case encoding::x86_64::dwarf:
-          return;
-        case encoding::x86_64::framePointer:
-          return describe(start, end, x86FramePointer(encoding), personality, lsda);
-        case encoding::x86_64::framelessSmall:
-          return describe(start, end, x86Frameless(encoding, std::uint64_t{encoding >> 16 & 0xFF} * 8), personality, lsda);
-        case encoding::x86_64::framelessLarge: {
-          // The size stands in the instruction that makes room, so many bytes behind the function's start.
-          const auto subtracted = Cursor(image_.at(start + (encoding >> 16 & 0xFF), 4), "code").read<std::uint32_t>();
-          const std::uint64_t pushed = std::uint64_t{encoding >> 13 & 7} * 8;
-          return describe(start, end, x86Frameless(encoding, subtracted + pushed), personality, lsda);
-        }
-        default:
-          notUnderstood(encoding, "its mode is unknown");
-      }
-    }
-    switch (mode) {
-      case encoding::arm64::dwarf:
-        return;
-      case encoding::arm64::frameless:
-        return describe(start, end, armFrameless(encoding), personality, lsda);
-      case encoding::arm64::frame:
-        return describe(start, end, armFrame(encoding), personality, lsda);
-      default:
-        notUnderstood(encoding, "its mode is unknown");
-    }
+  // The addresses are the image's.
+  void describe(std::uint64_t start, std::uint64_t end, const Common& common, std::uint64_t lsda,
+                std::span<const std::byte> instructions) {
+    const std::size_t shared = positionOf(common);
+    Bytes content;
+    content.add(static_cast<std::uint32_t>(out_.all.size() + 4 - shared));  // back from this field
+    content.add(start + slide_);
+    content.add(end - start);
+    content.uleb(common.personality ? 8 : 0);
+    if (common.personality) content.add(lsda ? lsda + slide_ : 0);
+    content.append(instructions);
+    record(content);
   }
 
   std::vector<std::byte> finish() {
@@ -177,74 +187,109 @@ class Descriptions {
   void record(const Bytes& content) {
     const std::size_t padded = (content.all.size() + 4 + 7) / 8 * 8 - 4;
     out_.add(static_cast<std::uint32_t>(padded));
-    out_.all.insert(out_.all.end(), content.all.begin(), content.all.end());
+    out_.append(content.all);
     out_.all.resize(out_.all.size() + padded - content.all.size());
   }
 
-  // What the functions of one personality routine have in common; its position in the result.
-  std::size_t common(std::uint64_t personality) {
+  // The position of the record for it, made when it is first asked for.
+  std::size_t positionOf(const Common& common) {
     for (const auto& [known, position] : commons_) {
-      if (known == personality) return position;
+      if (known == common) return position;
     }
     const std::size_t position = out_.all.size();
-    commons_.emplace_back(personality, position);
+    commons_.emplace_back(common, position);
     Bytes content;
     content.add(std::uint32_t{0});  // marks it as common
     content.byte(1);                // version
-    for (const char* each = personality ? "zPLR" : "zR"; *each; ++each) content.byte(static_cast<unsigned char>(*each));
+    for (const char* each = common.personality ? "zPLR" : "zR"; *each; ++each)
+      content.byte(static_cast<unsigned char>(*each));
     content.byte(0);
-    content.uleb(1);     // a unit of code
-    content.byte(0x78);  // a unit of data: −8
-    content.uleb(image_.processor == Processor::x86_64 ? x86::returnAddress : arm::x30);
-    constexpr unsigned absolute = 0;
-    content.uleb(personality ? 11 : 1);
-    if (personality) {
-      content.byte(absolute);
-      content.add(personality);
-      content.byte(absolute);
+    content.uleb(common.codeUnit);
+    content.sleb(common.dataUnit);
+    content.uleb(common.returnAddress);
+    content.uleb(common.personality ? 11 : 1);
+    if (common.personality) {
+      content.byte(pointer::absolute);
+      content.add(common.personality);
+      content.byte(pointer::absolute);
     }
-    content.byte(absolute);
+    content.byte(pointer::absolute);
+    content.append(common.instructions);
     record(content);
     return position;
   }
 
-  void describe(std::uint64_t start, std::uint64_t end, const Rules& rules, std::uint64_t personality, std::uint64_t lsda) {
-    const std::size_t shared = common(personality);
-    Bytes content;
-    content.add(static_cast<std::uint32_t>(out_.all.size() + 4 - shared));  // back from this field
-    content.add(start + slide_);
-    content.add(end - start);
-    content.uleb(personality ? 8 : 0);
-    if (personality) content.add(lsda ? lsda + slide_ : 0);
-    content.all.insert(content.all.end(), rules.code.all.begin(), rules.code.all.end());
-    record(content);
-  }
-
-  const Image& image_;
   std::uint64_t slide_;
   Bytes out_;
-  std::vector<std::pair<std::uint64_t, std::size_t>> commons_;
+  std::vector<std::pair<Common, std::size_t>> commons_;
 };
+
+// The rules that an encoding stands for; nothing where it leaves them to __eh_frame, or where nobody unwinds
+// through.
+std::optional<Rules> rulesOf(const Image& image, std::uint64_t start, std::uint32_t encoding) {
+  const std::uint32_t mode = encoding & encoding::modeMask;
+  if (mode == 0) return std::nullopt;
+  if (image.processor == Processor::x86_64) {
+    switch (mode) {
+      case encoding::x86_64::dwarf:
+        return std::nullopt;
+      case encoding::x86_64::framePointer:
+        return x86FramePointer(encoding);
+      case encoding::x86_64::framelessSmall:
+        return x86Frameless(encoding, std::uint64_t{encoding >> 16 & 0xFF} * 8);
+      case encoding::x86_64::framelessLarge: {
+        // The size stands in the instruction that makes room, so many bytes behind the function's start.
+        const auto subtracted =
+            Cursor(image.at(start + (encoding >> 16 & 0xFF), 4), "code").read<std::uint32_t>();
+        return x86Frameless(encoding, subtracted + std::uint64_t{encoding >> 13 & 7} * 8);
+      }
+      default:
+        notUnderstood(encoding, "its mode is unknown");
+    }
+  }
+  switch (mode) {
+    case encoding::arm64::dwarf:
+      return std::nullopt;
+    case encoding::arm64::frameless:
+      return armFrameless(encoding);
+    case encoding::arm64::frame:
+      return armFrame(encoding);
+    default:
+      notUnderstood(encoding, "its mode is unknown");
+  }
+}
+
+// The pointer that the image, at its place in the process, has at the address.
+std::uint64_t pointerAt(const Image& image, std::uint64_t slide, std::uint64_t address) {
+  image.at(address, sizeof(std::uint64_t));  // it lies in the image
+  std::uint64_t value;
+  std::memcpy(&value, reinterpret_cast<const void*>(address + slide), sizeof value);
+  return value;
+}
 
 // Walks the table of two levels.
 class Table {
  public:
-  Table(const Image& image, const Section& section, std::uint64_t slide)
-      : image_(image), slide_(slide), cursor_(image.at(section.address, section.size), "the unwind table"), found_(image, slide) {}
+  Table(const Image& image, const Section& section, std::uint64_t slide, Descriptions& found)
+      : image_(image),
+        slide_(slide),
+        cursor_(image.at(section.address, section.size), "the unwind table"),
+        found_(found) {}
 
-  std::vector<std::byte> translate() {
+  void translate() {
     header_ = cursor_.readAt<UnwindHeader>(0);
-    if (header_.version != 1) throw BadImage("the unwind table is of version " + std::to_string(header_.version));
+    if (header_.version != 1)
+      throw BadImage("the unwind table is of version " + std::to_string(header_.version));
     for (std::uint32_t i = 0; i + 1 < header_.indexCount; ++i) {  // the last entry only ends the one before
       const auto entry = index(i), next = index(i + 1);
       if (entry.pageOffset != 0) page(entry, next);
     }
-    return found_.finish();
   }
 
  private:
   UnwindIndexEntry index(std::uint32_t i) {
-    return cursor_.readAt<UnwindIndexEntry>(header_.indexOffset + std::uint64_t{i} * sizeof(UnwindIndexEntry));
+    return cursor_.readAt<UnwindIndexEntry>(header_.indexOffset +
+                                            std::uint64_t{i} * sizeof(UnwindIndexEntry));
   }
 
   void page(const UnwindIndexEntry& entry, const UnwindIndexEntry& next) {
@@ -256,26 +301,36 @@ class Table {
     const auto at = [&](std::uint32_t i) -> UnwindRegularEntry {
       if (i == entryCount) return {next.functionOffset, 0};
       const std::uint64_t entries = std::uint64_t{entry.pageOffset} + entryOffset;
-      if (kind == unwindPage::regular) return cursor_.readAt<UnwindRegularEntry>(entries + i * sizeof(UnwindRegularEntry));
+      if (kind == unwindPage::regular)
+        return cursor_.readAt<UnwindRegularEntry>(entries + i * sizeof(UnwindRegularEntry));
       const auto word = cursor_.readAt<std::uint32_t>(entries + i * sizeof(std::uint32_t));
       const std::uint32_t number = word >> 24;
       std::uint64_t where = header_.commonEncodingsOffset + std::uint64_t{number} * sizeof(std::uint32_t);
       if (number >= header_.commonEncodingCount) {
-        if (number - header_.commonEncodingCount >= encodingCount) throw BadImage("the unwind table has no encoding " + std::to_string(number));
+        if (number - header_.commonEncodingCount >= encodingCount)
+          throw BadImage("the unwind table has no encoding " + std::to_string(number));
         where = std::uint64_t{entry.pageOffset} + encodingsOffset +
                 std::uint64_t{number - header_.commonEncodingCount} * sizeof(std::uint32_t);
       }
       return {entry.functionOffset + (word & 0xFFFFFF), cursor_.readAt<std::uint32_t>(where)};
     };
     if (kind != unwindPage::regular && kind != unwindPage::compressed)
-      throw BadImage("the unwind table has a page of kind " + std::to_string(kind) + ", which is not understood");
+      throw BadImage("the unwind table has a page of kind " + std::to_string(kind) +
+                     ", which is not understood");
     for (std::uint32_t i = 0; i < entryCount; ++i) {
       const UnwindRegularEntry function = at(i);
-      const std::uint64_t start = image_.lowest() + function.functionOffset, end = image_.lowest() + at(i + 1).functionOffset;
+      const std::uint64_t start = image_.lowest() + function.functionOffset,
+                          end = image_.lowest() + at(i + 1).functionOffset;
       if (end < start) throw BadImage("the unwind table is not in order");
       const bool hasLsda = (function.encoding & encoding::hasLsda) != 0;
-      found_.add(start, end, function.encoding, personality(function.encoding),
-                 hasLsda ? lsda(function.functionOffset, entry, next) : 0);
+      if (const auto rules = rulesOf(image_, start, function.encoding)) {
+        const unsigned returnAddress = image_.processor == Processor::x86_64 ? x86::returnAddress : arm::x30;
+        found_.describe(start, end,
+                        {.personality = personality(function.encoding),
+                         .returnAddress = returnAddress,
+                         .instructions = {}},
+                        hasLsda ? lsda(function.functionOffset, entry, next) : 0, rules->code.all);
+      }
     }
   }
 
@@ -283,35 +338,143 @@ class Table {
     const std::uint32_t number = (encoding & encoding::personalityMask) >> encoding::personalityShift;
     if (number == 0) return 0;
     if (number > header_.personalityCount) notUnderstood(encoding, "there is no such personality routine");
-    const auto offset = cursor_.readAt<std::uint32_t>(header_.personalitiesOffset + std::uint64_t{number - 1} * sizeof(std::uint32_t));
-    const std::uint64_t slot = image_.lowest() + offset;
-    image_.at(slot, sizeof(std::uint64_t));  // it lies in the image
-    std::uint64_t routine;
-    std::memcpy(&routine, reinterpret_cast<const void*>(slot + slide_), sizeof routine);
-    return routine;
+    const auto offset = cursor_.readAt<std::uint32_t>(header_.personalitiesOffset +
+                                                      std::uint64_t{number - 1} * sizeof(std::uint32_t));
+    return pointerAt(image_, slide_, image_.lowest() + offset);
   }
 
-  std::uint64_t lsda(std::uint32_t functionOffset, const UnwindIndexEntry& entry, const UnwindIndexEntry& next) {
+  std::uint64_t lsda(std::uint32_t functionOffset, const UnwindIndexEntry& entry,
+                     const UnwindIndexEntry& next) {
     for (std::uint64_t at = entry.lsdaOffset; at < next.lsdaOffset; at += sizeof(UnwindLsdaEntry)) {
       const auto each = cursor_.readAt<UnwindLsdaEntry>(at);
       if (each.functionOffset == functionOffset) return image_.lowest() + each.lsdaOffset;
     }
-    throw BadImage("the unwind table names no exception table for the function at offset " + std::to_string(functionOffset));
+    throw BadImage("the unwind table names no exception table for the function at offset " +
+                   std::to_string(functionOffset));
   }
 
   const Image& image_;
   std::uint64_t slide_;
   Cursor cursor_;
   UnwindHeader header_ = {};
-  Descriptions found_;
+  Descriptions& found_;
+};
+
+// The image's own descriptions, with their pointers as they are in the process.
+class OwnDescriptions {
+ public:
+  OwnDescriptions(const Image& image, const Section& section, std::uint64_t slide, Descriptions& found)
+      : image_(image),
+        base_(section.address),
+        bytes_(image.at(section.address, section.size)),
+        slide_(slide),
+        found_(found) {}
+
+  void copy() {
+    for (std::size_t at = 0; at < bytes_.size();) {
+      Cursor cursor(bytes_, what);
+      const auto length = cursor.readAt<std::uint32_t>(at);
+      if (length == 0) return;
+      const std::size_t field = cursor.position(), end = field + length;
+      if (length >= 0xFFFFFFF0 || end > bytes_.size()) throw BadImage(std::string(what) + " ends too early");
+      Cursor record(bytes_.first(end), what);
+      if (const auto back = record.readAt<std::uint32_t>(field); back != 0) {
+        if (back > field) throw BadImage(std::string(what) + " refers to what lies before it");
+        describe(record, end, field - back);
+      }
+      at = end;
+    }
+  }
+
+ private:
+  static constexpr const char* what = "__eh_frame";
+  struct Kind {
+    Common common;
+    bool augmented = false;
+    std::uint8_t functionPointers = pointer::absolute, lsdaPointers = pointer::omitted;
+  };
+
+  std::uint64_t read(Cursor& cursor, std::uint8_t form) {
+    const std::uint64_t here = base_ + cursor.position();
+    std::uint64_t value = (form & pointer::formatMask) == pointer::signed4
+                              ? static_cast<std::uint64_t>(std::int64_t{cursor.read<std::int32_t>()})
+                              : cursor.read<std::uint64_t>();
+    if (form & ~(pointer::signed4 | pointer::relative | pointer::indirect) ||
+        ((form & pointer::formatMask) != pointer::signed4 && (form & pointer::formatMask) != 0))
+      throw BadImage(std::string(what) + " has a pointer of form " + std::to_string(form) +
+                     ", which is not understood");
+    if (value == 0) return 0;
+    return form & pointer::relative ? value + here : value;
+  }
+
+  Kind kindAt(std::size_t position) {
+    Cursor cursor(bytes_, what);
+    const auto length = cursor.readAt<std::uint32_t>(position);
+    const std::size_t end = cursor.position() + length;
+    if (end > bytes_.size()) throw BadImage(std::string(what) + " ends too early");
+    if (cursor.read<std::uint32_t>() != 0 || cursor.read<std::uint8_t>() != 1)
+      throw BadImage(std::string(what) + " has a record of a kind that is not understood");
+    const std::string augmentation = cursor.text();
+    Kind kind;
+    kind.common.codeUnit = cursor.uleb();
+    kind.common.dataUnit = cursor.sleb();
+    kind.common.returnAddress = cursor.read<std::uint8_t>();
+    for (const char each : augmentation) {
+      if (each == 'z') {
+        cursor.uleb();
+        kind.augmented = true;
+      } else if (each == 'P') {
+        const auto form = cursor.read<std::uint8_t>();
+        const std::uint64_t place = read(cursor, form);
+        kind.common.personality =
+            form & pointer::indirect ? pointerAt(image_, slide_, place) : place + slide_;
+      } else if (each == 'L') {
+        kind.lsdaPointers = cursor.read<std::uint8_t>();
+      } else if (each == 'R') {
+        kind.functionPointers = cursor.read<std::uint8_t>();
+      } else {
+        throw BadImage(std::string(what) + " has the augmentation " + augmentation +
+                       ", which is not understood");
+      }
+    }
+    if (cursor.position() > end) throw BadImage(std::string(what) + " ends too early");
+    const auto rest = bytes_.subspan(cursor.position(), end - cursor.position());
+    kind.common.instructions.assign(rest.begin(), rest.end());
+    return kind;
+  }
+
+  void describe(Cursor& record, std::size_t end, std::size_t kindPosition) {
+    const Kind kind = kindAt(kindPosition);
+    const std::uint64_t start = read(record, kind.functionPointers);
+    const std::uint64_t size = read(record, kind.functionPointers & pointer::formatMask);
+    std::uint64_t lsda = 0;
+    if (kind.augmented) {
+      const std::uint64_t bytes = record.uleb();
+      const std::size_t from = record.position();
+      if (bytes > end - from) throw BadImage(std::string(what) + " ends too early");
+      if (kind.lsdaPointers != pointer::omitted && bytes > 0) lsda = read(record, kind.lsdaPointers);
+      record.moveTo(from + bytes);
+    }
+    found_.describe(start, start + size, kind.common, lsda,
+                    bytes_.subspan(record.position(), end - record.position()));
+  }
+
+  const Image& image_;
+  std::uint64_t base_;
+  std::span<const std::byte> bytes_;
+  std::uint64_t slide_;
+  Descriptions& found_;
 };
 
 }  // namespace
 
 std::vector<std::byte> frameDescriptions(const Image& image, std::uint64_t slide) {
-  const Section* section = image.section("__TEXT", "__unwind_info");
-  if (!section) return Descriptions(image, slide).finish();
-  return Table(image, *section, slide).translate();
+  Descriptions found(slide);
+  if (const Section* table = image.section("__TEXT", "__unwind_info"))
+    Table(image, *table, slide, found).translate();
+  if (const Section* own = image.section("__TEXT", "__eh_frame"))
+    OwnDescriptions(image, *own, slide, found).copy();
+  return found.finish();
 }
 
 }  // namespace macho

@@ -1,5 +1,5 @@
-// Functions with a variable number of arguments. On 64-bit Arm the Mac passes those on the stack, all of them, and a va_list is
-// their address; on x86-64 both systems do the same.
+// Functions with a variable number of arguments. On 64-bit Arm the Mac passes those on the stack, all of
+// them, and a va_list is their address; on x86-64 both systems do the same.
 #pragma once
 
 #include <cstdarg>
@@ -15,8 +15,8 @@ using MacArguments = const void*;
 class NativeArguments {
  public:
   explicit NativeArguments(MacArguments stack) {
-    // The record of the procedure call standard for the Arm 64-bit architecture, section "Variable argument lists": no
-    // register holds an argument.
+    // The record of the procedure call standard for the Arm 64-bit architecture, section "Variable argument
+    // lists": no register holds an argument.
     const struct {
       const void *stack, *generalTop, *vectorTop;
       int generalOffset, vectorOffset;
