@@ -1,4 +1,7 @@
 // qtxhost: runs host programs against a plug-in library.
+#if defined(__APPLE__)
+#include <mach-o/dyld.h>
+#endif
 #include <unistd.h>
 
 #include <CLI/CLI.hpp>
@@ -24,18 +27,29 @@ using namespace host;
 constexpr int programFailed = 1;
 constexpr int couldNotRun = 2;
 
+// This program's own file; empty if the system does not say.
+std::filesystem::path ownFile() {
+  std::error_code ignored;
+#if defined(__APPLE__)
+  std::uint32_t size = 0;
+  _NSGetExecutablePath(nullptr, &size);  // says how much room it needs
+  std::string name(size, '\0');
+  if (_NSGetExecutablePath(name.data(), &size) != 0) return {};
+  return std::filesystem::canonical(name.c_str(), ignored);
+#else
+  return std::filesystem::read_symlink("/proc/self/exe", ignored);
+#endif
+}
+
 // The library beside this program, or where an installation puts it.
 std::filesystem::path findLibrary() {
   if (const char* given = std::getenv("QTX_LIBRARY")) return given;
 #if defined(__APPLE__)
   const char* name = "libqtx.dylib";
-  const std::filesystem::path self;
 #else
   const char* name = "libqtx.so";
-  std::error_code ignored;
-  const std::filesystem::path self = std::filesystem::read_symlink("/proc/self/exe", ignored);
 #endif
-  const std::filesystem::path here = self.parent_path();
+  const std::filesystem::path here = ownFile().parent_path();
   for (const std::filesystem::path& candidate :
        {here / name, here / "../lib" / name, here / "../lib/qtx" / name}) {
     if (std::filesystem::exists(candidate)) return candidate;

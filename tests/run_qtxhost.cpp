@@ -11,6 +11,8 @@
 #include <sstream>
 #include <thread>
 
+#include "without_log_prefix.h"
+
 namespace fs = std::filesystem;
 
 namespace {
@@ -86,7 +88,7 @@ Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, 
     outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
   }
   outcome.output = contentOf(output);
-  outcome.errors = contentOf(errors);
+  outcome.errors = withoutLogPrefix(contentOf(errors));
   for (const fs::path& file : {input, output, errors}) fs::remove(file);
   return outcome;
 }

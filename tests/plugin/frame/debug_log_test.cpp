@@ -51,6 +51,12 @@ TEST(LogMessageX, CutsWhatIsLongerThan4095Bytes) {
   EXPECT_EQ(logOf([&] { LogMessageX("%s%s", long4095.c_str(), long4095.c_str()); }), long4095 + "\n");
 }
 
+TEST(LogOf, LeavesOutWhatTheSystemPutsBeforeEachLine) {
+  EXPECT_EQ(withoutLogPrefix("2026-02-03 04:05:06.789 frame_test[12:3f4] QTX Debug: one\n"
+                             "2026-02-03 04:05:06.790123+0100 frame_test[12:3f4] two\nQTX Debug: [3]\n"),
+            "QTX Debug: one\ntwo\nQTX Debug: [3]\n");
+}
+
 TEST(Trace, IsSilentWhileOff) {
   EXPECT_EQ(logOf([] {
               Trace("PopCount");

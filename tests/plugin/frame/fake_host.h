@@ -18,6 +18,7 @@
 #include "frame/host_interface.h"
 #include "frame/host_operations.h"
 #include "frame/registration.h"
+#include "without_log_prefix.h"
 
 extern "C" void REALPluginMain(REALresolver resolver);
 
@@ -288,7 +289,7 @@ class FakeHost {
 inline std::string logOf(const std::function<void()>& body) {
   testing::internal::CaptureStderr();
   body();
-  return testing::internal::GetCapturedStderr();
+  return withoutLogPrefix(testing::internal::GetCapturedStderr());
 }
 
 }  // namespace qtx
