@@ -24,6 +24,13 @@ TEST(Root, GoesByTheLogarithm) {
   EXPECT_TRUE(std::isnan(root(1, 0)));
 }
 
+// Contracted into one operation, as Arm has it, this would be the 2^-104 that the product loses by rounding.
+TEST(Compiler, RoundsAProductBeforeItSubtracts) {
+  const volatile double factor = 1 + 0x1p-52;
+  const volatile double rounded = factor * factor;
+  EXPECT_EQ(factor * factor - rounded, 0);
+}
+
 TEST(Round, GoesAwayFromZeroAtHalves) {
   EXPECT_EQ(roundTo(2.5, 0), 3);
   EXPECT_EQ(roundTo(-2.5, 0), -3);
