@@ -1,6 +1,5 @@
 #include "spline/spline_class.h"
 
-#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <optional>
@@ -86,7 +85,7 @@ void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
   release(data.x);
   release(data.y);
 
-  data.count = upperBound + 1;
+  data.count = static_cast<std::int64_t>(static_cast<std::uint64_t>(upperBound) + 1);
   data.x = new PointSequence;
   data.y = new PointSequence;
   data.a = new CurveSequence;
@@ -94,7 +93,7 @@ void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
   data.c = new Sequence;
   data.d = new Sequence;
 
-  const auto n = static_cast<std::size_t>(std::max<RBInteger>(data.count, 0));
+  const std::size_t n = elementCount(upperBound);
   for (PointSequence* points : {data.x, data.y}) {
     points->storage.reset(new double[n]());
     points->first = points->storage.get();

@@ -304,6 +304,32 @@ TEST(SplineClass, TakesZerosWhereArraysCannotBeRead) {
   EXPECT_TRUE(std::isnan(spline.calc(1)));
 }
 
+// No memory holds as many points as the greatest bounds there are stand for. Below −1 there are none.
+TEST(SplineClass, TakesEveryUpperBound) {
+  Fixture fixture;
+  static RBInteger upperBound;
+  fixture.host.offer(
+      "RuntimeUBound", +[](REALarray) { return upperBound; });
+  const struct {
+    RBInteger upperBound;
+    std::int64_t count;
+    const char* refusal;
+  } rows[] = {
+      {INT64_MAX, INT64_MIN, "OutOfMemoryException"},
+      {INT64_MAX - 1, INT64_MAX, "OutOfMemoryException"},
+      {-2, -1, nullptr},
+      {INT64_MIN, INT64_MIN + 1, nullptr},
+  };
+  for (const auto& row : rows) {
+    upperBound = row.upperBound;
+    Spline spline(fixture, {0, 1, 2}, {0, 1, 4});
+    if (row.refusal) EXPECT_EQ(fixture.host.takeRaised().className, row.refusal);
+    EXPECT_EQ(spline.count(), row.count);
+    EXPECT_EQ(spline.calc(1), 0.0);
+    spline.expectRaised("UnsupportedOperationException", "empty array");
+  }
+}
+
 // All allocations fail in turn. What exists afterwards is usable, and a construction that succeeds replaces
 // it.
 TEST(SplineClass, SurvivesFailingAllocations) {
