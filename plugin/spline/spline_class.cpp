@@ -1,3 +1,4 @@
+// The spline's members: points in, coefficients and values out.
 #include "spline/spline_class.h"
 
 #include <atomic>
@@ -146,7 +147,7 @@ double calcY(REALobject self, double x) {
   return (*data.a->curve)(x);
 }
 
-REALproperty properties[] = {fieldProperty("count", "Integer", offsetof(SplineData, count))};
+REALproperty properties[] = {fieldProperty<&SplineData::count>("count", "Integer")};
 
 REALmethodDefinition methods[] = {
     method<&Constructor>("Constructor(X() as Double, Y() as Double)"),
