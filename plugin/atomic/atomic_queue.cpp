@@ -1,3 +1,4 @@
+// The queue's members, under the one lock of all queues.
 #include "atomic/atomic_queue.h"
 
 #include <cstring>

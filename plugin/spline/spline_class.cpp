@@ -168,12 +168,4 @@ REALclassDefinition splineClass = classDefinition({.name = "SplineQTX",
                                                    .properties = properties,
                                                    .methods = methods});
 
-std::size_t sequencesLeftBehind() {
-  std::size_t count = 0;
-  for (auto* points = leftBehind.load(std::memory_order_acquire); points; points = points->nextLeftBehind) {
-    ++count;
-  }
-  return count;
-}
-
 }  // namespace qtx
