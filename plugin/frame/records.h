@@ -44,10 +44,18 @@ REALproc entryOf() {
   return detail::Entry<function>::address();
 }
 
-// A method, shared method or global function.
+// A declaration of what `function` can be called as.
 template <auto function>
-REALmethodDefinition method(CheckedDeclaration<std::remove_const_t<decltype(function)>> declaration) {
-  return {entryOf<function>(), nullptr, declaration.text(), recordFlags::console, nullptr, 0};
+using DeclarationOf = CheckedDeclaration<std::remove_const_t<decltype(function)>>;
+
+// A method, shared method or global function, by its entry.
+template <auto function>
+REALmethodDefinition methodRecord(REALproc entry, DeclarationOf<function> declaration) {
+  return {entry, nullptr, declaration.text(), recordFlags::console, nullptr, 0};
+}
+template <auto function>
+REALmethodDefinition method(DeclarationOf<function> declaration) {
+  return methodRecord<function>(entryOf<function>(), declaration);
 }
 
 namespace detail {
@@ -70,12 +78,12 @@ inline REALproperty propertyRecord(const char* name, const char* type, REALproc 
 template <PropertyKind kind, auto getter, auto setter>
 using PropertyType = std::type_identity_t<CheckedType<PropertyFit<kind, getter, setter>>>;
 
+// Where a field lies in its structure, and its type.
 template <typename Data, typename Field>
 std::ptrdiff_t offsetOf(Field Data::*field) {
   const Data data{};
   return reinterpret_cast<const char*>(&(data.*field)) - reinterpret_cast<const char*>(&data);
 }
-
 template <typename Data, typename Field>
 Field fieldOf(Field Data::*field);
 

@@ -27,9 +27,8 @@ using UnsignedToDouble = double (*)(std::uint64_t) noexcept;
 // A function of the C library is registered as it is: it throws nothing, and the host calls it without a
 // detour.
 template <auto function>
-REALmethodDefinition library(CheckedDeclaration<std::remove_const_t<decltype(function)>> declaration) {
-  return {
-      reinterpret_cast<REALproc>(function), nullptr, declaration.text(), recordFlags::console, nullptr, 0};
+REALmethodDefinition library(DeclarationOf<function> declaration) {
+  return methodRecord<function>(reinterpret_cast<REALproc>(function), declaration);
 }
 
 REALmethodDefinition functions[] = {
