@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "spline/constrained_spline.h"
+#include "spline/knot_index.h"
 
 namespace {
 

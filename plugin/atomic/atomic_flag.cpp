@@ -1,3 +1,4 @@
+// The flag's members, each one atomic instruction.
 #include "atomic/atomic_flag.h"
 
 #include "frame/raise.h"

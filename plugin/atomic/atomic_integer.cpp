@@ -1,3 +1,4 @@
+// The counter's members, each one atomic instruction.
 #include "atomic/atomic_integer.h"
 
 #include "frame/raise.h"

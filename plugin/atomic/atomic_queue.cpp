@@ -1,3 +1,4 @@
+// The queue's members, under the one lock of all queues.
 #include "atomic/atomic_queue.h"
 
 #include <cstring>
@@ -116,8 +117,8 @@ void AddA(REALobject self, REALarrayObject values) {
   Trace("void AddA(REALobject, REALarrayObject)");
   if (!values) return;
   const auto array = reinterpret_cast<REALarray>(values);
-  const RBInteger upperBound = REALGetArrayUBound(array);
-  if (upperBound < 0) return;
+  const std::size_t count = elementCount(REALGetArrayUBound(array));
+  if (count == 0) return;
   const auto* handles = static_cast<const char*>(directElements(array));
   if (!handles) {
     RaiseException("UnsupportedOperationException", "Failed to access array.");
@@ -125,9 +126,9 @@ void AddA(REALobject self, REALarrayObject values) {
   }
   const Lock lock(queueMutex());
   QueueStore& elements = elementsOf(self);
-  for (RBInteger i = 0; i <= upperBound; ++i) {
+  for (std::size_t i = 0; i < count; ++i) {
     REALobject value;
-    std::memcpy(&value, handles + static_cast<std::size_t>(i) * sizeof value, sizeof value);
+    std::memcpy(&value, handles + i * sizeof value, sizeof value);
     elements.append(REALObject(value));
   }
 }

@@ -35,7 +35,6 @@ class QueueStore {
   QueueStore& operator=(const QueueStore&) = delete;
 
   std::size_t size() const { return size_; }
-  std::size_t capacity() const { return capacity_; }  // doubles when it is exhausted, never shrinks
 
   // By position from the front; at checks it and throws std::out_of_range.
   REALObject& operator[](std::size_t index) { return *place(index); }
@@ -110,7 +109,7 @@ class QueueStore {
   }
 
   REALObject* elements_;
-  std::size_t capacity_;
+  std::size_t capacity_;   // doubles when it is exhausted, never shrinks
   std::size_t first_ = 0;  // where the front is
   std::size_t size_ = 0;
 };

@@ -1,11 +1,12 @@
-// REALObject: owns one reference to a host object, or nil.
+// REALObject: an element of a queue, which owns one reference to a host object, or nil, and traces what
+// happens to it.
 #pragma once
 
 #include <functional>
 #include <utility>
 
 #include "frame/debug_log.h"
-#include "frame/host_operations.h"
+#include "frame/reference.h"
 
 namespace qtx {
 
@@ -15,64 +16,56 @@ class REALObject {
   static constexpr const char* moveAssignment = "REALObject &REALObject::operator=(REALObject &&)";
 
   REALObject() noexcept = default;  // nil
-  // Adds a reference. The host is asked for nil too: it knows what to do with it.
-  explicit REALObject(REALobject handle) : handle_(handle) {
+  explicit REALObject(REALobject handle) {
     Trace("REALObject::REALObject(REALobject)");
-    REALLockObject(handle_);
+    reference_ = Reference<REALobject>::to(handle);
   }
-  REALObject(const REALObject& other) : handle_(other.handle_) {
+  REALObject(const REALObject& other) {
     Trace("REALObject::REALObject(const REALObject &)");
-    REALLockObject(handle_);
+    reference_ = other.reference_;
   }
-  REALObject(REALObject&& other) noexcept : handle_(std::exchange(other.handle_, nullptr)) {
+  REALObject(REALObject&& other) noexcept : reference_(std::move(other.reference_)) {
     Trace(moveConstruction);
   }
-  // Locks first: both may be the same object, held by nothing else.
   REALObject& operator=(const REALObject& other) {
     Trace("REALObject &REALObject::operator=(const REALObject &)");
-    REALLockObject(other.handle_);
-    if (handle_) REALUnlockObject(handle_);
-    handle_ = other.handle_;
+    reference_ = other.reference_;
     return *this;
   }
   REALObject& operator=(REALObject&& other) noexcept {
     Trace(moveAssignment);
-    if (handle_) REALUnlockObject(handle_);
-    handle_ = std::exchange(other.handle_, nullptr);
+    reference_ = std::move(other.reference_);
     return *this;
   }
   ~REALObject() {
-    if (!handle_) return;
-    Trace("REALObject::~REALObject()");
-    REALUnlockObject(std::exchange(handle_, nullptr));
+    if (reference_) Trace("REALObject::~REALObject()");
   }
 
   // A reference of the caller's own.
   REALobject get() const {
     Trace("REALobject REALObject::get() const");
-    REALLockObject(handle_);
-    return handle_;
+    return Reference(reference_).release();
   }
   // The handle while this object lives.
-  REALobject borrow() const { return handle_; }
+  REALobject borrow() const { return reference_.borrow(); }
 
   // Identity of the objects, not of the values in them.
   bool operator==(const REALObject& other) const {
     trace("bool REALObject::operator==(const REALObject &) const", other);
-    return handle_ == other.handle_;
+    return borrow() == other.borrow();
   }
   // By address.
   bool operator<(const REALObject& other) const {
     trace("bool REALObject::operator<(const REALObject &) const", other);
-    return std::less<>()(handle_, other.handle_);
+    return std::less<>()(borrow(), other.borrow());
   }
 
  private:
   void trace(const char* text, const REALObject& other) const {
-    Trace(text, static_cast<const void*>(handle_), static_cast<const void*>(other.handle_));
+    Trace(text, static_cast<const void*>(borrow()), static_cast<const void*>(other.borrow()));
   }
 
-  REALobject handle_ = nullptr;
+  Reference<REALobject> reference_;
 };
 
 }  // namespace qtx

@@ -1,3 +1,4 @@
+// The self-test of array memory, and reading elements by its outcome.
 #include "frame/array_access.h"
 
 #include <cstring>
@@ -5,6 +6,7 @@
 #include "frame/debug_log.h"
 #include "frame/host_operations.h"
 #include "frame/raise.h"
+#include "frame/reference.h"
 
 namespace qtx {
 
@@ -69,14 +71,12 @@ bool TestArray(REALarrayInteger array) {
 bool mayReadDirectly() {
   static const bool success = [] {
     Trace("TestArray", hostState.version);
-    const REALarray array = REALCreateArray(arrayElement::integer, testUpperBound);
+    const Reference array(REALCreateArray(arrayElement::integer, testUpperBound));
     if (!array) {
       Trace("Failed to allocate array");
       return false;
     }
-    const bool passed = TestArray(reinterpret_cast<REALarrayInteger>(array));
-    REALUnlockObject(reinterpret_cast<REALobject>(array));
-    return passed;
+    return TestArray(reinterpret_cast<REALarrayInteger>(array.borrow()));
   }();
   return success;
 }

@@ -6,6 +6,11 @@
 
 namespace qtx {
 
+// How many elements an array of that upper bound has: 2^63 of them for 2^63 − 1, none below 0.
+constexpr std::size_t elementCount(RBInteger upperBound) {
+  return upperBound < 0 ? 0 : static_cast<std::size_t>(upperBound) + 1;
+}
+
 // Stores element `index` of the array in *out. A nil array leaves *out as it is; an index outside 0 … upper
 // bound raises "OutOfBoundsException" and does too.
 void REALGetArrayValue(REALarrayDouble array, long long index, double* out);

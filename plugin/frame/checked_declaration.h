@@ -1,5 +1,6 @@
-// Checks, while compiling, that a declaration in the host's language fits the C++ function behind it: the
-// host calls by what is declared, so a mismatch would be a wrong call.
+// Checks, while compiling, that a declaration in the host's language fits the C++ function behind it, and a
+// property's type its getter, setter or field: the host calls and reads by what is declared, so a mismatch
+// would be a wrong call.
 #pragma once
 
 #include <array>
@@ -153,7 +154,59 @@ struct Fit<Result (*)(Arguments...)> {
 template <typename Result, typename... Arguments>
 struct Fit<Result (*)(Arguments...) noexcept> : Fit<Result (*)(Arguments...)> {};
 
+// The value that a getter gives and a setter takes. An instance property's have the object and the record's
+// parameter in front, a shared property's nothing.
+enum class PropertyKind { instance, shared };
+
+template <typename Value>
+consteval Passed given(Value (*)(REALobject, RBInteger), PropertyKind kind) {
+  return kind == PropertyKind::instance ? passedAs<Value>() : Passed{};
+}
+template <typename Value>
+consteval Passed given(Value (*)(), PropertyKind kind) {
+  return kind == PropertyKind::shared ? passedAs<Value>() : Passed{};
+}
+template <typename Value>
+consteval Passed taken(void (*)(REALobject, RBInteger, Value), PropertyKind kind) {
+  return kind == PropertyKind::instance ? passedAs<Value>() : Passed{};
+}
+template <typename Value>
+consteval Passed taken(void (*)(Value), PropertyKind kind) {
+  return kind == PropertyKind::shared ? passedAs<Value>() : Passed{};
+}
+
+template <PropertyKind kind, auto getter, auto setter>
+struct PropertyFit {
+  static consteval bool check(std::string_view type) {
+    const Passed declared{travelOf(type)};
+    if constexpr (requires { given(getter, kind); }) {
+      if (!(given(getter, kind) == declared)) return false;
+      if constexpr (std::is_null_pointer_v<decltype(setter)>) return true;
+      if constexpr (requires { taken(setter, kind); }) return taken(setter, kind) == declared;
+    }
+    return false;
+  }
+};
+
+template <typename Field>
+struct FieldFit {
+  static consteval bool check(std::string_view type) { return passedAs<Field>() == Passed{travelOf(type)}; }
+};
+
 }  // namespace detail
+
+// A property's type that has been found to fit. Does not compile where it does not.
+template <typename Fit>
+class CheckedType {
+ public:
+  consteval CheckedType(const char* text) : text_(text) {
+    if (!Fit::check(text)) throw "the property's type does not fit what is behind it";
+  }
+  constexpr const char* text() const { return text_; }
+
+ private:
+  const char* text_;
+};
 
 // A declaration that has been found to fit the function type. Does not compile where it does not.
 template <typename Signature>

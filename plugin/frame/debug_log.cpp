@@ -1,10 +1,9 @@
+// How lines reach the system log.
 #include "frame/debug_log.h"
 
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-
-#include "frame/records.h"
 
 #if defined(__APPLE__)
 // Declared here because the plug-in builds without the platform's frameworks at hand: NSString and CFString
@@ -19,8 +18,6 @@ extern "C" void NSLog(const void* format, ...);
 namespace qtx {
 
 namespace {
-
-REALattribute hiddenAttribute[] = {{"Hidden", ""}};
 
 #if defined(__APPLE__)
 void writeLine(char* text) { NSLog(__builtin___CFStringMakeConstantString("%s\n"), text); }
@@ -41,19 +38,6 @@ void writeLine(char* text) {
 #endif
 
 }  // namespace
-
-REALproperty debuggingProperty[1] = {
-    {.group = nullptr,
-     .name = "Debugging",
-     .type = "Boolean",
-     .flags = recordFlags::console | recordFlags::property | recordFlags::scopeShared,
-     .getter = entryOf<&getDebugging>(),
-     .setter = entryOf<&setDebugging>(),
-     .parameter = 0,
-     .editorCount = 0,
-     .editors = nullptr,
-     .attributes = hiddenAttribute,
-     .attributeCount = 1}};
 
 bool getDebugging() { return debugging.load(std::memory_order_relaxed); }
 

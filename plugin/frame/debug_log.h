@@ -3,8 +3,7 @@
 
 #include <atomic>
 #include <concepts>
-
-#include "frame/host_interface.h"
+#include <cstdint>
 
 namespace qtx {
 
@@ -13,9 +12,6 @@ inline constinit std::atomic<bool> debugging{false};
 
 bool getDebugging();
 void setDebugging(std::uint8_t value);  // a Boolean whose byte may be other than 0 and 1
-
-// The shared property Debugging, hidden in the host's editor: the one entry of the module's property table.
-extern REALproperty debuggingProperty[1];
 
 // Formats as printf does, cut at 4095 bytes, and writes one line to the system log, whether or not Debugging
 // is on.

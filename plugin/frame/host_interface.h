@@ -1,4 +1,5 @@
-// The host's binary interface: value types, record layouts, operation signatures, encodings. 64-bit only.
+// The host's binary interface: handles, record layouts, and the numbers that stand for encodings, types and
+// flags. 64-bit only.
 //
 // This is the one header that the plug-in and the stand-in host share. Everything in it crosses the boundary
 // with the platform's C calling convention and natural alignment, so each record states its size and offsets
@@ -194,6 +195,37 @@ inline constexpr std::uint32_t utf16LittleEndian = 0x14000100;
 inline constexpr std::uint32_t utf32BigEndian = 0x18000100;
 inline constexpr std::uint32_t utf32LittleEndian = 0x1C000100;
 }  // namespace encoding
+
+// Type codes of Variants, as the host's VarType gives them.
+namespace variantType {
+inline constexpr RBInteger nil = 0;
+inline constexpr RBInteger int32 = 2;
+inline constexpr RBInteger int64 = 3;
+inline constexpr RBInteger single = 4;
+inline constexpr RBInteger floating = 5;  // Double
+inline constexpr RBInteger currency = 6;
+inline constexpr RBInteger date = 7;
+inline constexpr RBInteger string = 8;
+inline constexpr RBInteger object = 9;
+inline constexpr RBInteger boolean = 11;
+inline constexpr RBInteger window = 22;
+inline constexpr RBInteger pointer = 26;
+inline constexpr RBInteger structure = 36;
+inline constexpr RBInteger dateTime = 38;
+// Of which no more is known than how they are read: one as an integer, the others as text.
+inline constexpr RBInteger otherInteger = 16;
+inline constexpr RBInteger text18 = 18;
+inline constexpr RBInteger text19 = 19;
+inline constexpr RBInteger text20 = 20;
+inline constexpr RBInteger text21 = 21;
+inline constexpr RBInteger text23 = 23;
+inline constexpr RBInteger text37 = 37;
+// Told apart from int32 and int64 by the object's class alone; VarType never gives them.
+inline constexpr RBInteger uint32 = 102;
+inline constexpr RBInteger uint64 = 103;
+// Set in the code of an array.
+inline constexpr RBInteger arrayFlag = 4096;
+}  // namespace variantType
 
 // Element type codes of "RuntimeArrayCreateSingleDimBoundedArray".
 namespace arrayElement {

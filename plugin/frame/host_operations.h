@@ -1,4 +1,6 @@
-// Every host operation the plug-in uses, each callable like a plain function.
+// The host operations that the plug-in uses, each callable like a plain function. Two more are looked up
+// once, when it is loaded: "REALGetRBVersion" (frame/registration.cpp) and "RegisterPluginVersion"
+// (plugin_main.cpp).
 #pragma once
 
 #include <atomic>

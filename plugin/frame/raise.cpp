@@ -1,3 +1,4 @@
+// How errors become exceptions of the host's language.
 #include "frame/raise.h"
 
 #include <cstdio>
@@ -8,24 +9,21 @@
 
 #include "frame/debug_log.h"
 #include "frame/host_operations.h"
-#include "frame/text_bridge.h"
+#include "frame/string_builder.h"
 
 namespace qtx {
 
 void RaiseException(const char* className, const char* message, unsigned int, long long) {
-  REALstring text = nullptr;
-  if (message) {
-    text = REALBuildUnicodeString(message, static_cast<long long>(std::strlen(message)), encoding::utf8);
-  }
-  REALobject exception = REALnewInstance(className);
-  if (!exception) exception = REALnewInstance("RuntimeException");
-  if (exception) {
-    REALSetPropValueString(exception, "Message", text);
-    REALSetPropValueInteger(exception, "ErrorNumber", 0);
-    REALRaiseException(exception);
-    REALUnlockObject(exception);
-  }
-  if (text) REALUnlockString(text);
+  // Building the text may itself end in an exception; then the message stays empty.
+  const Reference text = guard([&] {
+    return buildString(message, message ? static_cast<long long>(std::strlen(message)) : 0, encoding::utf8);
+  });
+  Reference exception(REALnewInstance(className));
+  if (!exception) exception = Reference(REALnewInstance("RuntimeException"));
+  if (!exception) return;
+  REALSetPropValueString(exception.borrow(), "Message", text.borrow());
+  REALSetPropValueInteger(exception.borrow(), "ErrorNumber", 0);
+  REALRaiseException(exception.borrow());
 }
 
 void RaiseOutOfBoundsException(long long value, long long count, const char* parameterName,

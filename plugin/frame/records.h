@@ -32,7 +32,7 @@ struct Entry<function, Result (*)(Arguments...) noexcept> {
 };
 
 template <auto function>
-struct Entry<function, std::nullptr_t> {
+struct Entry<function, std::nullptr_t> {  // no setter
   static REALproc address() { return nullptr; }
 };
 
@@ -44,21 +44,29 @@ REALproc entryOf() {
   return detail::Entry<function>::address();
 }
 
-// A method, shared method or global function.
+// A declaration of what `function` can be called as.
 template <auto function>
-REALmethodDefinition method(CheckedDeclaration<std::remove_const_t<decltype(function)>> declaration) {
-  return {entryOf<function>(), nullptr, declaration.text(), recordFlags::console, nullptr, 0};
+using DeclarationOf = CheckedDeclaration<std::remove_const_t<decltype(function)>>;
+
+// A method, shared method or global function, by its entry.
+template <auto function>
+REALmethodDefinition methodRecord(REALproc entry, DeclarationOf<function> declaration) {
+  return {entry, nullptr, declaration.text(), recordFlags::console, nullptr, 0};
+}
+template <auto function>
+REALmethodDefinition method(DeclarationOf<function> declaration) {
+  return methodRecord<function>(entryOf<function>(), declaration);
 }
 
-// An instance property; read-only without a setter.
-template <auto getter, auto setter = nullptr>
-REALproperty property(const char* name, const char* type) {
+namespace detail {
+
+inline REALproperty propertyRecord(const char* name, const char* type, REALproc getter, REALproc setter) {
   return {.group = nullptr,
           .name = name,
           .type = type,
           .flags = recordFlags::console | recordFlags::property,
-          .getter = entryOf<getter>(),
-          .setter = entryOf<setter>(),
+          .getter = getter,
+          .setter = setter,
           .parameter = 0,
           .editorCount = 0,
           .editors = nullptr,
@@ -66,11 +74,44 @@ REALproperty property(const char* name, const char* type) {
           .attributeCount = 0};
 }
 
-// An instance property that the host reads and writes itself, at an offset in the instance data.
-inline REALproperty fieldProperty(const char* name, const char* type, std::size_t offset) {
-  REALproperty record = property<nullptr>(name, type);
-  record.getter = record.setter = reinterpret_cast<REALproc>(~std::uintptr_t{0});
-  record.parameter = static_cast<std::intptr_t>(offset);
+// Not deduced from, so that the setter may be left out.
+template <PropertyKind kind, auto getter, auto setter>
+using PropertyType = std::type_identity_t<CheckedType<PropertyFit<kind, getter, setter>>>;
+
+// Where a field lies in its structure, and its type.
+template <typename Data, typename Field>
+std::ptrdiff_t offsetOf(Field Data::*field) {
+  const Data data{};
+  return reinterpret_cast<const char*>(&(data.*field)) - reinterpret_cast<const char*>(&data);
+}
+template <typename Data, typename Field>
+Field fieldOf(Field Data::*field);
+
+}  // namespace detail
+
+// An instance property; read-only without a setter.
+template <auto getter, auto setter = nullptr>
+REALproperty property(const char* name,
+                      detail::PropertyType<detail::PropertyKind::instance, getter, setter> type) {
+  return detail::propertyRecord(name, type.text(), entryOf<getter>(), entryOf<setter>());
+}
+
+// A property of the module.
+template <auto getter, auto setter = nullptr>
+REALproperty sharedProperty(const char* name,
+                            detail::PropertyType<detail::PropertyKind::shared, getter, setter> type) {
+  REALproperty record = detail::propertyRecord(name, type.text(), entryOf<getter>(), entryOf<setter>());
+  record.flags |= recordFlags::scopeShared;
+  return record;
+}
+
+// An instance property that the host reads and writes itself: a field of the instance data.
+template <auto field>
+REALproperty fieldProperty(const char* name,
+                           CheckedType<detail::FieldFit<decltype(detail::fieldOf(field))>> type) {
+  const auto byHost = reinterpret_cast<REALproc>(~std::uintptr_t{0});
+  REALproperty record = detail::propertyRecord(name, type.text(), byHost, byHost);
+  record.parameter = detail::offsetOf(field);
   return record;
 }
 

@@ -1,3 +1,4 @@
+// The host met, and the records adapted to it and registered.
 #include "frame/registration.h"
 
 #include <cstdio>
@@ -6,6 +7,7 @@
 
 #include "frame/debug_log.h"
 #include "frame/host_operations.h"
+#include "frame/records.h"
 
 namespace qtx {
 
@@ -41,6 +43,14 @@ void fixFlags(std::uint32_t& flags) {
 template <typename Record>
 void fixAll(Record* records, long long count) {
   for (long long i = 0; records && i < count; ++i) fixFlags(records[i].flags);
+}
+
+REALattribute hiddenAttribute[] = {{"Hidden", ""}};
+
+REALproperty hidden(REALproperty record) {
+  record.attributes = hiddenAttribute;
+  record.attributeCount = std::size(hiddenAttribute);
+  return record;
 }
 
 void warn(const char* text) { LogMessageX("%s%s", logPrefix, text); }
@@ -90,6 +100,9 @@ void registerModule(std::span<REALmethodDefinition> functions) {
 }
 
 }  // namespace
+
+REALproperty debuggingProperty[1] = {
+    hidden(sharedProperty<&getDebugging, &setDebugging>("Debugging", "Boolean"))};
 
 void FixFlags(REALmethodDefinition* records, long long count, const char*) { fixAll(records, count); }
 void FixFlags(REALproperty* records, long long count, const char*) { fixAll(records, count); }

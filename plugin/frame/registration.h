@@ -19,6 +19,9 @@ void meetHost(REALresolver resolver);
 void FixFlags(REALmethodDefinition* records, long long count, const char* label);
 void FixFlags(REALproperty* records, long long count, const char* label);
 
+// The shared property Debugging, hidden in the host's editor: the one entry of the module's property table.
+extern REALproperty debuggingProperty[1];
+
 // Adapts one class and registers it. The record and its tables must stay for the life of the process.
 void MyREALRegisterClass(REALclassDefinition* record);
 

@@ -1,3 +1,4 @@
+// Text and data views of host strings.
 #include "frame/text_bridge.h"
 
 #include <algorithm>
@@ -7,6 +8,7 @@
 #include "frame/debug_log.h"
 #include "frame/host_operations.h"
 #include "frame/raise.h"
+#include "frame/string_builder.h"
 
 namespace qtx {
 
@@ -22,16 +24,11 @@ std::string_view hostBytes(REALstring string, bool traced = false) {
   return "";
 }
 
-bool isASCII(std::string_view bytes) {
-  return std::all_of(bytes.begin(), bytes.end(),
-                     [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
-}
-
 }  // namespace
 
 rbText::rbText(REALstring string) {
   if (!string) return;
-  keep(string);
+  string_ = Reference<REALstring>::to(string);
   state_ = ASCIIState::unknown;
   if (!REALGetStringEncoding.resolve()) {
     sourceEncoding_ = encoding::macRoman;
@@ -61,12 +58,11 @@ rbText::rbText(REALstring string) {
         ascii_ = View();
       } else if (state_ == ASCIIState::impure) {
         // Bytes of no known encoding are given one to be converted from: whatever the host takes 0 for.
-        const REALstring guessed =
-            REALBuildUnicodeString(bytes.data(), static_cast<long long>(bytes.size()), encoding::macRoman);
+        Reference guessed(
+            REALBuildUnicodeString(bytes.data(), static_cast<long long>(bytes.size()), encoding::macRoman));
         if (guessed) {
-          keep(guessed);
-          REALUnlockString(guessed);
-          sourceEncoding_ = REALGetStringEncoding(guessed);
+          string_ = std::move(guessed);
+          sourceEncoding_ = REALGetStringEncoding(string_.borrow());
         }
       }
       break;
@@ -79,20 +75,14 @@ rbText::rbText(REALstring string) {
 rbText::~rbText() {
   if (frontGuard_ != guardWord) Trace("Check1 in rbText invalid", frontGuard_);
   if (backGuard_ != guardWord) Trace("Check2 in rbText invalid", backGuard_);
-  if (string_) REALUnlockString(string_);
+  string_ = {};  // before the data that was made of it
   for (View* view : {&utf8_, &ascii_}) {
     if (view->dispose) REALDisposeStringData(&view->data);
   }
 }
 
-void rbText::keep(REALstring string) {
-  REALLockString(string);
-  if (string_) REALUnlockString(string_);
-  string_ = string;
-}
-
 void rbText::viewHostBytes(View& view) {
-  const std::string_view bytes = hostBytes(string_);
+  const std::string_view bytes = hostBytes(string_.borrow());
   view.length = static_cast<long long>(bytes.size());
   view.text = bytes.empty() ? "" : bytes.data();
   view.terminated = bytes.empty();
@@ -100,7 +90,7 @@ void rbText::viewHostBytes(View& view) {
 
 void rbText::CheckASCII() {
   if (state_ != ASCIIState::unknown) return;
-  if (isASCII(rbData(string_).bytes())) {
+  if (isASCII(rbData(string_.borrow()).bytes())) {
     state_ = ASCIIState::pure;
     for (View* view : {&ascii_, &utf8_}) {
       if (view->length < 0) viewHostBytes(*view);  // what has been viewed stays as long as the object
@@ -116,7 +106,7 @@ void rbText::fill(View& view, std::uint32_t encoding) {
     view.length = 0;
     view.terminated = true;
     if (string_ && state_ != ASCIIState::pure) {
-      if (REALGetStringData(string_, encoding, &view.data)) {
+      if (REALGetStringData(string_.borrow(), encoding, &view.data)) {
         view.dispose = true;
         if (view.data.data && view.data.length >= 1) {
           view.text = view.data.data;
@@ -125,7 +115,6 @@ void rbText::fill(View& view, std::uint32_t encoding) {
         }
       } else {
         Trace("REALGetStringData failed.");
-        failed_ = true;
       }
     }
   }
@@ -158,66 +147,14 @@ void rbText::ConvertASCII() { fill(ascii_, encoding::ascii); }
 
 std::string_view rbText::plain() { return sourceEncoding_ == encoding::utf8 ? utf8() : ascii(); }
 
-rbData::rbData(REALstring string) : string_(string) {
-  if (!string_) return;
-  REALLockString(string_);
-  bytes_ = hostBytes(string_, true);
+rbData::rbData(REALstring string) {
+  if (!string) return;
+  string_ = Reference<REALstring>::to(string);
+  bytes_ = hostBytes(string, true);
 }
-
-rbData::~rbData() {
-  if (string_) REALUnlockString(string_);
-}
-
-namespace {
-
-// Hosts before 2012.0 build first and are told the encoding afterwards.
-REALstring build(const char* bytes, std::int32_t count, std::uint32_t encoding) {
-  if (hostState.version >= 2012.0) return REALBuildStringWithEncoding(bytes, count, encoding);
-  const REALstring string = originalREALBuildString(bytes, count, 0);
-  if (string) REALSetStringEncoding(string, encoding);
-  return string;
-}
-
-REALstring buildFromUTF16(const char* bytes, std::int32_t count) {
-  const REALstring wide = build(bytes, count, encoding::utf16);
-  if (!wide) {
-    if (!(hostState.version >= 2012.0)) Trace("Out of memory in REALBuildUnicodeStringUTF16.");
-    return nullptr;
-  }
-  const REALstring string = REALConvertString(wide, encoding::utf8);
-  REALUnlockString(wide);
-  return string;
-}
-
-}  // namespace
 
 REALstring REALBuildUnicodeString(const void* bytes, long long count, std::uint32_t encoding) {
-  return guard([&]() -> REALstring {
-    if (count < 1 || !bytes) return nullptr;
-    if (count >= 1LL << 31) {
-      Trace("Count too big for REALBuildUnicodeString.");
-      return nullptr;
-    }
-    const auto* text = static_cast<const char*>(bytes);
-    const auto length = static_cast<std::int32_t>(count);
-    switch (encoding) {
-      case encoding::utf16:
-        return buildFromUTF16(text, length);
-      case encoding::macRoman:
-      case encoding::isoLatin1:
-      case encoding::windowsLatin1:
-      case encoding::none:
-        if (isASCII({text, static_cast<std::size_t>(count)})) return build(text, length, encoding::ascii);
-        break;
-      case encoding::ascii:
-      case encoding::utf8:
-        return build(text, length, encoding);
-      default:
-        break;
-    }
-    Trace("Unknown encoding in REALBuildUnicodeString", encoding);
-    return build(text, length, encoding);
-  });
+  return guard([&] { return buildString(bytes, count, encoding); }).release();
 }
 
 }  // namespace qtx

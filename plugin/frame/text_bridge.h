@@ -4,7 +4,7 @@
 #include <memory>
 #include <string_view>
 
-#include "frame/host_interface.h"
+#include "frame/reference.h"
 
 namespace qtx {
 
@@ -33,12 +33,6 @@ class rbText {
   // refuse every other character anyway.
   std::string_view plain();
 
-  // Settles whether the text is pure ASCII; if so, both views are the host string's own bytes.
-  void CheckASCII();
-
-  bool failed() const { return failed_; }  // a conversion was refused
-  std::uint32_t sourceEncoding() const { return sourceEncoding_; }
-
  private:
   enum class ASCIIState { pure = 1, unknown = 2, impure = 3 };
 
@@ -51,7 +45,8 @@ class rbText {
     std::unique_ptr<char[]> copy;
   };
 
-  void keep(REALstring string);
+  // Settles whether the text is pure ASCII; if so, both views are the host string's own bytes.
+  void CheckASCII();
   void viewHostBytes(View& view);
   void fill(View& view, std::uint32_t encoding);
   void terminate(View& view);
@@ -60,10 +55,9 @@ class rbText {
 
   std::uint64_t frontGuard_ =
       guardWord;  // first and last members: a caller that writes past an object is noticed
-  REALstring string_ = nullptr;
+  Reference<REALstring> string_;
   View utf8_;
   View ascii_;
-  bool failed_ = false;
   ASCIIState state_ = ASCIIState::pure;
   std::uint32_t sourceEncoding_ = encoding::ascii;
   std::uint64_t backGuard_ = guardWord;
@@ -73,22 +67,18 @@ class rbText {
 class rbData {
  public:
   explicit rbData(REALstring string);
-  ~rbData();
-  rbData(const rbData&) = delete;
-  rbData& operator=(const rbData&) = delete;
 
   const char* data() const { return bytes_.data(); }
   std::size_t length() const { return bytes_.size(); }
   std::string_view bytes() const { return bytes_; }
 
  private:
-  REALstring string_;
+  Reference<REALstring> string_;
   std::string_view bytes_;
 };
 
-// A new host string for the caller to unlock or return; null where count is below 1 or at least 2^31, bytes
-// is null, or the host cannot build it. Encodings 0, ISO Latin 1, Windows Latin 1 and "none" become ASCII
-// where every byte is; UTF-16 is converted to UTF-8.
+// What buildString (frame/string_builder.h) makes of the bytes, for the caller to unlock or return; null
+// where it makes nothing. What is thrown meanwhile becomes a host exception.
 REALstring REALBuildUnicodeString(const void* bytes, long long count, std::uint32_t encoding);
 
 }  // namespace qtx

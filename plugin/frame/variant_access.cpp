@@ -1,3 +1,4 @@
+// Variants read by the operations of newer hosts and of older ones.
 #include "frame/variant_access.h"
 
 #include "frame/host_operations.h"
@@ -21,13 +22,13 @@ Value read(HostOperation<Value(REALobject)>& convert,
 
 RBInteger GetVariantType(REALobject value) {
   const RBInteger code = read<RBInteger>(VarType, REALGetPropValueInteger, "Type", value);
-  if (code == 3) {
+  if (code == variantType::int64) {
     static const REALclassRef unsigned64 = REALGetClassRef("_VariantUInt64");
-    return unsigned64 && REALObjectIsA(value, unsigned64) ? variantUInt64 : code;
+    return unsigned64 && REALObjectIsA(value, unsigned64) ? variantType::uint64 : code;
   }
-  if (code == 2) {
+  if (code == variantType::int32) {
     static const REALclassRef unsigned32 = REALGetClassRef("_VariantUInt32");
-    return unsigned32 && REALObjectIsA(value, unsigned32) ? variantUInt32 : code;
+    return unsigned32 && REALObjectIsA(value, unsigned32) ? variantType::uint32 : code;
   }
   return code;
 }

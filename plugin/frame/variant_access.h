@@ -6,13 +6,7 @@
 
 namespace qtx {
 
-// Type codes the host does not tell apart by itself.
-inline constexpr RBInteger variantUInt32 = 102;
-inline constexpr RBInteger variantUInt64 = 103;
-// Set in the code of an array.
-inline constexpr RBInteger variantArrayFlag = 4096;
-
-// The host's VarType code, refined by the two above.
+// The host's VarType code, refined by variantType::uint32 and uint64.
 RBInteger GetVariantType(REALobject value);
 
 std::int64_t GetVariantInt64(REALobject value);

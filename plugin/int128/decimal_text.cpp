@@ -1,3 +1,4 @@
+// Digits out of 128-bit integers and into them.
 #include "int128/decimal_text.h"
 
 #include <array>
@@ -68,7 +69,10 @@ char* writeLeadingDigits(std::uint64_t value, char* out) {
 
 // Quotient and remainder of a value below 10^38 by 10^19: two multiplications with the divisor's reciprocal.
 // Möller and Granlund, "Improved division by invariant integers", IEEE Transactions on Computers 60 (2011),
-// algorithm 4.
+// algorithm 4, without its second adjustment. With β = 2^64, d the divisor, v the reciprocal, u₁ and u₀ the
+// value's words, q₀ the estimate's low word and k = β² − (β + v)d, the first remainder is
+// (k·u₁ + (β − d)·u₀ + d·q₀) / β − d. The second adjustment is for one of at least d and for one that is at
+// least 0 and above q₀, and both take a k·u₁ of at least (2d − β)·β, which is never reached here.
 struct Halves {
   std::uint64_t high, low;
 };
@@ -76,16 +80,14 @@ Halves divideBy10To19(NativeUInt128 value) {
   static_assert(tenTo19 >> 63 == 1, "the algorithm wants the divisor's top bit set");
   // ⌊(2^128 − 1) / 10^19⌋ − 2^64.
   constexpr auto reciprocal = static_cast<std::uint64_t>(~NativeUInt128{0} / tenTo19);
+  constexpr NativeUInt128 k = -((NativeUInt128{1} << 64 | reciprocal) * tenTo19);
+  static_assert(k * (tenTo38 >> 64) < static_cast<NativeUInt128>(2 * tenTo19) << 64, "k · u₁ < (2d − β) · β");
   const NativeUInt128 estimate = (value >> 64) * reciprocal + value;
   std::uint64_t quotient = static_cast<std::uint64_t>(estimate >> 64) + 1;
   std::uint64_t remainder = static_cast<std::uint64_t>(value) - quotient * tenTo19;
   if (remainder > static_cast<std::uint64_t>(estimate)) {
     --quotient;
     remainder += tenTo19;
-  }
-  if (remainder >= tenTo19) [[unlikely]] {
-    ++quotient;
-    remainder -= tenTo19;
   }
   return {quotient, remainder};
 }

@@ -10,7 +10,7 @@
 #include "frame/text_bridge.h"
 #include "int128/decimal_text.h"
 #include "int128/division.h"
-#include "int128/instances.h"
+#include "int128/shared_values.h"
 #include "int128/wide_functions.h"
 
 namespace qtx {
@@ -57,14 +57,14 @@ struct Shapes {
 
   // self ∘ other; a copy of self where other is nil.
   template <typename Operation, Text name>
-  static REALobject withObject(REALobject self, REALobject other) noexcept {
+  static REALobject binary(REALobject self, REALobject other) noexcept {
     Trace(name.text);
     const Value value = valueOf<Value>(self);
     return newObject(other ? Operation()(value, valueOf<Value>(other)) : value);
   }
-  // self ∘ other, other a 64-bit integer extended to 128 bits.
+  // The same for a 64-bit integer, extended to 128 bits.
   template <typename Operation, Text name, typename Integer = Word>
-  static REALobject withWord(REALobject self, Integer other) noexcept {
+  static REALobject binaryWord(REALobject self, Integer other) noexcept {
     Trace(name.text);
     return newObject(Operation()(valueOf<Value>(self), Value(other)));
   }
@@ -75,7 +75,7 @@ struct Shapes {
     return newObject(Operation()(Value(other), valueOf<Value>(self)));
   }
   template <typename Operation, Text name>
-  static REALobject computed(REALobject self) noexcept {
+  static REALobject unary(REALobject self) noexcept {
     Trace(name.text);
     return newObject(Operation()(valueOf<Value>(self)));
   }
@@ -112,10 +112,10 @@ struct Shapes {
   }
 
   // Read-only properties that are numbers.
-  template <auto query, Text name>
-  static RBInteger integerQuery(REALobject self, RBInteger) noexcept {
+  template <auto function, Text name>
+  static RBInteger query(REALobject self, RBInteger) noexcept {
     Trace(name.text);
-    return query(valueOf<Value>(self));
+    return function(valueOf<Value>(self));
   }
   static double doubleValue(REALobject self, RBInteger) noexcept {
     Trace("doubleValue");
@@ -234,7 +234,9 @@ struct Shapes {
     Modify<Value>(self);
     rbText view(text);
     const Value value = parseDecimal<Value>(view.utf8());
-    Modify<Value>(self);  // reading the text has run host code, which may have made the object shared
+    // Reading the text has run host code. A host that made something else meanwhile, and was given this very
+    // object for it, has made it the shared one.
+    Modify<Value>(self);
     setValueOf(self, value);
   }
 

@@ -55,11 +55,10 @@ inline std::uint64_t squareRoot(UInt128 value) {
     const auto difference = static_cast<std::int64_t>(static_cast<NativeInt128>(bits - square(root)) >> 16);
     const auto quotient = static_cast<std::int64_t>(static_cast<double>(difference) * 0x1p15 / estimate);
     const std::int64_t correction = quotient - (difference < 0);  // rounded down
-    if (correction > 0 && root > greatest - static_cast<std::uint64_t>(correction)) {
-      root = greatest;
-    } else {
-      root += static_cast<std::uint64_t>(correction);
-    }
+    // Stays within the word. Where the estimate is 2^64, the difference is below twice that, and nothing is
+    // added. Every other estimate is at most 2^64 − 2^11, and what is added at most 2^10 for the rounding of
+    // the square root and 2^9 + 1 for that of the value.
+    root += static_cast<std::uint64_t>(correction);
   }
   if (square(root) > bits) {
     --root;

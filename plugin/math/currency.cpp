@@ -1,3 +1,4 @@
+// Currency amounts out of decimal text.
 #include "math/currency.h"
 
 #include <algorithm>

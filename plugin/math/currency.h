@@ -7,18 +7,18 @@
 namespace qtx {
 
 // Sums, differences and products with a plain integer wrap around.
-constexpr std::int64_t addCurrency(std::int64_t a, std::int64_t b) {
+constexpr std::int64_t addCurrency(std::int64_t a, std::int64_t b) noexcept {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) + static_cast<std::uint64_t>(b));
 }
-constexpr std::int64_t subtractCurrency(std::int64_t a, std::int64_t b) {
+constexpr std::int64_t subtractCurrency(std::int64_t a, std::int64_t b) noexcept {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(a) - static_cast<std::uint64_t>(b));
 }
-constexpr std::int64_t multiplyCurrency(std::int64_t amount, std::int64_t factor) {
+constexpr std::int64_t multiplyCurrency(std::int64_t amount, std::int64_t factor) noexcept {
   return static_cast<std::int64_t>(static_cast<std::uint64_t>(amount) * static_cast<std::uint64_t>(factor));
 }
 
 // Truncates toward zero: −0.0003 by 2 is −0.0001. −2^63 by −1 wraps to −2^63; the divisor is not 0.
-constexpr std::int64_t divideCurrency(std::int64_t amount, std::int64_t divisor) {
+constexpr std::int64_t divideCurrency(std::int64_t amount, std::int64_t divisor) noexcept {
   return divisor == -1 ? subtractCurrency(0, amount) : amount / divisor;
 }
 

@@ -1,3 +1,4 @@
+// CurrencyDivQTX and CurrencyValueQTX: errors of the kernel, raised.
 #include "math/currency_functions.h"
 
 #include "frame/raise.h"

@@ -1,3 +1,4 @@
+// 80-bit records from doubles and back, by bit patterns.
 #include "math/extended.h"
 
 #include <bit>

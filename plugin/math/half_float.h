@@ -9,7 +9,7 @@ namespace qtx {
 // Truncates toward zero: 1.0009 gives 0x3C00. Magnitudes above 65504 become infinity, those below 2^−24 zero;
 // the sign is always kept. A NaN keeps the top ten bits of its fraction, or gets 1 where they are zero, so
 // that it stays a NaN.
-constexpr std::uint16_t toHalf(float x) {
+constexpr std::uint16_t toHalf(float x) noexcept {
   constexpr std::uint32_t smallestNormal = 0x38800000, largest = 0x477FE000, infinity = 0x7F800000;
   const auto bits = std::bit_cast<std::uint32_t>(x);
   const std::uint32_t sign = (bits >> 16) & 0x8000, magnitude = bits & 0x7FFFFFFF;
@@ -28,7 +28,7 @@ constexpr std::uint16_t toHalf(float x) {
 }
 
 // Exact: every half number is a Single. Payloads of NaNs are kept.
-constexpr float fromHalf(std::uint16_t half) {
+constexpr float fromHalf(std::uint16_t half) noexcept {
   const std::uint32_t sign = std::uint32_t{half & 0x8000u} << 16, magnitude = half & 0x7FFF;
   std::uint32_t bits = (magnitude + 0x1C000) << 13;
   if (magnitude >= 0x7C00) {

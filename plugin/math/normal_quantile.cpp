@@ -1,3 +1,4 @@
+// The quantile: a rational approximation, and one step that refines it.
 #include "math/normal_quantile.h"
 
 #include <cmath>

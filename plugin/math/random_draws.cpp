@@ -1,3 +1,4 @@
+// The generator, and how its numbers become draws from three distributions.
 #include "math/random_draws.h"
 
 #include <cmath>

@@ -1,6 +1,6 @@
+// The spline's members: points in, coefficients and values out.
 #include "spline/spline_class.h"
 
-#include <algorithm>
 #include <atomic>
 #include <memory>
 #include <optional>
@@ -86,7 +86,7 @@ void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
   release(data.x);
   release(data.y);
 
-  data.count = upperBound + 1;
+  data.count = static_cast<std::int64_t>(static_cast<std::uint64_t>(upperBound) + 1);
   data.x = new PointSequence;
   data.y = new PointSequence;
   data.a = new CurveSequence;
@@ -94,7 +94,7 @@ void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
   data.c = new Sequence;
   data.d = new Sequence;
 
-  const auto n = static_cast<std::size_t>(std::max<RBInteger>(data.count, 0));
+  const std::size_t n = elementCount(upperBound);
   for (PointSequence* points : {data.x, data.y}) {
     points->storage.reset(new double[n]());
     points->first = points->storage.get();
@@ -147,7 +147,7 @@ double calcY(REALobject self, double x) {
   return (*data.a->curve)(x);
 }
 
-REALproperty properties[] = {fieldProperty("count", "Integer", offsetof(SplineData, count))};
+REALproperty properties[] = {fieldProperty<&SplineData::count>("count", "Integer")};
 
 REALmethodDefinition methods[] = {
     method<&Constructor>("Constructor(X() as Double, Y() as Double)"),
@@ -167,13 +167,5 @@ REALclassDefinition splineClass = classDefinition({.name = "SplineQTX",
                                                    .destructor = entryOf<&SplineDestructor>(),
                                                    .properties = properties,
                                                    .methods = methods});
-
-std::size_t sequencesLeftBehind() {
-  std::size_t count = 0;
-  for (auto* points = leftBehind.load(std::memory_order_acquire); points; points = points->nextLeftBehind) {
-    ++count;
-  }
-  return count;
-}
 
 }  // namespace qtx

@@ -1,6 +1,7 @@
 // The queue's elements and their owner: host calls and trace lines in their order, against a plain array.
 #include "atomic/queue_store.h"
 
+#include <algorithm>
 #include <random>
 
 #include "frame/fake_host.h"
@@ -244,20 +245,24 @@ TEST(QueueStore, ReleasesFromTheBack) {
             (Lines{"unlock 3", "unlock 2", "unlock 1"}));
 }
 
+// Elements move to new storage when one is added to 100 · 2^n of them, at whichever end.
 TEST(QueueStore, DoublesAndKeepsItsCapacity) {
-  FakeHost host;
-  host.withhold("REALLockObject");
-  host.withhold("REALUnlockObject");
+  Recorder recorder;
   QueueStore store;
-  EXPECT_EQ(store.capacity(), 100u);
-  for (int i = 0; i < 100; ++i) store.append(REALObject(thing(i)));
-  EXPECT_EQ(store.capacity(), 100u);
-  store.append(REALObject(thing(100)));
-  EXPECT_EQ(store.capacity(), 200u);
-  for (int i = 0; i < 100; ++i) store.insertAtFront(REALObject(thing(i)));
-  EXPECT_EQ(store.capacity(), 400u);
+  // How many elements move while those from `first` to `last` are added, besides the added ones themselves.
+  const auto moved = [&](int first, int last, void (QueueStore::*add)(REALObject &&)) {
+    const Lines lines = recorder.trace([&] {
+      for (int i = first; i <= last; ++i) (store.*add)(REALObject(thing(i)));
+    });
+    return std::count(lines.begin(), lines.end(), moveConstruction) - (last - first + 1);
+  };
+  void (QueueStore::*const append)(REALObject &&) = &QueueStore::append;
+  EXPECT_EQ(moved(1, 100, append), 0);
+  EXPECT_EQ(moved(101, 101, append), 100);
+  EXPECT_EQ(moved(102, 200, &QueueStore::insertAtFront), 0);
+  EXPECT_EQ(moved(201, 201, &QueueStore::insertAtFront), 200);
   store.clear();
-  EXPECT_EQ(store.capacity(), 400u);
+  EXPECT_EQ(moved(1, 400, append), 0);
 }
 
 TEST(QueueStore, ChecksIndexes) {

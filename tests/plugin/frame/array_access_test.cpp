@@ -7,6 +7,11 @@
 namespace qtx {
 namespace {
 
+static_assert(elementCount(INT64_MIN) == 0);
+static_assert(elementCount(-1) == 0);
+static_assert(elementCount(0) == 1);
+static_assert(elementCount(INT64_MAX) == std::size_t{1} << 63);
+
 // An array object with the host's shape; what the operations answer can be bent apart from it.
 struct FakeArray {
   std::vector<std::int64_t> elements;

@@ -1,7 +1,11 @@
-// Declarations against the functions behind them: all of it happens while compiling.
+// Declarations and property types against what is behind them: all of it happens while compiling.
 #include "frame/checked_declaration.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
+
+#include "frame/records.h"
 
 namespace qtx {
 namespace {
@@ -49,6 +53,111 @@ static_assert(fits<std::int64_t (*)(std::uint64_t)>("A(n as UInt64) as Currency"
 static_assert(fits<REALobject (*)(REALobject)>("A(v as Variant) as Int128QTX"));
 static_assert(!fits<double (*)(float)>("A(x as Double) as Double"));
 static_assert(!fits<REALstring (*)(REALobject)>("A(s as String) as String"));
+
+// A wrong declaration does not compile where it is written, nor does a wrong type.
+template <std::size_t size>
+struct Literal {
+  char text[size];
+  consteval Literal(const char (&literal)[size]) { std::copy_n(literal, size, text); }
+};
+template <typename Checked, Literal text>
+concept Takes = requires {
+  typename std::bool_constant<(Checked(text.text), true)>;
+};
+
+static_assert(Takes<CheckedDeclaration<void (*)(REALobject)>, "Clear">);
+static_assert(!Takes<CheckedDeclaration<void (*)(REALobject)>, "Clear as Boolean">);
+
+// Properties. A getter's and a setter's functions are read off their types alone.
+struct Accessors {
+  static double getDouble(REALobject, RBInteger) { return 0; }
+  static std::uint64_t getUInt64(REALobject, RBInteger) noexcept { return 0; }
+  static void setUInt64(REALobject, RBInteger, std::uint64_t) noexcept {}
+  static REALstring getString(REALobject, RBInteger) { return nullptr; }
+  static void setString(REALobject, RBInteger, REALstring) {}
+  static bool getBoolean(REALobject, RBInteger) { return false; }
+  static void setByte(REALobject, RBInteger, std::uint8_t) {}
+  static REALobject getObject(REALobject, RBInteger) { return nullptr; }
+  static void* getPointer(REALobject, RBInteger) { return nullptr; }
+  static double getWithoutParameter(REALobject) { return 0; }
+  static double getNeither() { return 0; }
+  static void setNeither(double) {}
+  static void setInOtherOrder(REALobject, std::uint64_t, RBInteger) {}
+  static std::uint64_t setWithResult(REALobject, RBInteger, std::uint64_t) { return 0; }
+};
+using A = Accessors;
+
+template <auto getter, auto setter, Literal type>
+constexpr bool isProperty =
+    Takes<CheckedType<detail::PropertyFit<detail::PropertyKind::instance, getter, setter>>, type>;
+static_assert(isProperty<&A::getDouble, nullptr, "Double">);
+static_assert(!isProperty<&A::getDouble, nullptr, "UInt64">);
+static_assert(!isProperty<&A::getUInt64, nullptr, "Double">);
+static_assert(isProperty<&A::getUInt64, &A::setUInt64, "uint64">);
+static_assert(!isProperty<&A::getUInt64, &A::setUInt64, "Int64">);
+static_assert(!isProperty<&A::getUInt64, &A::setString, "UInt64">);
+static_assert(!isProperty<&A::getDouble, &A::setUInt64, "UInt64">);
+static_assert(isProperty<&A::getString, &A::setString, "String">);
+static_assert(!isProperty<&A::getString, &A::setString, "Variant">);
+static_assert(isProperty<&A::getBoolean, &A::setByte, "Boolean">);
+static_assert(!isProperty<&A::getBoolean, &A::setUInt64, "Boolean">);
+static_assert(isProperty<&A::getObject, nullptr, "Int128QTX">);
+static_assert(!isProperty<&A::getObject, nullptr, "Variant()">);
+static_assert(isProperty<&A::getPointer, nullptr, "Ptr">);
+static_assert(!isProperty<&A::getPointer, nullptr, "Integer">);
+
+// What stands in front of the value.
+static_assert(!isProperty<&A::getWithoutParameter, nullptr, "Double">);
+static_assert(!isProperty<&A::getNeither, &A::setNeither, "Double">);
+static_assert(!isProperty<&A::getDouble, &A::setNeither, "Double">);
+static_assert(!isProperty<&A::getUInt64, &A::setInOtherOrder, "UInt64">);
+static_assert(!isProperty<&A::getUInt64, &A::setWithResult, "UInt64">);
+static_assert(!isProperty<&A::setUInt64, nullptr, "UInt64">);
+
+template <auto getter, auto setter, Literal type>
+constexpr bool isSharedProperty =
+    Takes<CheckedType<detail::PropertyFit<detail::PropertyKind::shared, getter, setter>>, type>;
+static_assert(isSharedProperty<&A::getNeither, &A::setNeither, "Double">);
+static_assert(isSharedProperty<&A::getNeither, nullptr, "Double">);
+static_assert(!isSharedProperty<&A::getNeither, &A::setNeither, "Single">);
+static_assert(!isSharedProperty<&A::getDouble, nullptr, "Double">);
+static_assert(!isSharedProperty<&A::getNeither, &A::setUInt64, "Double">);
+
+// Fields, which the host reads and writes where they are.
+struct Fields {
+  double first;
+  std::int64_t second;
+};
+static_assert(Takes<CheckedType<detail::FieldFit<std::int64_t>>, "Integer">);
+static_assert(!Takes<CheckedType<detail::FieldFit<std::int64_t>>, "UInt64">);
+static_assert(!Takes<CheckedType<detail::FieldFit<double>>, "Single">);
+
+TEST(PropertyRecord, HoldsItsFunctions) {
+  const REALproperty both = property<&A::getUInt64, &A::setUInt64>("Value", "UInt64");
+  EXPECT_STREQ(both.name, "Value");
+  EXPECT_STREQ(both.type, "UInt64");
+  EXPECT_EQ(both.flags, 6u);
+  EXPECT_EQ(both.getter, entryOf<&A::getUInt64>());
+  EXPECT_EQ(both.setter, entryOf<&A::setUInt64>());
+  EXPECT_EQ(property<&A::getDouble>("Value", "Double").setter, nullptr) << "read-only";
+  EXPECT_EQ((sharedProperty<&A::getNeither, &A::setNeither>("Value", "Double").flags), 0x26u);
+  // A host that walks these finds nothing.
+  for (const REALproperty& record : {both, fieldProperty<&Fields::second>("second", "Integer")}) {
+    EXPECT_EQ(record.group, nullptr);
+    EXPECT_EQ(record.editorCount, 0u);
+    EXPECT_EQ(record.editors, nullptr);
+    EXPECT_EQ(record.attributes, nullptr);
+    EXPECT_EQ(record.attributeCount, 0u);
+  }
+  EXPECT_EQ(both.parameter, 0);
+}
+
+TEST(PropertyRecord, LeavesAFieldToTheHost) {
+  const REALproperty record = fieldProperty<&Fields::second>("second", "Integer");
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record.getter), UINTPTR_MAX);
+  EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record.setter), UINTPTR_MAX);
+  EXPECT_EQ(record.parameter, 8);
+}
 
 }  // namespace
 }  // namespace qtx

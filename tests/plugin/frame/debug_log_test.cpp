@@ -26,20 +26,6 @@ TEST(Debugging, TakesAnyByteButZeroForOn) {
   EXPECT_FALSE(getDebugging());
 }
 
-TEST(Debugging, HasOneHiddenSharedPropertyRecord) {
-  ASSERT_EQ(std::size(debuggingProperty), 1u);
-  const REALproperty& record = debuggingProperty[0];
-  EXPECT_EQ(record.group, nullptr);
-  EXPECT_STREQ(record.name, "Debugging");
-  EXPECT_STREQ(record.type, "Boolean");
-  EXPECT_EQ(record.flags, 0x26u);
-  ASSERT_EQ(record.attributeCount, 1u);
-  EXPECT_STREQ(record.attributes[0].name, "Hidden");
-  EXPECT_STREQ(record.attributes[0].value, "");
-  logOf([&] { reinterpret_cast<void (*)(std::uint8_t)>(record.setter)(1); });
-  EXPECT_TRUE(reinterpret_cast<bool (*)()>(record.getter)());
-}
-
 TEST(LogMessageX, WritesWhetherOrNotDebuggingIsOn) {
   EXPECT_EQ(logOf([] { LogMessageX("%s%s %u", logPrefix, "number", 7u); }), "QTX Debug: number 7\n");
 }

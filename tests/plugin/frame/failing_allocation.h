@@ -1,4 +1,4 @@
-// Makes allocations of chosen sizes fail, to reach the code that handles it.
+// Makes allocations of chosen sizes fail, to reach the code that handles it; counts those that succeed.
 #pragma once
 
 #include <cstddef>
@@ -14,5 +14,8 @@ class FailAllocationsOf {
   FailAllocationsOf(const FailAllocationsOf&) = delete;
   FailAllocationsOf& operator=(const FailAllocationsOf&) = delete;
 };
+
+// How many blocks of operator new there are.
+long livingAllocations();
 
 }  // namespace qtx

@@ -180,6 +180,7 @@ class FakeHost {
   std::vector<REALmethodDefinition*> functions;
   std::int32_t controlVersion = 0;
   int openStringData = 0;
+  int nilLocks = 0;
   std::vector<std::string> conversions;  // "REALConvertString 134217984" and the like, in order
 
   static inline FakeHost* current = nullptr;
@@ -205,9 +206,15 @@ class FakeHost {
           return current->unknownClasses.contains(name) ? nullptr : current->makeObject(name);
         });
     offer(
-        "REALLockObject", +[](REALobject handle) { current->lock(handle); });
+        "REALLockObject", +[](REALobject handle) {
+          if (!handle) ++current->nilLocks;
+          current->lock(handle);
+        });
     offer(
-        "REALUnlockObject", +[](REALobject handle) { current->unlock(handle); });
+        "REALUnlockObject", +[](REALobject handle) {
+          EXPECT_NE(handle, nullptr);
+          current->unlock(handle);
+        });
     offer(
         "REALSetPropValueString", +[](REALobject handle, const char* name, REALstring text) {
           if (text) current->object(handle).texts[name] = current->bytesOf(text);
@@ -229,7 +236,10 @@ class FakeHost {
     offer(
         "REALLockString", +[](REALstring handle) { current->lock(handle); });
     offer(
-        "REALUnlockString", +[](REALstring handle) { current->unlock(handle); });
+        "REALUnlockString", +[](REALstring handle) {
+          EXPECT_NE(handle, nullptr);
+          current->unlock(handle);
+        });
     offer(
         "StringGetCString",
         +[](REALstring handle) -> const char* { return current->string(handle).bytes.data(); });

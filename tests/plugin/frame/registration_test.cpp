@@ -226,6 +226,23 @@ TEST(RegisterFunctions, CopiesEachRecordIntoTheModuleInOrder) {
   }
 }
 
+TEST(Debugging, HasOneHiddenSharedPropertyRecord) {
+  ASSERT_EQ(std::size(debuggingProperty), 1u);
+  const REALproperty& record = debuggingProperty[0];
+  EXPECT_EQ(record.group, nullptr);
+  EXPECT_STREQ(record.name, "Debugging");
+  EXPECT_STREQ(record.type, "Boolean");
+  EXPECT_EQ(record.flags, 0x26u);
+  EXPECT_EQ(record.parameter, 0);
+  EXPECT_EQ(record.editorCount, 0u);
+  EXPECT_EQ(record.editors, nullptr);
+  ASSERT_EQ(record.attributeCount, 1u);
+  EXPECT_STREQ(record.attributes[0].name, "Hidden");
+  EXPECT_STREQ(record.attributes[0].value, "");
+  logOf([&] { reinterpret_cast<void (*)(std::uint8_t)>(record.setter)(1); });
+  EXPECT_TRUE(reinterpret_cast<bool (*)()>(record.getter)());
+}
+
 TEST(RegisterFunctions, GivesDebuggingAScopeWhereItHasNoneAndAdaptsIt) {
   FakeHost host(2020.01);
   debuggingProperty[0].flags = 0x30A;

@@ -78,6 +78,22 @@ TEST(DecimalText, GoesBothWaysForAllDigitCounts) {
   for (const NativeUInt128 bits : corners()) checkRoundTrip(bits);
 }
 
+// Where the digits are cut in two: on both sides of the multiples of 10^19.
+TEST(DecimalText, GoesBothWaysAroundMultiplesOfTenTo19) {
+  const std::uint64_t tenTo19 = 10'000'000'000'000'000'000u;
+  const auto check = [&](std::uint64_t multiple) {
+    for (const std::uint64_t rest : {std::uint64_t{0}, std::uint64_t{1}, tenTo19 - 1}) {
+      checkRoundTrip(NativeUInt128{multiple} * tenTo19 + rest);
+    }
+  };
+  for (std::uint64_t i = 0; i < 1000; ++i) {
+    check(i);
+    check(tenTo19 - 1 - i);
+  }
+  RandomBits random;
+  for (int i = 0; i < 20'000; ++i) check(random.word());  // up to 10^38 and beyond
+}
+
 TEST(DecimalText, GoesBothWaysAtRandom) {
   RandomBits random;
   for (int i = 0; i < 300'000; ++i) checkRoundTrip(random.ofAnyWidth());

@@ -364,6 +364,7 @@ TYPED_TEST(SharedSmallValues, AreMadeOnceTheHostCan) {
   debugging = true;
   EXPECT_EQ(logOf([&] { EXPECT_EQ(numbers.template shared<TypeParam>("one"), nullptr); }),
             "QTX Debug: new constant 1\n");
+  EXPECT_EQ(host.nilLocks, 0);
   debugging = false;
   host.unknownClasses.clear();
   const REALobject one = numbers.template shared<TypeParam>("one");

@@ -62,6 +62,15 @@ std::uint64_t modelRotation(std::uint64_t value, std::int64_t count, std::int64_
   return result;
 }
 
+TEST(Words, AreBits16To31And0To15) {
+  EXPECT_EQ(highWord(0x12345678), 0x1234);
+  EXPECT_EQ(lowWord(0x12345678), 0x5678);
+  EXPECT_EQ(highWord(std::int64_t{1} << 32), 0);
+  EXPECT_EQ(highWord(-1), 65535);
+  EXPECT_EQ(lowWord(-1), 65535);
+  EXPECT_EQ(highWord(INT64_MIN), 0);
+}
+
 TEST(Rotation, MovesTheFieldAndNothingElse) {
   EXPECT_EQ(rotateField(0b0001, 1, 0, 4), 0b0010u);
   EXPECT_EQ(rotateField(0b1000, 1, 0, 4), 0b0001u);

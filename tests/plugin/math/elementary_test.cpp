@@ -107,15 +107,6 @@ TEST(Factorial, IsZeroBeyond58) {
   }
 }
 
-TEST(Words, AreBits16To31And0To15) {
-  EXPECT_EQ(highWord(0x12345678), 0x1234);
-  EXPECT_EQ(lowWord(0x12345678), 0x5678);
-  EXPECT_EQ(highWord(std::int64_t{1} << 32), 0);
-  EXPECT_EQ(highWord(-1), 65535);
-  EXPECT_EQ(lowWord(-1), 65535);
-  EXPECT_EQ(highWord(INT64_MIN), 0);
-}
-
 TEST(Conversion, TruncatesAndSaturates) {
   const struct {
     double value;

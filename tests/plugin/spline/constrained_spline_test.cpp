@@ -1,25 +1,17 @@
-// The spline's kernel against the formulas written out one by one, and its search against a plain scan.
+// The spline's kernel against the formulas written out one by one.
 #include "spline/constrained_spline.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <bit>
 #include <cmath>
 #include <cstdint>
-#include <functional>
-#include <limits>
-#include <memory>
 #include <random>
-#include <vector>
+
+#include "knots.h"
 
 namespace qtx {
 namespace {
-
-constexpr double infinity = std::numeric_limits<double>::infinity();
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-
-using Values = std::vector<double>;
 
 // Equal bits, or both NaN: processors differ in the sign of the NaN they make.
 testing::AssertionResult same(double actual, double expected) {
@@ -31,10 +23,10 @@ testing::AssertionResult same(double actual, double expected) {
 }
 
 // The formulas, each sequence with its placeholder at index 0.
-struct Reference {
+struct Formulas {
   Values x, a{0.0}, b{0.0}, c{0.0}, d{0.0};
 
-  Reference(const Values& points, const Values& y) : x(points) {
+  Formulas(const Values& points, const Values& y) : x(points) {
     const std::size_t n = x.size();
     Values dx{0.0}, dy{0.0}, s(n), l{0.0}, r{0.0};
     for (std::size_t i = 1; i < n; ++i) {
@@ -73,111 +65,8 @@ struct Reference {
   }
 };
 
-class Generator {
- public:
-  explicit Generator(std::uint64_t seed) : engine_(seed) {}
-  std::size_t below(std::size_t limit) { return engine_() % limit; }
-  double anywhere() { return std::uniform_real_distribution<double>(-100, 100)(engine_); }
-  // Any bit pattern, so any exponent, infinities and NaN.
-  double anyBits() { return std::bit_cast<double>(engine_()); }
-
-  enum class Kind { ascending, equalRuns, descending, shuffled, fewValues, withSpecials, anyBits, allNaN };
-  static constexpr int kinds = 8;
-  Values knots(Kind kind, std::size_t n) {
-    Values values(n);
-    for (double& value : values) {
-      value = kind == Kind::fewValues || kind == Kind::equalRuns ? static_cast<double>(below(5))
-              : kind == Kind::anyBits                            ? anyBits()
-              : kind == Kind::allNaN                             ? nan
-                                                                 : anywhere();
-    }
-    if (kind == Kind::ascending || kind == Kind::equalRuns || kind == Kind::withSpecials) {
-      std::sort(values.begin(), values.end());
-    }
-    if (kind == Kind::descending) std::sort(values.begin(), values.end(), std::greater<>());
-    if (kind == Kind::withSpecials) {
-      const double specials[] = {infinity, -infinity, nan, 0.0, -0.0};
-      for (double& value : values) {
-        if (below(20) == 0) value = specials[below(5)];
-      }
-    }
-    return values;
-  }
-
- private:
-  std::mt19937_64 engine_;
-};
-
-std::size_t scan(const Values& x, double at) {
-  for (std::size_t i = 1; i < x.size(); ++i) {
-    if (!(at > x[i])) return i;
-  }
-  return x.size() - 1;
-}
-
-void expectSameIntervals(const Values& x, const Values& coordinates) {
-  KnotIndex index(x.size());
-  std::unique_ptr<double[]> maxima(new double[index.size()]);
-  index.fill(x.data(), maxima.get());
-  for (const double at : coordinates) {
-    ASSERT_EQ(index.find(x.data(), at), scan(x, at)) << "of " << x.size() << " at " << at;
-  }
-}
-
-Values coordinatesAround(const Values& x, Generator& generator) {
-  Values coordinates{infinity, -infinity, nan, -nan, 0.0, -0.0, 1e308, -1e308, generator.anyBits()};
-  for (int i = 0; i < 40; ++i) {
-    const double knot = x[generator.below(x.size())];
-    for (const double at :
-         {knot, std::nextafter(knot, infinity), std::nextafter(knot, -infinity), generator.anywhere()}) {
-      coordinates.push_back(at);
-    }
-  }
-  return coordinates;
-}
-
-// Every size up to where the index has three levels, then the sizes at which a level fills up.
-TEST(KnotIndex, FindsWhatTheScanFinds) {
-  Generator generator(1);
-  std::vector<std::size_t> sizes;
-  for (std::size_t n = 2; n < 700; ++n) sizes.push_back(n);
-  for (const std::size_t full : {16 * 16 * 16, 16 * 16 * 16 * 16}) {
-    for (const std::size_t n : {full - 1, full, full + 1, full + 2}) sizes.push_back(n);
-  }
-  for (const std::size_t n : sizes) {
-    for (int kind = 0; kind < Generator::kinds; ++kind) {
-      const Values x = generator.knots(static_cast<Generator::Kind>(kind), n);
-      ASSERT_NO_FATAL_FAILURE(expectSameIntervals(x, coordinatesAround(x, generator))) << "kind " << kind;
-    }
-  }
-}
-
-// One odd knot at each place in turn, among knots in order.
-TEST(KnotIndex, FindsAroundASingleOddKnot) {
-  for (const std::size_t n : {3, 17, 18, 40, 300}) {
-    for (const double odd : {nan, infinity, -infinity, 1e9, -1e9}) {
-      for (std::size_t place = 0; place < n; ++place) {
-        Values x(n);
-        for (std::size_t i = 0; i < n; ++i) x[i] = static_cast<double>(i);
-        x[place] = odd;
-        Values coordinates{infinity, -infinity, nan};
-        for (std::size_t i = 0; i <= n; ++i) coordinates.push_back(static_cast<double>(i) - 0.5);
-        coordinates.insert(coordinates.end(), x.begin(), x.end());
-        ASSERT_NO_FATAL_FAILURE(expectSameIntervals(x, coordinates)) << odd << " at " << place;
-      }
-    }
-  }
-}
-
-// No memory to speak of: a fifteenth of the knots' own, and a node per level.
-TEST(KnotIndex, NeedsAFifteenthOfTheKnots) {
-  for (const std::size_t n : {2u, 17u, 1000u, 1000000u, 100000000u}) {
-    EXPECT_LE(KnotIndex(n).size(), n / 15 + 16 * 8) << n;
-  }
-}
-
 void expectSameCurves(const Values& x, const Values& y, const Values& coordinates) {
-  const Reference expected(x, y);
+  const Formulas expected(x, y);
   const ConstrainedSpline actual(x.data(), y.data(), x.size());
   for (std::size_t i = 0; i < x.size(); ++i) {
     const double* cubic = actual.coefficients() + ConstrainedSpline::stride * i;

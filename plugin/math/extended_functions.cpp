@@ -1,11 +1,10 @@
-#include "math/string_functions.h"
+// ExtendedStrToDoubleQTX and DoubleToExtendedStrQTX: records in strings.
+#include "math/extended_functions.h"
 
-#include <array>
 #include <cstring>
 
 #include "frame/text_bridge.h"
 #include "math/extended.h"
-#include "math/luhn.h"
 
 #if defined(__APPLE__)
 // Of CoreServices; declared here because the plug-in builds without the platform's frameworks at hand.
@@ -19,8 +18,6 @@ extern "C" double x80tod(const Float80* record);
 #endif
 
 namespace qtx {
-
-bool IsValidCreditCardNumber(REALstring number) { return number && passesLuhn(rbText(number).plain()); }
 
 double ExtendedStrToDouble(REALstring bytes) {
 #if defined(__APPLE__)

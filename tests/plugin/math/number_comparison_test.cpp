@@ -1,6 +1,5 @@
 // CompareNumbersQTX over every pair of type codes: which values are read, by which of the host's operations,
 // and what is made of them.
-#include "math/compare_numbers.h"
 
 #include <gtest/gtest.h>
 
@@ -9,6 +8,8 @@
 
 #include "frame/fake_host.h"
 #include "math/number_comparison.h"
+#include "math/number_comparison_functions.h"
+#include "math/number_kind.h"
 
 namespace qtx {
 namespace {

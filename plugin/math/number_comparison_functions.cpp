@@ -1,9 +1,12 @@
-#include "math/compare_numbers.h"
+// CompareNumbersQTX: variants read as their types say, and compared.
+#include "math/number_comparison_functions.h"
 
 #include "frame/host_operations.h"
 #include "frame/raise.h"
+#include "frame/reference.h"
 #include "frame/variant_access.h"
 #include "math/number_comparison.h"
+#include "math/number_kind.h"
 
 namespace qtx {
 
@@ -60,27 +63,16 @@ RBInteger compareUnsigned(std::uint64_t left, REALobject right, RBInteger rightT
 }
 
 // A variant's text; nil is the empty string.
-class VariantText {
- public:
-  explicit VariantText(REALobject variant) : string_(variant ? GetVariantString(variant) : nullptr) {}
-  ~VariantText() {
-    if (string_) REALUnlockString(string_);
-  }
-  VariantText(const VariantText&) = delete;
-  VariantText& operator=(const VariantText&) = delete;
-
-  REALstring string() const { return string_; }
-
- private:
-  REALstring string_;
-};
+Reference<REALstring> textOf(REALobject variant) {
+  return Reference<REALstring>(variant ? GetVariantString(variant) : nullptr);
+}
 
 }  // namespace
 
 RBInteger CompareNumberVariants(REALobject left, REALobject right) {
   const RBInteger leftType = GetVariantType(left);
   const RBInteger rightType = GetVariantType(right);
-  if ((leftType | rightType) & variantArrayFlag) return refuse("Can't compare arrays.");
+  if ((leftType | rightType) & variantType::arrayFlag) return refuse("Can't compare arrays.");
   switch (kindOf(leftType)) {
     case NumberKind::signedInteger:
       return compareSigned(GetVariantInt64(left), right, rightType);
@@ -89,9 +81,9 @@ RBInteger CompareNumberVariants(REALobject left, REALobject right) {
     case NumberKind::unsignedInteger:
       return compareUnsigned(GetVariantUInt64(left), right, rightType);
     case NumberKind::text: {
-      const VariantText leftText(left);
-      const VariantText rightText(right);
-      return REALCompareStrings(leftText.string(), rightText.string());
+      const Reference leftText = textOf(left);
+      const Reference rightText = textOf(right);
+      return REALCompareStrings(leftText.borrow(), rightText.borrow());
     }
     case NumberKind::other:
       break;

@@ -1,12 +1,9 @@
-// The normal quantile and the random draws as the host calls them.
+// The random draws as the host calls them.
 #pragma once
 
 #include "frame/host_interface.h"
 
 namespace qtx {
-
-// mu + sigma · Φ⁻¹(p); raises where p is outside of 0 to 1.
-double NormInv(double p, double mu, double sigma);
 
 double Random_NormalDistribution(double mean, double standardDeviation) noexcept;
 RBInteger Random_PoissonDistribution(RBInteger mean) noexcept;  // the mean's low 32 bits count

@@ -1,21 +1,12 @@
-#include "math/random_functions.h"
+// The process's one generator and the draws from it.
+#include "math/random_draws_functions.h"
 
 #include <chrono>
 #include <random>
 
-#include "frame/raise.h"
-#include "math/normal_quantile.h"
 #include "math/random_draws.h"
 
 namespace qtx {
-
-double NormInv(double p, double mu, double sigma) {
-  if (p < 0 || p > 1) {
-    RaiseException("OutOfBoundsException", "Invalid value for p");
-    return 0;
-  }
-  return sigma * normalQuantile(p) + mu;
-}
 
 namespace {
 
@@ -28,7 +19,6 @@ std::uint32_t seed() noexcept {
   }
 }
 
-// The one generator of the process.
 RandomDraws draws(seed());
 
 }  // namespace

@@ -1,11 +1,9 @@
-// The credit card check and 80-bit numbers in strings, as the host calls them.
+// 80-bit numbers in strings, as the host calls them.
 #pragma once
 
 #include "frame/host_interface.h"
 
 namespace qtx {
-
-bool IsValidCreditCardNumber(REALstring number);  // nil is not valid, the empty text is
 
 // The ten bytes are the platform's own record where it has one, and big-endian elsewhere. Strings of any
 // other length are read as 0.

@@ -1,0 +1,70 @@
+// The search for an interval against a plain scan.
+#include "spline/knot_index.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+#include "knots.h"
+
+namespace qtx {
+namespace {
+
+std::size_t scan(const Values& x, double at) {
+  for (std::size_t i = 1; i < x.size(); ++i) {
+    if (!(at > x[i])) return i;
+  }
+  return x.size() - 1;
+}
+
+void expectSameIntervals(const Values& x, const Values& coordinates) {
+  KnotIndex index(x.size());
+  std::unique_ptr<double[]> maxima(new double[index.size()]);
+  index.fill(x.data(), maxima.get());
+  for (const double at : coordinates) {
+    ASSERT_EQ(index.find(x.data(), at), scan(x, at)) << "of " << x.size() << " at " << at;
+  }
+}
+
+// Every size up to where the index has three levels, then the sizes at which a level fills up.
+TEST(KnotIndex, FindsWhatTheScanFinds) {
+  Generator generator(1);
+  std::vector<std::size_t> sizes;
+  for (std::size_t n = 2; n < 700; ++n) sizes.push_back(n);
+  for (const std::size_t full : {16 * 16 * 16, 16 * 16 * 16 * 16}) {
+    for (const std::size_t n : {full - 1, full, full + 1, full + 2}) sizes.push_back(n);
+  }
+  for (const std::size_t n : sizes) {
+    for (int kind = 0; kind < Generator::kinds; ++kind) {
+      const Values x = generator.knots(static_cast<Generator::Kind>(kind), n);
+      ASSERT_NO_FATAL_FAILURE(expectSameIntervals(x, coordinatesAround(x, generator))) << "kind " << kind;
+    }
+  }
+}
+
+// One odd knot at each place in turn, among knots in order.
+TEST(KnotIndex, FindsAroundASingleOddKnot) {
+  for (const std::size_t n : {3, 17, 18, 40, 300}) {
+    for (const double odd : {nan, infinity, -infinity, 1e9, -1e9}) {
+      for (std::size_t place = 0; place < n; ++place) {
+        Values x(n);
+        for (std::size_t i = 0; i < n; ++i) x[i] = static_cast<double>(i);
+        x[place] = odd;
+        Values coordinates{infinity, -infinity, nan};
+        for (std::size_t i = 0; i <= n; ++i) coordinates.push_back(static_cast<double>(i) - 0.5);
+        coordinates.insert(coordinates.end(), x.begin(), x.end());
+        ASSERT_NO_FATAL_FAILURE(expectSameIntervals(x, coordinates)) << odd << " at " << place;
+      }
+    }
+  }
+}
+
+// No memory to speak of: a fifteenth of the knots' own, and a node per level.
+TEST(KnotIndex, NeedsAFifteenthOfTheKnots) {
+  for (const std::size_t n : {2u, 17u, 1000u, 1000000u, 100000000u}) {
+    EXPECT_LE(KnotIndex(n).size(), n / 15 + 16 * 8) << n;
+  }
+}
+
+}  // namespace
+}  // namespace qtx
