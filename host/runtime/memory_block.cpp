@@ -1,10 +1,14 @@
-// MemoryBlock: bytes that a program reads and writes by type, and hands to libraries as a Ptr.
+// Reads, writes and resizes MemoryBlocks.
+#include "runtime/memory_block.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
-#include "runtime/host_classes.h"
+#include "runtime/exception.h"
+#include "runtime/host_record.h"
 
 namespace host {
 
@@ -114,7 +118,7 @@ REALmethodDefinition accessor(const char* declaration, auto getter, auto setter)
 
 }  // namespace
 
-void registerMemoryBlock(Registry& registry) {
+const Class& registerMemoryBlock(Registry& registry) {
   static REALproperty properties[] = {
       hostProperty("Size", "Integer", &getSize, &setSize),
       hostProperty("LittleEndian", "Boolean", &getLittleEndian, &setLittleEndian),
@@ -140,7 +144,7 @@ void registerMemoryBlock(Registry& registry) {
       hostMethod("Operator_Convert(value as String)", &fromString),
   };
   static REALclassDefinition record = hostClass<MemoryData>("MemoryBlock", properties, methods, &destroy);
-  registry.addClass(record, false);
+  return registry.addClass(record, false);
 }
 
 }  // namespace host

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "runtime/exception.h"
+#include "runtime/host_classes.h"
 
 namespace host {
 namespace {
@@ -74,7 +75,7 @@ TEST(Call, PassesVariablesByReference) {
 }
 
 TEST(Call, ThrowsWhatWasLeftPendingAndGivesTheResultBack) {
-  registry();
+  startRuntime();
   static Object* made = nullptr;
   const Call call = callOf(
       +[]() -> void* {
