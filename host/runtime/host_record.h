@@ -4,22 +4,40 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <type_traits>
 
 #include "frame/host_interface.h"
+#include "runtime/checked_declaration.h"
 #include "runtime/object.h"
 
 namespace host {
 
-// One record of a host class's table.
+// A method, shared method or global function.
 template <typename Result, typename... Arguments>
-REALmethodDefinition hostMethod(const char* declaration, Result (*function)(Arguments...)) {
-  return {reinterpret_cast<REALproc>(function), nullptr, declaration, recordFlags::console, nullptr, 0};
+REALmethodDefinition hostMethod(
+    std::type_identity_t<CheckedDeclaration<Result (*)(Arguments...)>> declaration,
+    Result (*function)(Arguments...)) {
+  return {reinterpret_cast<REALproc>(function), nullptr, declaration.text, recordFlags::console, nullptr, 0};
 }
-template <typename Getter, typename Setter>
-REALproperty hostProperty(const char* name, const char* type, Getter getter, Setter setter) {
+
+// A method that can be assigned to: the setter takes what the getter does, and then the value.
+template <typename Value, typename... Arguments>
+REALmethodDefinition hostMethod(std::type_identity_t<CheckedDeclaration<Value (*)(Arguments...)>> declaration,
+                                Value (*getter)(Arguments...),
+                                std::type_identity_t<void (*)(Arguments..., Value)> setter) {
+  REALmethodDefinition record = hostMethod(declaration, getter);
+  record.setterFunction = reinterpret_cast<REALproc>(setter);
+  return record;
+}
+
+// A property of instances; read-only without a setter.
+template <typename Value>
+REALproperty hostProperty(const char* name, std::type_identity_t<CheckedType<Value>> type,
+                          Value (*getter)(REALobject, std::intptr_t),
+                          std::type_identity_t<void (*)(REALobject, std::intptr_t, Value)> setter = nullptr) {
   REALproperty record = {};
   record.name = name;
-  record.type = type;
+  record.type = type.text;
   record.getter = reinterpret_cast<REALproc>(getter);
   record.setter = reinterpret_cast<REALproc>(setter);
   return record;

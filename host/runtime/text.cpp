@@ -48,9 +48,20 @@ const char* iconvName(std::uint32_t textEncoding) {
   }
 }
 
+// Whether these encodings write ASCII in the same bytes.
+bool sharesAscii(std::uint32_t textEncoding) {
+  return textEncoding == encoding::utf8 || textEncoding == encoding::ascii ||
+         textEncoding == encoding::isoLatin1 || textEncoding == encoding::windowsLatin1 ||
+         textEncoding == encoding::macRoman;
+}
+
 // The bytes in the other encoding. What the source cannot mean becomes U+FFFD or '?';
 // what the target cannot express becomes '?'.
 std::optional<std::string> recode(std::string_view bytes, std::uint32_t from, std::uint32_t to) {
+  if (sharesAscii(from) && sharesAscii(to) &&
+      std::none_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) != 0; })) {
+    return std::string(bytes);
+  }
   const char* source = iconvName(from);
   const char* target = iconvName(to);
   if (!source || !target) return std::nullopt;

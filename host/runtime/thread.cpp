@@ -121,7 +121,7 @@ void joinAll() {
 
 const Class& registerThread(Registry& registry) {
   static REALproperty properties[] = {
-      hostProperty("IsRunning", "Boolean", &isRunning, static_cast<void (*)()>(nullptr)),
+      hostProperty("IsRunning", "Boolean", &isRunning),
   };
   static REALmethodDefinition methods[] = {
       hostMethod("Start", &start),
