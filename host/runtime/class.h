@@ -33,7 +33,6 @@ class Class {
  public:
   std::string name;
   const Class* super = nullptr;
-  std::size_t dataSize = 0;      // of this class's own data
   std::size_t dataOffset = 0;    // from the handle
   std::size_t instanceSize = 0;  // the whole object
   Call initializer, destructor;  // empty where there is none

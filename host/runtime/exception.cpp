@@ -23,7 +23,6 @@ void throwException(std::string_view className, std::string_view message) {
 }
 
 std::string messageOf(const Object& exception) { return utf8Of(dataOf(exception).message); }
-std::int64_t errorNumberOf(const Object& exception) { return dataOf(exception).errorNumber; }
 
 void setPending(Ref<Object> exception) { release(std::exchange(pendingException, exception.detach())); }
 Ref<Object> takePending() {

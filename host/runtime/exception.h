@@ -29,7 +29,6 @@ class HostException {
 };
 
 std::string messageOf(const Object& exception);  // its Message, in UTF-8
-std::int64_t errorNumberOf(const Object& exception);
 
 // The plug-in's raising operation marks an exception pending on the calling thread; it is thrown when the
 // call returns. A second one before that replaces the first.

@@ -111,7 +111,6 @@ Class& Registry::addClass(REALclassDefinition& record, bool fromLibrary) {
   }
   const std::size_t start = added.super ? added.super->instanceSize : sizeof(Heap);
   added.dataOffset = (start + 15) / 16 * 16;
-  added.dataSize = record.dataSize;
   added.instanceSize = (added.dataOffset + record.dataSize + 15) / 16 * 16;
   record.dataOffset = added.dataOffset;
 

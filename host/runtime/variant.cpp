@@ -114,16 +114,22 @@ std::int64_t toInteger(Slot value, Type from, bool asWord) {
                       nameOf(typeIn(variant)) + " cannot be converted to " + nameOf(to) + ".");
 }
 
+const BoxData& boxed(const Heap* variant) {
+  auto* object = static_cast<Object*>(const_cast<Heap*>(variant));
+  return *reinterpret_cast<const BoxData*>(object->dataOf(*variant->objectClass));
+}
+
+// Borrowed: of a box the plain value, otherwise the thing itself.
+Slot valueIn(const Heap* variant) {
+  const bool isBox = variant && variant->objectClass->boxed != Kind::None;
+  return isBox ? boxed(variant).value : Slot{.heap = const_cast<Heap*>(variant)};
+}
+
 Slot fromVariant(const Heap* variant, Type to) {
   const Type inside = typeIn(variant);
   if (inside.kind == Kind::Nil) return Slot{};
   if (inside.array || inside.kind == Kind::Object) mismatch(variant, to);
   return convert(valueIn(variant), inside, to);
-}
-
-const BoxData& boxed(const Heap* variant) {
-  auto* object = static_cast<Object*>(const_cast<Heap*>(variant));
-  return *reinterpret_cast<const BoxData*>(object->dataOf(*variant->objectClass));
 }
 
 }  // namespace
@@ -161,11 +167,6 @@ Type typeIn(const Heap* variant) {
   if (variant->objectClass == hostClasses().array)
     return static_cast<const Array*>(variant)->elementType.arrayOf();
   return {Kind::Object, false, variant->objectClass};
-}
-
-Slot valueIn(const Heap* variant) {
-  const bool isBox = variant && variant->objectClass->boxed != Kind::None;
-  return isBox ? boxed(variant).value : Slot{.heap = const_cast<Heap*>(variant)};
 }
 
 namespace {

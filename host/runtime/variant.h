@@ -29,7 +29,6 @@ Ref<Heap> box(Slot value, Type type);
 // What is in it: for a box the plain type, for an object its class, for an array its type; Kind::Nil for
 // null.
 Type typeIn(const Heap* variant);
-Slot valueIn(const Heap* variant);  // borrowed
 
 std::int64_t varTypeOf(const Heap* variant);
 

@@ -67,7 +67,10 @@ TEST(Operations, RaiseWhatIsThrownLater) {
   const Ref<Object> pending = takePending();
   ASSERT_TRUE(pending);
   EXPECT_EQ(messageOf(*pending), "nothing there");
-  EXPECT_EQ(errorNumberOf(*pending), 7);
+  RBInteger number = 0;
+  EXPECT_TRUE(operation<bool(REALobject, const char*, RBInteger*)>("REALGetPropValueInteger")(
+      reinterpret_cast<REALobject>(pending.get()), "ErrorNumber", &number));
+  EXPECT_EQ(number, 7);
   EXPECT_EQ(pending->references.load(), 1);
 }
 
