@@ -11,15 +11,14 @@
 namespace host {
 
 class Class;
-
-class LiveThings;
+class LiveThings;  // a list of them; heap.cpp keeps several
 
 // 32 bytes; the count lies where plug-ins that read arrays directly expect it. Live things are listed, so
 // that leaks can be shown. Counting is thread-safe.
 struct Heap {
   const Class* objectClass;              // never null: strings and arrays have classes of their own
-  LiveThings* among;                     // which it is listed
-  std::size_t place;                     // in that list, under its lock
+  LiveThings* among;                     // the list that it stands in
+  std::size_t place;                     // in the list, under its lock
   std::atomic<std::int64_t> references;  // 1 when made
 };
 static_assert(sizeof(Heap) == 32);
@@ -48,15 +47,17 @@ class Ref {
  public:
   Ref() = default;
   Ref(std::nullptr_t) {}
+  // Takes the caller's reference.
   static Ref adopt(Thing* thing) {
     Ref ref;
     ref.thing_ = thing;
     return ref;
-  }  // takes the caller's reference
+  }
+  // Adds one.
   static Ref share(Thing* thing) {
     retain(thing);
     return adopt(thing);
-  }  // adds one
+  }
   Ref(const Ref& other) : thing_(other.thing_) { retain(thing_); }
   Ref(Ref&& other) noexcept : thing_(std::exchange(other.thing_, nullptr)) {}
   template <typename Derived>
