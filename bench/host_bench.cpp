@@ -20,39 +20,41 @@ namespace {
 
 constexpr int rounds = 5;
 
-// Seconds of the processors' time that the process takes: in its own code, and with the system's.
-struct Cost {
-  double user, whole;
-};
+double secondsIn(const timeval& time) {
+  return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
+}
 
-// Of a child process, whose output is not wanted; `run` gives its exit status.
-Cost costOf(const std::function<int()>& run) {
-  const pid_t child = fork();
-  if (child == 0) {
+// Seconds of user time that so many child processes take together, all at once. Their output is not wanted;
+// `run` gives the exit status.
+double costOf(const std::function<int()>& run, int processes = 1) {
+  for (int i = 0; i < processes; ++i) {
+    if (fork() != 0) continue;
     dup2(open("/dev/null", O_WRONLY), STDOUT_FILENO);
     _exit(run());
   }
-  int status = 0;
-  rusage usage = {};
-  if (child < 0 || wait4(child, &status, 0, &usage) != child || status != 0) {
-    std::fprintf(stderr, "host_bench: a measured program has failed\n");
-    std::exit(1);
+  double sum = 0;
+  for (int i = 0; i < processes; ++i) {
+    int status = 0;
+    rusage usage = {};
+    if (wait4(-1, &status, 0, &usage) < 0 || status != 0) {
+      std::fprintf(stderr, "host_bench: a measured program has failed\n");
+      std::exit(1);
+    }
+    sum += secondsIn(usage.ru_utime);
   }
-  const auto seconds = [](const timeval& time) {
-    return static_cast<double>(time.tv_sec) + 1e-6 * static_cast<double>(time.tv_usec);
-  };
-  return {seconds(usage.ru_utime), seconds(usage.ru_utime) + seconds(usage.ru_stime)};
+  return sum;
 }
 
-Cost costInHost(const std::string& program) {
-  return costOf([&] {
+double costInHost(const std::string& program, int processes = 1) {
+  const auto run = [&] {
     std::FILE* input = std::tmpfile();
     std::fwrite(program.data(), 1, program.size(), input);
     std::rewind(input);
     dup2(fileno(input), STDIN_FILENO);
     execl(QTX_HOST_PROGRAM, QTX_HOST_PROGRAM, "run", "-", nullptr);
     return 1;
-  });
+  };
+  return costOf(run, processes);
 }
 
 // What a Lua program calls in the library's place: C functions that do the same.
@@ -65,7 +67,7 @@ int luaBitCount(lua_State* state) {
   return 1;
 }
 
-Cost costInLua(const std::string& program) {
+double costInLua(const std::string& program) {
   return costOf([&] {
     lua_State* state = luaL_newstate();
     luaL_openlibs(state);
@@ -97,13 +99,15 @@ Pair pairs[] = {
      "local f, n = BitCount, 0\nfor i = 1, 10000000 do n = f(i) end\n"},
 };
 
-constexpr std::array threadCounts = {1, 2, 4};
+constexpr std::array threadCounts = {2, 4};
 
 struct Scaling {
   const char* what;
   const char* declaration;  // at module level; in it and in the loop, # stands for the thread's number
   const char* loop;         // done a million times by each thread
-  std::array<std::vector<double>, threadCounts.size()> times = {};
+  std::vector<double> alone = {};
+  // What threads cost, over what as many processes cost at the same time.
+  std::array<std::vector<double>, threadCounts.size()> ratios = {};
 };
 Scaling scalings[] = {
     {"a million objects made", "", "Dim made As New Date"},
@@ -140,12 +144,15 @@ std::string programOf(const Scaling& scaling, int threads) {
 int main() {
   for (int round = 0; round < rounds; ++round) {
     for (Pair& each : pairs) {
-      each.hostTimes.push_back(costInHost(each.host).user);
-      each.luaTimes.push_back(costInLua(each.lua).user);
+      each.hostTimes.push_back(costInHost(each.host));
+      each.luaTimes.push_back(costInLua(each.lua));
     }
     for (Scaling& each : scalings) {
+      const std::string one = programOf(each, 1);
+      each.alone.push_back(costInHost(one));
       for (std::size_t i = 0; i < threadCounts.size(); ++i) {
-        each.times[i].push_back(costInHost(programOf(each, threadCounts[i])).whole / threadCounts[i]);
+        const int count = threadCounts[i];
+        each.ratios[i].push_back(costInHost(programOf(each, count)) / costInHost(one, count));
       }
     }
   }
@@ -154,11 +161,11 @@ int main() {
     const double host = median(each.hostTimes), lua = median(each.luaTimes);
     std::printf("%-60s %9.3f %9.3f %9.2f\n", each.what, host, lua, host / lua);
   }
-  std::printf("\n%-60s %9s %9s %9s\n", "Medians of user and system times, in seconds per thread", "1 thread",
-              "2 threads", "4 threads");
+  std::printf("\n%-60s %9s %9s %9s\n", "Of one thread; then what threads cost over as many processes",
+              "1 thread", "2 threads", "4 threads");
   for (const Scaling& each : scalings) {
-    std::printf("%-60s", each.what);
-    for (const std::vector<double>& times : each.times) std::printf(" %9.3f", median(times));
+    std::printf("%-60s %9.3f", each.what, median(each.alone));
+    for (const std::vector<double>& ratios : each.ratios) std::printf(" %9.2f", median(ratios));
     std::printf("\n");
   }
 }

@@ -15,7 +15,7 @@ namespace host {
 
 // What is alive of the things that some of the threads have made, in that order. A thing that goes leaves a
 // gap; gaps at the end go at once, and the others when they are more than what is alive.
-class alignas(64) LiveThings {
+class alignas(128) LiveThings {  // processors fetch pairs of 64 bytes
  public:
   // Throws std::bad_alloc.
   void add(Heap* thing) {
