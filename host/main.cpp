@@ -18,6 +18,7 @@
 #include "runtime/library.h"
 #include "runtime/operations.h"
 #include "runtime/report.h"
+#include "runtime/settings.h"
 #include "runtime/thread.h"
 
 namespace {

@@ -8,7 +8,8 @@
 
 #include "language/compiler.h"
 #include "runtime/array.h"
-#include "runtime/host_classes.h"
+#include "runtime/exception.h"
+#include "runtime/host_record.h"
 #include "runtime/variant.h"
 
 namespace host {

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "language/program.h"
-#include "runtime/class.h"
+#include "runtime/registry.h"
 
 namespace host {
 

@@ -3,7 +3,6 @@
 #include <alloca.h>
 #include <pthread.h>
 
-#include <atomic>
 #include <cstring>
 #include <thread>
 
@@ -18,9 +17,6 @@ Sub::~Sub() {
 }
 
 namespace {
-
-// Keeps a handle from being given back by one thread while another takes a reference of its own.
-std::mutex globalReferences;
 
 class LocalsScope {
  public:
@@ -78,27 +74,15 @@ void runFrame(const Program& program, Frame& frame, const Block& body, const std
 }  // namespace
 
 Slot Global::load() const {
-  Slot loaded;
-  if (type.isReference()) {
-    const std::lock_guard lock(globalReferences);
-    retain(slot.heap);
-    loaded = slot;
-  } else {
-    loaded.word = __atomic_load_n(&slot.word, __ATOMIC_RELAXED);
-  }
-  return loaded;
+  if (type.isReference()) return {.heap = reference_.load().detach()};
+  return {.word = word_.load(std::memory_order_relaxed)};
 }
 
 void Global::store(Slot owned) {
   if (type.isReference()) {
-    Slot old;
-    {
-      const std::lock_guard lock(globalReferences);
-      old = std::exchange(slot, owned);
-    }
-    release(old.heap);
+    reference_.exchange(Ref<Heap>::adopt(owned.heap));
   } else {
-    __atomic_store_n(&slot.word, owned.word, __ATOMIC_RELAXED);
+    word_.store(owned.word, std::memory_order_relaxed);
   }
 }
 

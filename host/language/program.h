@@ -1,9 +1,9 @@
 // A compiled host program, and how it is run.
 #pragma once
 
+#include <atomic>
 #include <deque>
 #include <memory>
-#include <mutex>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -11,6 +11,7 @@
 
 #include "language/node.h"
 #include "runtime/exception.h"
+#include "runtime/shared_reference.h"
 
 namespace host {
 
@@ -37,10 +38,13 @@ struct Sub {
 struct Global {
   std::string name;
   Type type;
-  Slot slot = {};
 
   Slot load() const;       // a reference is shared with the caller
   void store(Slot owned);  // what was there is given back
+
+ private:
+  std::atomic<std::uint64_t> word_ = 0;  // where the type is no reference
+  SharedReference reference_;
 };
 
 struct Constant {

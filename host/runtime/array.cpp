@@ -1,3 +1,4 @@
+// Keeps the elements of arrays, and publishes where they are.
 #include "runtime/array.h"
 
 #include <cstddef>
@@ -7,8 +8,8 @@
 
 #include "frame/host_interface.h"
 #include "runtime/class.h"
-#include "runtime/exception.h"
-#include "runtime/operations.h"
+#include "runtime/settings.h"
+#include "runtime/throwing.h"
 
 namespace host {
 
@@ -36,9 +37,9 @@ void Array::publish() {
 
 void Array::check(std::int64_t index) const {
   if (index < 0 || index >= elementCount) {
-    throw HostException("OutOfBoundsException", "The index " + std::to_string(index) +
-                                                    " is outside of the array, whose upper bound is " +
-                                                    std::to_string(elementCount - 1) + ".");
+    throwException("OutOfBoundsException", "The index " + std::to_string(index) +
+                                               " is outside of the array, whose upper bound is " +
+                                               std::to_string(elementCount - 1) + ".");
   }
 }
 
@@ -49,8 +50,8 @@ void Array::reserve(std::int64_t wanted) {
                      ? nullptr
                      : std::realloc(elements, static_cast<std::size_t>(larger) * sizeof(Slot));
   if (!memory) {
-    throw HostException("OutOfMemoryException",
-                        "There is no memory for an array of " + std::to_string(wanted) + " elements.");
+    throwException("OutOfMemoryException",
+                   "There is no memory for an array of " + std::to_string(wanted) + " elements.");
   }
   elements = static_cast<Slot*>(memory);
   capacity = larger;
@@ -105,13 +106,20 @@ void Array::resize(std::int64_t newCount) {
 }
 
 Ref<Array> makeArray(Type elementType, std::int64_t count) {
-  auto* array = static_cast<Array*>(std::calloc(1, sizeof(Array)));
-  if (!array) throw HostException("OutOfMemoryException", "There is no memory for an array.");
+  Heap* thing = allocate(*hostClasses().array, sizeof(Array));
+  if (!thing) throwException("OutOfMemoryException", "There is no memory for an array.");
+  std::memset(static_cast<void*>(thing + 1), 0, sizeof(Array) - sizeof(Heap));
+  auto* array = static_cast<Array*>(thing);
   array->elementType = elementType;
-  enlist(array, hostClasses().array);
   Ref<Array> made = Ref<Array>::adopt(array);
   array->resize(count);
   return made;
+}
+
+void finalizeArray(Heap& thing) {
+  auto& array = static_cast<Array&>(thing);
+  array.resize(0);
+  std::free(array.elements);
 }
 
 }  // namespace host

@@ -19,8 +19,6 @@ struct Array : Heap {
   std::int64_t elementCount;
 
   std::int64_t count() const { return elementCount; }
-  Slot* data() { return elements; }  // count() slots; valid until the array grows
-  const Slot* data() const { return elements; }
   // Throw HostException OutOfBoundsException / OutOfMemoryException.
   Slot at(std::int64_t index) const;            // borrowed
   void set(std::int64_t index, Slot value);     // shares a reference value, drops the old one
@@ -36,5 +34,8 @@ struct Array : Heap {
 
 // Throws HostException OutOfMemoryException where count is more than memory holds.
 Ref<Array> makeArray(Type elementType, std::int64_t count);
+
+// Gives back the elements; what the class of arrays carries.
+void finalizeArray(Heap& array);
 
 }  // namespace host

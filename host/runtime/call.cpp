@@ -1,9 +1,12 @@
+// Prepares calls, and makes those of rare shapes through libffi.
 #include "runtime/call.h"
+
+#include <ffi.h>
 
 #include <array>
 #include <cstring>
-
-#include "runtime/exception.h"
+#include <type_traits>
+#include <utility>
 
 namespace host {
 
@@ -80,6 +83,59 @@ Slot resultOf(const void* returned, Type type) {
   return slot;
 }
 
+// Most functions take up to three arguments that are words or Doubles. For them there is a caller of every
+// shape, which costs a fraction of libffi's time. Signed and unsigned words and pointers travel alike, as
+// libffi relies on as well.
+using Direct = Slot (*)(REALproc function, const Slot* arguments);
+constexpr std::size_t mostDirectArguments = 3;
+
+template <typename Value>
+Value in(Slot slot) {
+  if constexpr (std::is_same_v<Value, double>) return slot.number;
+  return static_cast<Value>(slot.integer);
+}
+
+template <typename Result, typename... Arguments>
+Slot callDirectly(REALproc function, const Slot* arguments) {
+  const auto typed = reinterpret_cast<Result (*)(Arguments...)>(function);
+  return [&]<std::size_t... i>(std::index_sequence<i...>) {
+    Slot slot = {};
+    if constexpr (std::is_void_v<Result>) {
+      typed(in<Arguments>(arguments[i])...);
+    } else if constexpr (std::is_same_v<Result, double>) {
+      slot.number = typed(in<Arguments>(arguments[i])...);
+    } else if constexpr (std::is_same_v<Result, std::uint8_t>) {
+      slot.integer = typed(in<Arguments>(arguments[i])...) != 0;  // a Boolean may be any byte
+    } else {
+      slot.integer = typed(in<Arguments>(arguments[i])...);
+    }
+    return slot;
+  }
+  (std::index_sequence_for<Arguments...>());
+}
+
+bool isWord(const ffi_type* type) {
+  return type == &ffi_type_sint64 || type == &ffi_type_uint64 || type == &ffi_type_pointer;
+}
+
+// The caller of functions that take the arguments known so far and then the rest; null where there is none.
+template <typename Result, typename... Known>
+Direct directFor(std::span<ffi_type* const> rest) {
+  if (rest.empty()) return &callDirectly<Result, Known...>;
+  if constexpr (sizeof...(Known) < mostDirectArguments) {
+    if (isWord(rest[0])) return directFor<Result, Known..., std::int64_t>(rest.subspan(1));
+    if (rest[0] == &ffi_type_double) return directFor<Result, Known..., double>(rest.subspan(1));
+  }
+  return nullptr;
+}
+
+Direct directFor(const ffi_type* result, bool isBoolean, std::span<ffi_type* const> arguments) {
+  if (result == &ffi_type_void) return directFor<void>(arguments);
+  if (result == &ffi_type_double) return directFor<double>(arguments);
+  if (isBoolean) return directFor<std::uint8_t>(arguments);
+  return isWord(result) ? directFor<std::int64_t>(arguments) : nullptr;
+}
+
 }  // namespace
 
 struct Call::Prepared {
@@ -97,22 +153,19 @@ Call::Call(REALproc callee, const std::vector<Passing>& arguments, Type result) 
   prepared->result = result;
   ffi_prep_cif(&prepared->interface, FFI_DEFAULT_ABI, static_cast<unsigned>(prepared->types.size()),
                ffiTypeOf(result), prepared->types.data());
+  direct_ = directFor(ffiTypeOf(result), result == Type{Kind::Boolean}, prepared->types);
+  returnsThing_ = result.isReference();
   prepared_ = std::move(prepared);
 }
 
-Slot Call::operator()(std::span<const Slot> arguments) const {
+Slot Call::throughLibffi(std::span<const Slot> arguments) const {
   // The low bytes of a slot are the narrower value itself, on the little-endian processors there are.
   std::array<void*, 32> values;
   for (std::size_t i = 0; i < arguments.size(); ++i) values[i] = const_cast<Slot*>(&arguments[i]);
   alignas(16) std::byte returned[16] = {};
   // libffi asks for a writable description but does not change it in a call.
   ffi_call(const_cast<ffi_cif*>(&prepared_->interface), function_, returned, values.data());
-  const Slot result = resultOf(returned, prepared_->result);
-  if (Ref<Object> pending = takePending()) [[unlikely]] {
-    if (prepared_->result.isReference()) release(result.heap);
-    throw HostException(std::move(pending));
-  }
-  return result;
+  return resultOf(returned, prepared_->result);
 }
 
 }  // namespace host

@@ -1,13 +1,12 @@
-// Calls of C functions by their declared types, through libffi.
+// Calls of C functions by their declared types.
 #pragma once
-
-#include <ffi.h>
 
 #include <memory>
 #include <span>
 #include <vector>
 
 #include "frame/host_interface.h"
+#include "runtime/throwing.h"
 #include "runtime/value.h"
 
 namespace host {
@@ -25,16 +24,24 @@ class Call {
   Call(REALproc callee, const std::vector<Passing>& arguments, Type result);
 
   explicit operator bool() const { return function_ != nullptr; }
-  REALproc function() const { return function_; }
 
   // Slots hold values as value.h says; a byRef argument's slot holds the address of a variable of exactly its
   // type. A reference result is owned by the caller. Throws HostException when the function left an exception
   // pending (its result is released first).
-  Slot operator()(std::span<const Slot> arguments) const;
+  Slot operator()(std::span<const Slot> arguments) const {
+    const Slot result = direct_ ? direct_(function_, arguments.data()) : throughLibffi(arguments);
+    if (pendingException) [[unlikely]]
+      throwPending(returnsThing_ ? result.heap : nullptr);
+    return result;
+  }
 
  private:
   struct Prepared;
+  Slot throughLibffi(std::span<const Slot> arguments) const;
+
   REALproc function_ = nullptr;
+  Slot (*direct_)(REALproc function, const Slot* arguments) = nullptr;  // for the frequent shapes; else null
+  bool returnsThing_ = false;
   std::shared_ptr<const Prepared> prepared_;  // libffi keeps pointers into it
 };
 

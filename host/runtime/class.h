@@ -1,13 +1,11 @@
-// Classes, modules and global functions as registered: by the host itself and by the libraries it loads.
+// Classes and modules, and what their members are called through.
 #pragma once
 
 #include <deque>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "frame/host_interface.h"
 #include "runtime/call.h"
 #include "runtime/declaration.h"
 
@@ -18,7 +16,6 @@ struct Method {
   Declaration declaration;
   Call call;    // takes self first where the method is an instance's
   Call setter;  // of an assignable method: the arguments, then the value; empty otherwise
-  const REALmethodDefinition* record = nullptr;
   bool fromLibrary = false;
 };
 
@@ -30,17 +27,19 @@ struct Property {
   bool field = false;   // read and written in the instance data at `parameter` instead
   std::intptr_t parameter = 0;
   bool hidden = false;
-  const REALproperty* record = nullptr;
 };
 
 class Class {
  public:
   std::string name;
   const Class* super = nullptr;
-  std::size_t dataSize = 0;      // of this class's own data
   std::size_t dataOffset = 0;    // from the handle
   std::size_t instanceSize = 0;  // the whole object
   Call initializer, destructor;  // empty where there is none
+  // Gives back what a thing of this class holds, before its memory goes; null where that is nothing.
+  void (*finalize)(Heap&) = nullptr;
+  // Of the hidden class of a variant's boxes around plain values: the values' kind; Kind::None of all others.
+  Kind boxed = Kind::None;
   std::deque<Property> properties, sharedProperties;
   std::deque<Method> methods, sharedMethods;
   bool fromLibrary = false;
@@ -63,40 +62,21 @@ struct Module {
   bool fromLibrary = false;
 };
 
-// Everything there is by name. Filled by the host's own classes first, then by libraries; only read
-// afterwards.
-class Registry {
- public:
-  std::deque<Class> classes;  // in registration order
-  std::deque<Module> modules;
-  std::deque<Method> functions;  // global functions registered one by one
+// Those of a name, in any case: null where there is none, and added to what has been found.
+const Property* findNamed(const std::deque<Property>& properties, std::string_view name);
+void collectNamed(const std::deque<Method>& methods, std::string_view name,
+                  std::vector<const Method*>& found);
 
-  const Class* findClass(std::string_view name) const;                    // case-insensitive
-  std::vector<const Method*> findFunctions(std::string_view name) const;  // those of modules included
-  const Property* findSharedProperty(std::string_view name) const;        // of modules
-  const Module* findModule(std::string_view name) const;
-
-  // The class of that name, which may be mentioned before it is registered.
-  Class& expectClass(std::string_view name);
-  // Throws std::runtime_error naming a class that was mentioned and never registered.
-  void checkComplete() const;
-
-  // Throw std::runtime_error with a message naming the record: unparsable declaration, unknown type or
-  // superclass, name taken. addClass writes the record's dataOffset.
-  Class& addClass(REALclassDefinition& record, bool fromLibrary);
-  void addModule(REALmoduleDefinition& record, bool fromLibrary);
-  void addFunction(REALmethodDefinition& record, bool fromLibrary);
-};
-
-Registry& registry();
-
-// The classes every program has: RuntimeException and its subclasses, MemoryBlock, Thread, Date, DateTime,
-// and the boxes of variants. Made on first use of registry().
+// The classes that the host itself knows. Null until the runtime is started.
 struct HostClasses {
   const Class *text, *array, *exception, *memoryBlock, *thread, *date, *dateTime;
 };
-const HostClasses& hostClasses();
+namespace detail {
+inline constinit HostClasses hostClasses = {};
+}
+inline const HostClasses& hostClasses() { return detail::hostClasses; }
 
-bool sameName(std::string_view left, std::string_view right);  // ASCII, case-insensitive
+// As a program would write it: "Integer", "UInt64", "Variant()", "Dictionary".
+std::string nameOf(Type type);
 
 }  // namespace host

@@ -1,10 +1,9 @@
+// Parses declarations, from left to right.
 #include "runtime/declaration.h"
 
 #include <cctype>
 #include <cstdlib>
 #include <stdexcept>
-
-#include "runtime/class.h"
 
 namespace host {
 
@@ -14,23 +13,13 @@ std::size_t Declaration::requiredCount() const {
   return count;
 }
 
-std::optional<Type> typeNamed(std::string_view name) {
+std::optional<Type> typeNamed(std::string_view name, const ClassNames& classes) {
   if (name.ends_with("()")) {
-    const std::optional<Type> element = typeNamed(name.substr(0, name.size() - 2));
+    const std::optional<Type> element = typeNamed(name.substr(0, name.size() - 2), classes);
     return element ? std::optional<Type>(element->arrayOf()) : std::nullopt;
   }
-  static constexpr std::pair<std::string_view, Kind> kinds[] = {
-      {"Integer", Kind::Int64}, {"Int64", Kind::Int64},       {"Int8", Kind::Int8},
-      {"Int16", Kind::Int16},   {"Int32", Kind::Int32},       {"UInteger", Kind::UInt64},
-      {"UInt64", Kind::UInt64}, {"UInt8", Kind::UInt8},       {"Byte", Kind::UInt8},
-      {"UInt16", Kind::UInt16}, {"UInt32", Kind::UInt32},     {"Single", Kind::Single},
-      {"Double", Kind::Double}, {"Currency", Kind::Currency}, {"Boolean", Kind::Boolean},
-      {"String", Kind::String}, {"Variant", Kind::Variant},   {"Ptr", Kind::Pointer},
-      {"Object", Kind::Object}};
-  for (const auto& [known, kind] : kinds) {
-    if (sameName(name, known)) return Type{kind, false, nullptr};
-  }
-  if (const Class* found = registry().findClass(name)) return Type{Kind::Object, false, found};
+  if (const Kind kind = kindNamed(name); kind != Kind::None) return Type{kind};
+  if (const Class* found = classes.findClass(name)) return Type{Kind::Object, false, found};
   return std::nullopt;
 }
 
@@ -38,7 +27,7 @@ namespace {
 
 class Parser {
  public:
-  explicit Parser(std::string_view text) : text_(text) {}
+  Parser(std::string_view text, ClassNames& classes) : text_(text), classes_(classes) {}
 
   Declaration parse() {
     Declaration declaration;
@@ -103,14 +92,14 @@ class Parser {
   Type type() {
     const std::size_t start = at_;
     const std::string name = word("a type");
-    std::optional<Type> found = typeNamed(name);
+    std::optional<Type> found = typeNamed(name, classes_);
     if (!found) {
       // A class that is registered later.
       if (!std::isupper(static_cast<unsigned char>(name[0]))) {
         at_ = start;
         fail("expected a type");
       }
-      found = Type{Kind::Object, false, &registry().expectClass(name)};
+      found = Type{Kind::Object, false, &classes_.expectClass(name)};
     }
     if (accept('(')) {
       if (!accept(')')) fail("expected ')'");
@@ -174,11 +163,14 @@ class Parser {
   }
 
   std::string_view text_;
+  ClassNames& classes_;
   std::size_t at_ = 0;
 };
 
 }  // namespace
 
-Declaration parseDeclaration(std::string_view text) { return Parser(text).parse(); }
+Declaration parseDeclaration(std::string_view text, ClassNames& classes) {
+  return Parser(text, classes).parse();
+}
 
 }  // namespace host

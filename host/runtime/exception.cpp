@@ -1,13 +1,12 @@
+// Makes exceptions, throws them, and keeps those that wait for a call's return.
 #include "runtime/exception.h"
 
-#include "runtime/host_classes.h"
-#include "runtime/text.h"
+#include "runtime/registry.h"
+#include "runtime/throwing.h"
 
 namespace host {
 
 namespace {
-thread_local Ref<Object> pending;
-
 ExceptionData& dataOf(const Object& exception) {
   return *reinterpret_cast<ExceptionData*>(const_cast<Object&>(exception).dataOf(*hostClasses().exception));
 }
@@ -19,10 +18,20 @@ HostException::HostException(std::string_view className, std::string_view messag
   dataOf(*exception).message = makeText(message).detach();
 }
 
-std::string messageOf(const Object& exception) { return utf8Of(dataOf(exception).message); }
-std::int64_t errorNumberOf(const Object& exception) { return dataOf(exception).errorNumber; }
+void throwException(std::string_view className, std::string_view message) {
+  throw HostException(className, message);
+}
 
-void setPending(Ref<Object> exception) { pending = std::move(exception); }
-Ref<Object> takePending() { return std::move(pending); }
+std::string messageOf(const Object& exception) { return utf8Of(dataOf(exception).message); }
+
+void setPending(Ref<Object> exception) { release(std::exchange(pendingException, exception.detach())); }
+Ref<Object> takePending() {
+  return Ref<Object>::adopt(static_cast<Object*>(std::exchange(pendingException, nullptr)));
+}
+void throwPending(Heap* returned) {
+  HostException thrown(takePending());
+  release(returned);
+  throw thrown;
+}
 
 }  // namespace host

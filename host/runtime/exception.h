@@ -1,14 +1,22 @@
 // The host's exceptions: objects of the class RuntimeException and its subclasses.
 #pragma once
 
-#include <exception>
+#include <cstdint>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "runtime/object.h"
+#include "runtime/text.h"
 
 namespace host {
+
+// Instance data of RuntimeException; subclasses add none.
+struct ExceptionData {
+  Text* message;  // owned
+  std::int64_t errorNumber;
+};
 
 // In flight in the interpreter. `trace` collects where it passed, innermost first: "main.bas:12: Worker".
 class HostException {
@@ -21,24 +29,24 @@ class HostException {
 };
 
 std::string messageOf(const Object& exception);  // its Message, in UTF-8
-std::int64_t errorNumberOf(const Object& exception);
 
 // The plug-in's raising operation marks an exception pending on the calling thread; it is thrown when the
 // call returns. A second one before that replaces the first.
 void setPending(Ref<Object> exception);
 Ref<Object> takePending();  // null when none is
 
-// Puts the pending exception aside for its lifetime: what the host calls on a library's behalf, while a
-// function of the library is still running, must not take that function's exception for its own.
-class PendingAside {
- public:
-  PendingAside() : aside_(takePending()) {}
-  ~PendingAside() { setPending(std::move(aside_)); }
-  PendingAside(const PendingAside&) = delete;
-  PendingAside& operator=(const PendingAside&) = delete;
-
- private:
-  Ref<Object> aside_;
-};
+// Runs the body of a function that the language calls: a HostException that leaves it becomes the pending
+// one.
+template <typename Body>
+auto asPending(Body body) noexcept -> decltype(body()) {
+  try {
+    return body();
+  } catch (const HostException& exception) {
+    setPending(exception.exception);
+  } catch (const std::bad_alloc&) {
+    setPending(HostException("OutOfMemoryException", "There is not enough memory.").exception);
+  }
+  return decltype(body())();
+}
 
 }  // namespace host

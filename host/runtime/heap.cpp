@@ -1,73 +1,101 @@
+// Allocates, lists and frees the host's things.
 #include "runtime/heap.h"
 
+#include <algorithm>
+#include <array>
 #include <cstdlib>
 #include <mutex>
+#include <new>
+#include <vector>
 
-#include "runtime/array.h"
 #include "runtime/class.h"
-#include "runtime/exception.h"
-#include "runtime/object.h"
-#include "runtime/operations.h"
-#include "runtime/text.h"
+#include "runtime/settings.h"
 
 namespace host {
 
-namespace {
+// What is alive of the things that some of the threads have made, in that order. A thing that goes leaves a
+// gap; gaps at the end go at once, and the others when they are more than what is alive.
+class alignas(128) LiveThings {  // processors fetch pairs of 64 bytes
+ public:
+  // Throws std::bad_alloc.
+  void add(Heap* thing) {
+    const std::lock_guard lock(lock_);
+    thing->among = this;
+    thing->place = things_.size();
+    things_.push_back(thing);
+  }
 
-std::mutex listLock;
-Heap* first = nullptr;
-
-void destroy(Heap* thing) {
-  const HostClasses& classes = hostClasses();
-  if (thing->objectClass == classes.array) {
-    auto* array = static_cast<Array*>(thing);
-    array->resize(0);
-    std::free(array->elements);
-  } else if (thing->objectClass != classes.text) {
-    const PendingAside aside;
-    for (const Class* each = thing->objectClass; each; each = each->super) {
-      if (each->destructor) {
-        const Slot self[] = {{.heap = thing}};
-        each->destructor(self);
-      }
+  void remove(const Heap* thing) {
+    const std::lock_guard lock(lock_);
+    things_[thing->place] = nullptr;
+    ++gaps_;
+    for (; !things_.empty() && !things_.back(); --gaps_) things_.pop_back();
+    if (gaps_ > things_.size() / 2 && gaps_ > 64) {
+      std::erase(things_, nullptr);
+      for (std::size_t i = 0; i < things_.size(); ++i) things_[i]->place = i;
+      gaps_ = 0;
     }
   }
-  {
-    const std::lock_guard lock(listLock);
-    (thing->previous ? thing->previous->next : first) = thing->next;
-    if (thing->next) thing->next->previous = thing->previous;
+
+  void visit(const std::function<void(const Heap&)>& visitor) {
+    const std::lock_guard lock(lock_);
+    for (std::size_t i = things_.size(); i > 0; --i) {
+      if (things_[i - 1]) visitor(*things_[i - 1]);
+    }
   }
-  std::free(thing);
+
+ private:
+  std::mutex lock_;
+  std::vector<Heap*> things_;
+  std::size_t gaps_ = 0;
+};
+
+namespace {
+
+// Threads rarely share one, so that they seldom wait for each other or move each other's memory. Leaked on
+// purpose: threads may still run at the end of the process.
+constexpr std::size_t listCount = 64;
+std::array<LiveThings, listCount>& lists() {
+  static auto* const all = new std::array<LiveThings, listCount>;
+  return *all;
+}
+
+LiveThings& ownList() {
+  static std::atomic<std::size_t> threads = 0;
+  static thread_local LiveThings& own = lists()[threads.fetch_add(1) % listCount];
+  return own;
 }
 
 }  // namespace
 
-void retain(Heap* thing) {
-  if (thing) thing->references.fetch_add(1, std::memory_order_relaxed);
+Heap* allocate(const Class& objectClass, std::size_t size) {
+  void* memory = std::malloc(size);
+  if (!memory) return nullptr;
+  auto* thing = static_cast<Heap*>(memory);
+  thing->objectClass = &objectClass;
+  thing->references.store(1, std::memory_order_relaxed);
+  try {
+    ownList().add(thing);
+  } catch (const std::bad_alloc&) {
+    std::free(memory);
+    return nullptr;
+  }
+  return thing;
 }
 
-void release(Heap* thing) {
-  if (!thing || thing->references.fetch_sub(1, std::memory_order_acq_rel) != 1) return;
+void destroy(Heap* thing) {
   // A library that cannot lock what it keeps holds on to it all the same: such a host never destroys
   // anything.
   static const bool destroys =
       !settings().withheld.contains("REALLockObject") && !settings().withheld.contains("REALLockString");
-  if (destroys) destroy(thing);
-}
-
-void enlist(Heap* thing, const Class* objectClass) {
-  thing->objectClass = objectClass;
-  thing->references.store(1, std::memory_order_relaxed);
-  thing->previous = nullptr;
-  const std::lock_guard lock(listLock);
-  thing->next = first;
-  if (first) first->previous = thing;
-  first = thing;
+  if (!destroys) return;
+  if (thing->objectClass->finalize) thing->objectClass->finalize(*thing);
+  thing->among->remove(thing);
+  std::free(thing);
 }
 
 void forEachLive(const std::function<void(const Heap&)>& visit) {
-  const std::lock_guard lock(listLock);
-  for (const Heap* thing = first; thing; thing = thing->next) visit(*thing);
+  for (auto each = lists().rbegin(); each != lists().rend(); ++each) each->visit(visit);
 }
 
 }  // namespace host

@@ -2,31 +2,43 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <type_traits>
 #include <utility>
 
 namespace host {
 
 class Class;
+class LiveThings;  // a list of them; heap.cpp keeps several
 
-// 32 bytes; the count lies where plug-ins that read arrays directly expect it. Live things form one list per
-// process, so that leaks can be listed. Counting is thread-safe.
+// 32 bytes; the count lies where plug-ins that read arrays directly expect it. Live things are listed, so
+// that leaks can be shown. Counting is thread-safe.
 struct Heap {
-  const Class* objectClass;  // never null: strings and arrays have classes of their own
-  Heap* previous;
-  Heap* next;
+  const Class* objectClass;              // never null: strings and arrays have classes of their own
+  LiveThings* among;                     // the list that it stands in
+  std::size_t place;                     // in the list, under its lock
   std::atomic<std::int64_t> references;  // 1 when made
 };
 static_assert(sizeof(Heap) == 32);
 
-void retain(Heap* thing);   // null: nothing
-void release(Heap* thing);  // null: nothing; destroys with the last reference
+// Memory for a thing of so many bytes, head included, which it enters among the live ones with one reference;
+// the rest is not initialised. Null where there is no memory.
+Heap* allocate(const Class& objectClass, std::size_t size);
 
-// Enters a thing just made into the list of live things, with one reference; allocators call it.
-void enlist(Heap* thing, const Class* objectClass);
+// Finalizes a thing without references and frees its memory; for release alone.
+void destroy(Heap* thing);
 
-// Calls back for each live thing, under the list's lock: for the leak report.
+inline void retain(Heap* thing) {  // null: nothing
+  if (thing) thing->references.fetch_add(1, std::memory_order_relaxed);
+}
+inline void release(Heap* thing) {  // null: nothing; destroys with the last reference
+  if (thing && thing->references.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy(thing);
+}
+
+// Calls back for each live thing, for the leak report: those of a thread from the newest to the oldest, and
+// those of a thread that began later first.
 void forEachLive(const std::function<void(const Heap&)>& visit);
 
 // Owns one reference, or is null.
@@ -35,15 +47,17 @@ class Ref {
  public:
   Ref() = default;
   Ref(std::nullptr_t) {}
+  // Takes the caller's reference.
   static Ref adopt(Thing* thing) {
     Ref ref;
     ref.thing_ = thing;
     return ref;
-  }  // takes the caller's reference
+  }
+  // Adds one.
   static Ref share(Thing* thing) {
     retain(thing);
     return adopt(thing);
-  }  // adds one
+  }
   Ref(const Ref& other) : thing_(other.thing_) { retain(thing_); }
   Ref(Ref&& other) noexcept : thing_(std::exchange(other.thing_, nullptr)) {}
   template <typename Derived>

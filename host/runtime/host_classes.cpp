@@ -1,6 +1,17 @@
+// Registers the host's own classes; exceptions and dates stand here.
 #include "runtime/host_classes.h"
 
-#include <array>
+#include <iterator>
+#include <mutex>
+#include <utility>
+
+#include "runtime/array.h"
+#include "runtime/exception.h"
+#include "runtime/host_record.h"
+#include "runtime/memory_block.h"
+#include "runtime/registry.h"
+#include "runtime/thread.h"
+#include "runtime/variant.h"
 
 namespace host {
 
@@ -57,6 +68,11 @@ void registerExceptions(Registry& registry, HostClasses& classes) {
 
 // Dates.
 
+// Instance data of Date and DateTime.
+struct DateData {
+  double seconds;
+};
+
 template <const Class* HostClasses::*member>
 double getSeconds(REALobject self, std::intptr_t) {
   return dataIn<DateData>(self, *(hostClasses().*member)).seconds;
@@ -74,61 +90,27 @@ void registerDate(Registry& registry, HostClasses& classes, const char* name, co
   classes.*member = &registry.addClass(record, false);
 }
 
-// Boxes of variants.
-
-struct Box {
-  Kind kind;
-  const char* name;
-  const Class* registered;
-};
-std::array<Box, 10> boxes = {{{Kind::Int32, "_VariantInt32", nullptr},
-                              {Kind::UInt32, "_VariantUInt32", nullptr},
-                              {Kind::Int64, "_VariantInt64", nullptr},
-                              {Kind::UInt64, "_VariantUInt64", nullptr},
-                              {Kind::Single, "_VariantSingle", nullptr},
-                              {Kind::Double, "_VariantDouble", nullptr},
-                              {Kind::Currency, "_VariantCurrency", nullptr},
-                              {Kind::Boolean, "_VariantBoolean", nullptr},
-                              {Kind::Pointer, "_VariantPtr", nullptr},
-                              {Kind::String, "_VariantString", nullptr}}};
-
-void destroyTextBox(REALobject self) {
-  release(dataIn<BoxData>(self, *boxClassOf({Kind::String})).value.heap);
-}
-
-void registerBoxes(Registry& registry) {
-  static std::array<REALclassDefinition, boxes.size()> records = {};
-  for (std::size_t i = 0; i < boxes.size(); ++i) {
-    records[i].name = boxes[i].name;
-    records[i].dataSize = sizeof(BoxData);
-    if (boxes[i].kind == Kind::String) records[i].destructor = reinterpret_cast<REALproc>(&destroyTextBox);
-    boxes[i].registered = &registry.addClass(records[i], false);
-  }
-}
-
 }  // namespace
 
-const Class* boxClassOf(Type type) {
-  for (const Box& box : boxes) {
-    if (!type.array && box.kind == type.kind) return box.registered;
-  }
-  return nullptr;
-}
-
-void registerHostClasses(Registry& registry, HostClasses& classes) {
-  static REALclassDefinition text = {}, array = {};
-  text.name = "_String";
-  array.name = "_Array";
-  classes.text = &registry.addClass(text, false);
-  classes.array = &registry.addClass(array, false);
-  registerExceptions(registry, classes);
-  registerBoxes(registry);
-  registerMemoryBlock(registry);
-  classes.memoryBlock = registry.findClass("MemoryBlock");
-  registerThread(registry);
-  classes.thread = registry.findClass("Thread");
-  registerDate<&HostClasses::date>(registry, classes, "Date", "TotalSeconds");
-  registerDate<&HostClasses::dateTime>(registry, classes, "DateTime", "SecondsFrom1970");
+void startRuntime() {
+  static std::once_flag once;
+  std::call_once(once, [] {
+    static REALclassDefinition text = {}, array = {};
+    Registry& all = registry();
+    HostClasses& classes = detail::hostClasses;
+    text.name = "_String";
+    array.name = "_Array";
+    classes.text = &all.addClass(text, false);
+    Class& arrays = all.addClass(array, false);
+    arrays.finalize = &finalizeArray;
+    classes.array = &arrays;
+    registerExceptions(all, classes);
+    registerBoxes(all);
+    classes.memoryBlock = &registerMemoryBlock(all);
+    classes.thread = &registerThread(all);
+    registerDate<&HostClasses::date>(all, classes, "Date", "TotalSeconds");
+    registerDate<&HostClasses::dateTime>(all, classes, "DateTime", "SecondsFrom1970");
+  });
 }
 
 }  // namespace host

@@ -1,16 +1,18 @@
+// Opens libraries.
 #include "runtime/library.h"
 
 #include <dlfcn.h>
 
 #include <stdexcept>
 
-#include "runtime/class.h"
+#include "runtime/host_classes.h"
 #include "runtime/operations.h"
+#include "runtime/registry.h"
 
 namespace host {
 
 void loadLibrary(const std::filesystem::path& file) {
-  registry();  // the host's own classes come first
+  startRuntime();  // the host's own classes come first
   const std::string name = file.string();
   if (!std::filesystem::exists(file)) throw std::runtime_error(name + ": there is no such library");
   void* library = dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);

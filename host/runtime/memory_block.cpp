@@ -1,10 +1,14 @@
-// MemoryBlock: bytes that a program reads and writes by type, and hands to libraries as a Ptr.
+// Reads, writes and resizes MemoryBlocks.
+#include "runtime/memory_block.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 
-#include "runtime/host_classes.h"
+#include "runtime/exception.h"
+#include "runtime/host_record.h"
 
 namespace host {
 
@@ -106,41 +110,35 @@ void fromString(REALobject self, REALstring value) {
   });
 }
 
-REALmethodDefinition accessor(const char* declaration, auto getter, auto setter) {
-  REALmethodDefinition record = hostMethod(declaration, getter);
-  record.setterFunction = reinterpret_cast<REALproc>(setter);
-  return record;
-}
-
 }  // namespace
 
-void registerMemoryBlock(Registry& registry) {
+const Class& registerMemoryBlock(Registry& registry) {
   static REALproperty properties[] = {
       hostProperty("Size", "Integer", &getSize, &setSize),
       hostProperty("LittleEndian", "Boolean", &getLittleEndian, &setLittleEndian),
   };
   static REALmethodDefinition methods[] = {
       hostMethod("Constructor(size as Integer)", &make),
-      accessor("Byte(offset as Integer) as UInt8", &get<std::uint8_t>, &set<std::uint8_t>),
-      accessor("Int8Value(offset as Integer) as Int8", &get<std::int8_t>, &set<std::int8_t>),
-      accessor("UInt8Value(offset as Integer) as UInt8", &get<std::uint8_t>, &set<std::uint8_t>),
-      accessor("Int16Value(offset as Integer) as Int16", &get<std::int16_t>, &set<std::int16_t>),
-      accessor("UInt16Value(offset as Integer) as UInt16", &get<std::uint16_t>, &set<std::uint16_t>),
-      accessor("Int32Value(offset as Integer) as Int32", &get<std::int32_t>, &set<std::int32_t>),
-      accessor("UInt32Value(offset as Integer) as UInt32", &get<std::uint32_t>, &set<std::uint32_t>),
-      accessor("Int64Value(offset as Integer) as Int64", &get<std::int64_t>, &set<std::int64_t>),
-      accessor("UInt64Value(offset as Integer) as UInt64", &get<std::uint64_t>, &set<std::uint64_t>),
-      accessor("SingleValue(offset as Integer) as Single", &get<float>, &set<float>),
-      accessor("DoubleValue(offset as Integer) as Double", &get<double>, &set<double>),
-      accessor("CurrencyValue(offset as Integer) as Currency", &get<std::int64_t>, &set<std::int64_t>),
-      accessor("BooleanValue(offset as Integer) as Boolean", &getBoolean, &setBoolean),
-      accessor("StringValue(offset as Integer, length as Integer) as String", &getString, &setString),
+      hostMethod("Byte(offset as Integer) as UInt8", &get<std::uint8_t>, &set<std::uint8_t>),
+      hostMethod("Int8Value(offset as Integer) as Int8", &get<std::int8_t>, &set<std::int8_t>),
+      hostMethod("UInt8Value(offset as Integer) as UInt8", &get<std::uint8_t>, &set<std::uint8_t>),
+      hostMethod("Int16Value(offset as Integer) as Int16", &get<std::int16_t>, &set<std::int16_t>),
+      hostMethod("UInt16Value(offset as Integer) as UInt16", &get<std::uint16_t>, &set<std::uint16_t>),
+      hostMethod("Int32Value(offset as Integer) as Int32", &get<std::int32_t>, &set<std::int32_t>),
+      hostMethod("UInt32Value(offset as Integer) as UInt32", &get<std::uint32_t>, &set<std::uint32_t>),
+      hostMethod("Int64Value(offset as Integer) as Int64", &get<std::int64_t>, &set<std::int64_t>),
+      hostMethod("UInt64Value(offset as Integer) as UInt64", &get<std::uint64_t>, &set<std::uint64_t>),
+      hostMethod("SingleValue(offset as Integer) as Single", &get<float>, &set<float>),
+      hostMethod("DoubleValue(offset as Integer) as Double", &get<double>, &set<double>),
+      hostMethod("CurrencyValue(offset as Integer) as Currency", &get<std::int64_t>, &set<std::int64_t>),
+      hostMethod("BooleanValue(offset as Integer) as Boolean", &getBoolean, &setBoolean),
+      hostMethod("StringValue(offset as Integer, length as Integer) as String", &getString, &setString),
       hostMethod("Operator_Convert as Ptr", &toPointer),
       hostMethod("Operator_Convert as String", &toString),
       hostMethod("Operator_Convert(value as String)", &fromString),
   };
   static REALclassDefinition record = hostClass<MemoryData>("MemoryBlock", properties, methods, &destroy);
-  registry.addClass(record, false);
+  return registry.addClass(record, false);
 }
 
 }  // namespace host

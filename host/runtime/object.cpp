@@ -1,8 +1,7 @@
+// Makes objects, and takes leave of them.
 #include "runtime/object.h"
 
-#include <cstdlib>
-
-#include "runtime/exception.h"
+#include <cstring>
 
 namespace host {
 
@@ -17,15 +16,23 @@ void initialize(const Class& objectClass, Heap* object) {
 }  // namespace
 
 Ref<Object> makeObject(const Class& objectClass) {
-  void* memory = std::calloc(1, objectClass.instanceSize);
-  if (!memory)
-    throw HostException("OutOfMemoryException", "There is no memory for a " + objectClass.name + ".");
-  auto* object = static_cast<Object*>(memory);
-  enlist(object, &objectClass);
-  Ref<Object> made = Ref<Object>::adopt(object);
+  Heap* thing = allocate(objectClass, objectClass.instanceSize);
+  if (!thing) throwException("OutOfMemoryException", "There is no memory for a " + objectClass.name + ".");
+  std::memset(static_cast<void*>(thing + 1), 0, objectClass.instanceSize - sizeof(Heap));
+  Ref<Object> made = Ref<Object>::adopt(static_cast<Object*>(thing));
   const PendingAside aside;
-  initialize(objectClass, object);
+  initialize(objectClass, thing);
   return made;
+}
+
+void finalizeObject(Heap& object) {
+  const PendingAside aside;
+  for (const Class* each = object.objectClass; each; each = each->super) {
+    if (each->destructor) {
+      const Slot self[] = {{.heap = &object}};
+      each->destructor(self);
+    }
+  }
 }
 
 bool isInstance(const Heap* thing, const Class& objectClass) {

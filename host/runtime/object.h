@@ -1,10 +1,12 @@
 // Instances of classes: the 32-byte head, then the host's own fields or the plug-in's instance data.
 #pragma once
 
-#include <memory>
+#include <cstddef>
+#include <utility>
 
 #include "runtime/class.h"
 #include "runtime/heap.h"
+#include "runtime/throwing.h"
 
 namespace host {
 
@@ -19,6 +21,22 @@ struct Object : Heap {
 // OutOfMemoryException.
 Ref<Object> makeObject(const Class& objectClass);
 
+// Runs the destructors, the superclass's last.
+void finalizeObject(Heap& object);
+
 bool isInstance(const Heap* thing, const Class& objectClass);  // false for null
+
+// Puts the pending exception aside for its lifetime: what the host calls on a library's behalf, while a
+// function of the library is still running, must not take that function's exception for its own.
+class PendingAside {
+ public:
+  PendingAside() : aside_(std::exchange(pendingException, nullptr)) {}
+  ~PendingAside() { release(std::exchange(pendingException, aside_)); }
+  PendingAside(const PendingAside&) = delete;
+  PendingAside& operator=(const PendingAside&) = delete;
+
+ private:
+  Heap* aside_;
+};
 
 }  // namespace host

@@ -1,24 +1,21 @@
+// What stands behind each operation.
 #include "runtime/operations.h"
 
-#include <algorithm>
-#include <cstdlib>
 #include <cstring>
 #include <map>
 #include <stdexcept>
 #include <string_view>
+#include <type_traits>
+#include <utility>
 
 #include "runtime/array.h"
-#include "runtime/class.h"
-#include "runtime/host_classes.h"
+#include "runtime/exception.h"
+#include "runtime/registry.h"
+#include "runtime/settings.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
 
 namespace host {
-
-Settings& settings() {
-  static Settings chosen;
-  return chosen;
-}
 
 namespace {
 

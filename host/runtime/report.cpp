@@ -1,7 +1,8 @@
+// Writes the texts for people.
 #include "runtime/report.h"
 
 #include "runtime/array.h"
-#include "runtime/class.h"
+#include "runtime/registry.h"
 #include "runtime/text.h"
 
 namespace host {

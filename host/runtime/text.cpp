@@ -1,3 +1,4 @@
+// Makes texts, and carries them from one encoding to another.
 #include "runtime/text.h"
 
 #include <iconv.h>
@@ -5,12 +6,11 @@
 #include <algorithm>
 #include <bit>
 #include <cerrno>
-#include <cstdlib>
 #include <optional>
 #include <vector>
 
 #include "runtime/class.h"
-#include "runtime/exception.h"
+#include "runtime/throwing.h"
 
 namespace host {
 
@@ -48,9 +48,20 @@ const char* iconvName(std::uint32_t textEncoding) {
   }
 }
 
+// Whether these encodings write ASCII in the same bytes.
+bool sharesAscii(std::uint32_t textEncoding) {
+  return textEncoding == encoding::utf8 || textEncoding == encoding::ascii ||
+         textEncoding == encoding::isoLatin1 || textEncoding == encoding::windowsLatin1 ||
+         textEncoding == encoding::macRoman;
+}
+
 // The bytes in the other encoding. What the source cannot mean becomes U+FFFD or '?';
 // what the target cannot express becomes '?'.
 std::optional<std::string> recode(std::string_view bytes, std::uint32_t from, std::uint32_t to) {
+  if (sharesAscii(from) && sharesAscii(to) &&
+      std::none_of(bytes.begin(), bytes.end(), [](char c) { return (c & 0x80) != 0; })) {
+    return std::string(bytes);
+  }
   const char* source = iconvName(from);
   const char* target = iconvName(to);
   if (!source || !target) return std::nullopt;
@@ -101,14 +112,14 @@ std::optional<std::string> recode(std::string_view bytes, std::uint32_t from, st
 
 Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding) {
   if (bytes.empty() && textEncoding == encoding::utf8) return nullptr;
-  void* memory = bytes.size() > mostBytes ? nullptr : std::malloc(sizeof(Text) + bytes.size() + 1);
-  if (!memory) throw HostException("OutOfMemoryException", "There is no memory for the text.");
-  auto* text = static_cast<Text*>(memory);
+  Heap* thing =
+      bytes.size() > mostBytes ? nullptr : allocate(*hostClasses().text, sizeof(Text) + bytes.size() + 1);
+  if (!thing) throwException("OutOfMemoryException", "There is no memory for the text.");
+  auto* text = static_cast<Text*>(thing);
   text->encoding = textEncoding;
   text->length = bytes.size();
-  char* content = static_cast<char*>(memory) + sizeof(Text);
+  char* content = reinterpret_cast<char*>(text + 1);
   *std::copy(bytes.begin(), bytes.end(), content) = '\0';
-  enlist(text, hostClasses().text);
   return Ref<Text>::adopt(text);
 }
 

@@ -1,3 +1,4 @@
+// Starts, joins and counts threads.
 #include "runtime/thread.h"
 
 #include <pthread.h>
@@ -6,7 +7,7 @@
 #include <cstdio>
 #include <mutex>
 
-#include "runtime/host_classes.h"
+#include "runtime/host_record.h"
 
 namespace host {
 
@@ -118,9 +119,9 @@ void joinAll() {
   allChanged.wait(lock, [] { return runningCount == 0; });
 }
 
-void registerThread(Registry& registry) {
+const Class& registerThread(Registry& registry) {
   static REALproperty properties[] = {
-      hostProperty("IsRunning", "Boolean", &isRunning, static_cast<void (*)()>(nullptr)),
+      hostProperty("IsRunning", "Boolean", &isRunning),
   };
   static REALmethodDefinition methods[] = {
       hostMethod("Start", &start),
@@ -128,7 +129,7 @@ void registerThread(Registry& registry) {
   };
   static REALclassDefinition record =
       hostClass<ThreadData>("Thread", properties, methods, &destroy, &initialize);
-  registry.addClass(record, false);
+  return registry.addClass(record, false);
 }
 
 }  // namespace host

@@ -1,9 +1,11 @@
 // The language's Thread class: real threads of the operating system.
 #pragma once
 
+#include <cstddef>
 #include <functional>
 
-#include "runtime/object.h"
+#include "runtime/exception.h"
+#include "runtime/registry.h"
 
 namespace host {
 
@@ -18,11 +20,12 @@ inline constexpr std::size_t threadStackSize = std::size_t{64} << 20;
 // object.
 void setRunHandler(Object& thread, std::function<void(Object& thread)> handler);
 
-// Start, Join and the destructor are methods of the registered class. A HostException that leaves the handler
-// is reported by this function (by default: to standard error), and makes the process's exit status 1.
-void setUncaughtHandler(std::function<void(const class HostException&)> report);
+// What is told of a HostException that leaves a thread's handler, on that thread. Without it nobody is.
+void setUncaughtHandler(std::function<void(const HostException&)> report);
 
 // Waits for every thread that was started.
 void joinAll();
+
+const Class& registerThread(Registry& registry);
 
 }  // namespace host

@@ -1,8 +1,8 @@
 // Types of the host's language and the eight-byte slot that any of its values fits in.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
-#include <string>
 
 namespace host {
 
@@ -50,9 +50,6 @@ struct Type {
 
 // Bytes that a value of the (non-array) kind takes at the binary interface: 1, 2, 4 or 8.
 std::size_t sizeOf(Type type);
-
-// As a program would write it: "Integer", "UInt64", "Variant()", "Dictionary".
-std::string nameOf(Type type);
 
 // One value. Integers, Boolean and Currency are kept widened to 64 bits (sign- or zero-extended by their
 // type); a Single stays a float, so that no NaN pattern is lost; handles are borrowed or owned as the holder

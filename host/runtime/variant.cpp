@@ -1,18 +1,33 @@
+// Boxes, reads, converts and shows values.
 #include "runtime/variant.h"
 
 #include <fmt/format.h>
 
+#include <array>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 
 #include "runtime/array.h"
 #include "runtime/exception.h"
-#include "runtime/host_classes.h"
+#include "runtime/host_record.h"
+#include "runtime/name.h"
 
 namespace host {
 
 namespace {
+
+// Instance data of every box.
+struct BoxData {
+  Slot value;  // a text is owned
+};
+
+// The hidden classes of the boxes, by kind; null where a kind needs none.
+std::array<const Class*, static_cast<std::size_t>(Kind::Object) + 1> boxClasses = {};
+
+const Class& boxClassOf(Kind kind) { return *boxClasses[static_cast<std::size_t>(kind)]; }
+
+void destroyTextBox(REALobject self) { release(dataIn<BoxData>(self, boxClassOf(Kind::String)).value.heap); }
 
 // The kind a plain value is boxed as.
 Kind boxedKind(Kind kind) {
@@ -99,6 +114,17 @@ std::int64_t toInteger(Slot value, Type from, bool asWord) {
                       nameOf(typeIn(variant)) + " cannot be converted to " + nameOf(to) + ".");
 }
 
+const BoxData& boxed(const Heap* variant) {
+  auto* object = static_cast<Object*>(const_cast<Heap*>(variant));
+  return *reinterpret_cast<const BoxData*>(object->dataOf(*variant->objectClass));
+}
+
+// Borrowed: of a box the plain value, otherwise the thing itself.
+Slot valueIn(const Heap* variant) {
+  const bool isBox = variant && variant->objectClass->boxed != Kind::None;
+  return isBox ? boxed(variant).value : Slot{.heap = const_cast<Heap*>(variant)};
+}
+
 Slot fromVariant(const Heap* variant, Type to) {
   const Type inside = typeIn(variant);
   if (inside.kind == Kind::Nil) return Slot{};
@@ -106,19 +132,30 @@ Slot fromVariant(const Heap* variant, Type to) {
   return convert(valueIn(variant), inside, to);
 }
 
-const BoxData& boxed(const Heap* variant) {
-  auto* object = static_cast<Object*>(const_cast<Heap*>(variant));
-  return *reinterpret_cast<const BoxData*>(object->dataOf(*variant->objectClass));
-}
-
 }  // namespace
+
+void registerBoxes(Registry& registry) {
+  static constexpr std::pair<Kind, const char*> boxes[] = {
+      {Kind::Int32, "_VariantInt32"},       {Kind::UInt32, "_VariantUInt32"},
+      {Kind::Int64, "_VariantInt64"},       {Kind::UInt64, "_VariantUInt64"},
+      {Kind::Single, "_VariantSingle"},     {Kind::Double, "_VariantDouble"},
+      {Kind::Currency, "_VariantCurrency"}, {Kind::Boolean, "_VariantBoolean"},
+      {Kind::Pointer, "_VariantPtr"},       {Kind::String, "_VariantString"}};
+  for (const auto& [kind, name] : boxes) {
+    REALclassDefinition record =
+        hostClass<BoxData>(name, {}, {}, kind == Kind::String ? &destroyTextBox : nullptr);
+    Class& added = registry.addClass(record, false);
+    added.boxed = kind;
+    boxClasses[static_cast<std::size_t>(kind)] = &added;
+  }
+}
 
 Ref<Heap> box(Slot value, Type type) {
   if (type.kind == Kind::Nil || type.kind == Kind::Variant || type.kind == Kind::Object || type.array) {
     return Ref<Heap>::share(value.heap);
   }
   const Kind kind = boxedKind(type.kind);
-  Ref<Object> made = makeObject(*boxClassOf({kind}));
+  Ref<Object> made = makeObject(boxClassOf(kind));
   if (kind == Kind::String) retain(value.heap);
   reinterpret_cast<BoxData*>(made->dataOf(*made->objectClass))->value = value;
   return made;
@@ -126,20 +163,10 @@ Ref<Heap> box(Slot value, Type type) {
 
 Type typeIn(const Heap* variant) {
   if (!variant) return {Kind::Nil};
-  const HostClasses& classes = hostClasses();
-  if (variant->objectClass == classes.array) return static_cast<const Array*>(variant)->elementType.arrayOf();
-  for (const Kind kind : {Kind::Int32, Kind::UInt32, Kind::Int64, Kind::UInt64, Kind::Single, Kind::Double,
-                          Kind::Currency, Kind::Boolean, Kind::Pointer, Kind::String}) {
-    if (boxClassOf({kind}) == variant->objectClass) return {kind};
-  }
+  if (variant->objectClass->boxed != Kind::None) return {variant->objectClass->boxed};
+  if (variant->objectClass == hostClasses().array)
+    return static_cast<const Array*>(variant)->elementType.arrayOf();
   return {Kind::Object, false, variant->objectClass};
-}
-
-Slot valueIn(const Heap* variant) {
-  const Type type = typeIn(variant);
-  if (type.isReference() && type.kind != Kind::String) return Slot{.heap = const_cast<Heap*>(variant)};
-  if (type.array) return Slot{.heap = const_cast<Heap*>(variant)};
-  return boxed(variant).value;
 }
 
 namespace {

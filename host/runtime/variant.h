@@ -1,10 +1,11 @@
 // Variants: nil, an object as it is, or a box of one of the host's hidden classes around a plain value.
 #pragma once
 
-#include <optional>
+#include <cstdint>
 #include <string>
 
 #include "runtime/object.h"
+#include "runtime/registry.h"
 #include "runtime/text.h"
 #include "runtime/value.h"
 
@@ -17,6 +18,9 @@ inline constexpr std::int64_t nil = 0, int32 = 2, int64 = 3, single = 4, floatin
                               arrayFlag = 4096;
 }
 
+// Registers the hidden classes of the boxes.
+void registerBoxes(Registry& registry);
+
 // A variant holding the value; the slot is borrowed. Int8, Int16, Int32, UInt8 and UInt16 become Int32;
 // UInt32 and UInt64 keep their kinds in boxes of "_VariantUInt32" and "_VariantUInt64". An empty string gives
 // a box, nil gives null.
@@ -25,7 +29,6 @@ Ref<Heap> box(Slot value, Type type);
 // What is in it: for a box the plain type, for an object its class, for an array its type; Kind::Nil for
 // null.
 Type typeIn(const Heap* variant);
-Slot valueIn(const Heap* variant);  // borrowed
 
 std::int64_t varTypeOf(const Heap* variant);
 

@@ -7,7 +7,8 @@
 
 #include "frame/host_interface.h"
 #include "runtime/exception.h"
-#include "runtime/operations.h"
+#include "runtime/host_classes.h"
+#include "runtime/settings.h"
 #include "runtime/text.h"
 
 namespace host {
@@ -23,7 +24,7 @@ Field fieldAt(const Array& array, std::size_t offset) {
 class ArrayShapes : public testing::TestWithParam<double> {};
 
 TEST_P(ArrayShapes, FollowTheHostsVersion) {
-  registry();
+  startRuntime();
   settings().version = GetParam();
   const Ref<Array> array = makeArray({Kind::Int64}, 3);
   array->set(2, Slot{.integer = 77});
@@ -44,7 +45,7 @@ TEST_P(ArrayShapes, FollowTheHostsVersion) {
 INSTANTIATE_TEST_SUITE_P(Versions, ArrayShapes, testing::Values(2013.0, 2020.99, 2021.0, 2024.01));
 
 TEST(ArrayShape, OfAnotherKindShowsNothing) {
-  registry();
+  startRuntime();
   settings().otherArrayShape = true;
   const Ref<Array> array = makeArray({Kind::Int64}, 3);
   EXPECT_EQ(fieldAt<const void*>(*array, arrayShape::storage), nullptr);
@@ -52,7 +53,7 @@ TEST(ArrayShape, OfAnotherKindShowsNothing) {
 }
 
 TEST(Array, KeepsItsElementsAlive) {
-  registry();
+  startRuntime();
   const Ref<Text> text = makeText("kept");
   {
     const Ref<Array> array = makeArray({Kind::String}, 1);
@@ -81,7 +82,7 @@ std::string classOf(const std::function<void()>& body) {
 }
 
 TEST(Array, RefusesWhatIsOutside) {
-  registry();
+  startRuntime();
   const Ref<Array> array = makeArray({Kind::Int64}, 2);
   for (const std::int64_t index : {INT64_MIN, std::int64_t{-1}, std::int64_t{2}, INT64_MAX}) {
     EXPECT_EQ(classOf([&] { array->at(index); }), "OutOfBoundsException");
@@ -95,7 +96,7 @@ TEST(Array, RefusesWhatIsOutside) {
 }
 
 TEST(Array, GrowsByZeros) {
-  registry();
+  startRuntime();
   const Ref<Array> array = makeArray({Kind::Double}, 0);
   array->resize(1000);
   for (std::int64_t i = 0; i < 1000; ++i) EXPECT_EQ(array->at(i).word, 0u);

@@ -7,6 +7,7 @@
 #include <cstring>
 
 #include "runtime/exception.h"
+#include "runtime/host_classes.h"
 
 namespace host {
 namespace {
@@ -65,6 +66,41 @@ TEST(Call, KeepsTheBitsOfASignallingSingle) {
   EXPECT_EQ(back, pattern);
 }
 
+// Up to three words and Doubles are passed without libffi, in every order; four are not.
+TEST(Call, PassesWordsAndDoublesInEveryOrder) {
+  constexpr Type word{Kind::Int64}, real{Kind::Double};
+  const Slot words[] = {{.integer = -7}, {.number = 0.5}, {.integer = 3}, {.number = 8}};
+  const Slot reals[] = {{.number = 0.25}, {.integer = 4}, {.number = -2}, {.integer = 5}};
+  const Call first = callOf(
+      +[](std::int64_t a, double b, std::int64_t c) {
+        return static_cast<double>(a) + b * static_cast<double>(c);
+      },
+      {{word}, {real}, {word}}, real);
+  EXPECT_EQ(first({words, 3}).number, -5.5);
+  const Call second = callOf(
+      +[](double a, std::int64_t b, double c) { return b * static_cast<std::int64_t>(4 * a * c); },
+      {{real}, {word}, {real}}, word);
+  EXPECT_EQ(second({reals, 3}).integer, -8);
+  const Call third = callOf(
+      +[](std::int64_t a, double b, std::int64_t c, double d) {
+        return static_cast<double>(a) + b * static_cast<double>(c) + d;
+      },
+      {{word}, {real}, {word}, {real}}, real);
+  EXPECT_EQ(third(words).number, 2.5);
+  const Call fourth = callOf(+[](std::uint64_t a, void* b) { return b == nullptr && a > INT64_MAX; },
+                             {{{Kind::UInt64}}, {{Kind::Pointer}}}, {Kind::Boolean});
+  const Slot unsignedAndNil[] = {{.word = UINT64_MAX}, {.pointer = nullptr}};
+  EXPECT_EQ(fourth(unsignedAndNil).integer, 1);
+}
+
+TEST(Call, TakesAnyByteForTrue) {
+  const Call call = callOf(+[](std::int64_t a) { return static_cast<std::uint8_t>(a); }, {{{Kind::Int64}}},
+                           {Kind::Boolean});
+  const Slot two = {.integer = 2}, none = {.integer = 256};
+  EXPECT_EQ(call({&two, 1}).integer, 1);
+  EXPECT_EQ(call({&none, 1}).integer, 0);
+}
+
 TEST(Call, PassesVariablesByReference) {
   const Call call = callOf(+[](std::int64_t* value) { *value += 5; }, {{{Kind::Int64}, true}}, {});
   std::int64_t variable = 37;
@@ -74,7 +110,7 @@ TEST(Call, PassesVariablesByReference) {
 }
 
 TEST(Call, ThrowsWhatWasLeftPendingAndGivesTheResultBack) {
-  registry();
+  startRuntime();
   static Object* made = nullptr;
   const Call call = callOf(
       +[]() -> void* {

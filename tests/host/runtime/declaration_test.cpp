@@ -5,15 +5,16 @@
 
 #include <stdexcept>
 
-#include "runtime/class.h"
+#include "runtime/host_classes.h"
+#include "runtime/registry.h"
 
 namespace host {
 namespace {
 
 // The parsed parts, written back in one plain form.
 std::string parsed(const char* text) {
-  registry();
-  const Declaration declaration = parseDeclaration(text);
+  startRuntime();
+  const Declaration declaration = parseDeclaration(text, registry());
   std::string plain = declaration.name + "(";
   for (const Parameter& parameter : declaration.parameters) {
     if (!plain.ends_with("(")) plain += ", ";
@@ -49,9 +50,10 @@ TEST(Declaration, IsParsedInEveryForm) {
 }
 
 TEST(Declaration, KeepsDefaults) {
-  registry();
+  startRuntime();
   const Declaration declaration = parseDeclaration(
-      "F(a as Double = -1.5, b as Integer = 7, c as Boolean = true, d as String = \"\", e as Single = 2)");
+      "F(a as Double = -1.5, b as Integer = 7, c as Boolean = true, d as String = \"\", e as Single = 2)",
+      registry());
   ASSERT_EQ(declaration.parameters.size(), 5u);
   EXPECT_EQ(declaration.parameters[0].defaultValue->number, -1.5);
   EXPECT_EQ(declaration.parameters[1].defaultValue->integer, 7);
@@ -62,7 +64,7 @@ TEST(Declaration, KeepsDefaults) {
 }
 
 TEST(Declaration, ThatIsWrongNamesWhatAndWhere) {
-  registry();
+  startRuntime();
   const struct {
     const char *text, *message;
   } rows[] = {
@@ -79,7 +81,7 @@ TEST(Declaration, ThatIsWrongNamesWhatAndWhere) {
   };
   for (const auto& row : rows) {
     try {
-      parseDeclaration(row.text);
+      parseDeclaration(row.text, registry());
       ADD_FAILURE() << row.text;
     } catch (const std::runtime_error& error) {
       EXPECT_NE(std::string(error.what()).find(row.message), std::string::npos) << error.what();
@@ -89,7 +91,7 @@ TEST(Declaration, ThatIsWrongNamesWhatAndWhere) {
 }
 
 TEST(TypeNamed, KnowsTheLanguagesTypesInAnyCase) {
-  registry();
+  startRuntime();
   EXPECT_EQ(typeNamed("integer"), (Type{Kind::Int64}));
   EXPECT_EQ(typeNamed("BYTE"), (Type{Kind::UInt8}));
   EXPECT_EQ(typeNamed("Double()"), (Type{Kind::Double, true}));

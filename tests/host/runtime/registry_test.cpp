@@ -3,8 +3,9 @@
 
 #include <stdexcept>
 
-#include "runtime/class.h"
 #include "runtime/exception.h"
+#include "runtime/host_classes.h"
+#include "runtime/registry.h"
 #include "runtime/report.h"
 #include "runtime/text.h"
 
@@ -99,7 +100,7 @@ TEST(Registry, ListsWhatLibrariesBring) {
 }
 
 TEST(LeakReport, NamesWhatIsAlive) {
-  registry();
+  startRuntime();
   EXPECT_EQ(leakReport({}), "");
   const Ref<Text> text = makeText("left");
   EXPECT_EQ(leakReport({}), "leaked: String \"left\", 1 reference\n");
@@ -110,7 +111,7 @@ TEST(LeakReport, NamesWhatIsAlive) {
 }
 
 TEST(Describe, NamesPlaceClassMessageAndCalls) {
-  registry();
+  startRuntime();
   HostException exception("OutOfBoundsException", "too far");
   exception.trace = {"main.bas:12: Inner", "main.bas:30"};
   EXPECT_EQ(describe(exception),

@@ -3,13 +3,14 @@
 
 #include <gtest/gtest.h>
 
-#include "runtime/class.h"
+#include "runtime/host_classes.h"
+#include "runtime/registry.h"
 
 namespace host {
 namespace {
 
 TEST(Text, IsConvertedBetweenEncodings) {
-  registry();
+  startRuntime();
   const struct {
     std::uint32_t encoding;
     std::string_view bytes;
@@ -38,7 +39,7 @@ TEST(Text, IsConvertedBetweenEncodings) {
 }
 
 TEST(Text, ReplacesWhatMeansNothing) {
-  registry();
+  startRuntime();
   EXPECT_EQ(utf8Of(makeText("a\xFF"
                             "b")
                        .get()),
@@ -50,27 +51,27 @@ TEST(Text, ReplacesWhatMeansNothing) {
 }
 
 TEST(Text, OfNoKnownEncodingStaysAsItIs) {
-  registry();
+  startRuntime();
   const Ref<Text> text = makeText("\xFF\xFE", encoding::none);
   EXPECT_EQ(utf8Of(text.get()), "\xFF\xFE");
   EXPECT_FALSE(converted(text.get(), 0x0A01)) << "an encoding that this platform does not convert to";
 }
 
 TEST(Text, IsNullWhenEmpty) {
-  registry();
+  startRuntime();
   EXPECT_FALSE(makeText(""));
   EXPECT_EQ(bytesOf(nullptr), "");
   EXPECT_EQ(utf8Of(nullptr), "");
 }
 
 TEST(Text, IsTerminated) {
-  registry();
+  startRuntime();
   const Ref<Text> text = makeText("four");
   EXPECT_EQ(text->bytes()[4], '\0');
 }
 
 TEST(Text, ComparesWithoutCase) {
-  registry();
+  startRuntime();
   const auto compare = [](std::string_view a, std::string_view b) {
     return compareText(makeText(a).get(), makeText(b).get());
   };

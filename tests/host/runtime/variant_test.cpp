@@ -7,6 +7,7 @@
 
 #include "runtime/array.h"
 #include "runtime/exception.h"
+#include "runtime/host_classes.h"
 
 namespace host {
 namespace {
@@ -16,7 +17,7 @@ Ref<Heap> boxed(double value) { return box(Slot{.number = value}, {Kind::Double}
 Ref<Heap> boxed(std::string_view value) { return box(Slot{.heap = makeText(value).get()}, {Kind::String}); }
 
 TEST(Variant, TellsItsTypeByCode) {
-  registry();
+  startRuntime();
   EXPECT_EQ(varTypeOf(nullptr), 0);
   EXPECT_EQ(varTypeOf(boxed(1, Kind::Int8).get()), 2);
   EXPECT_EQ(varTypeOf(boxed(1, Kind::UInt16).get()), 2);
@@ -37,14 +38,14 @@ TEST(Variant, TellsItsTypeByCode) {
 }
 
 TEST(Variant, KeepsUnsignedKindsInBoxesOfTheirOwn) {
-  registry();
+  startRuntime();
   EXPECT_EQ(boxed(1, Kind::UInt32)->objectClass->name, "_VariantUInt32");
   EXPECT_EQ(boxed(1, Kind::UInt64)->objectClass->name, "_VariantUInt64");
   EXPECT_EQ(boxed(1, Kind::Int64)->objectClass->name, "_VariantInt64");
 }
 
 TEST(Variant, OfAnObjectIsTheObject) {
-  registry();
+  startRuntime();
   const Ref<Object> object = makeObject(*hostClasses().date);
   const Ref<Heap> variant = box(Slot{.heap = object.get()}, {Kind::Object, false, hostClasses().date});
   EXPECT_EQ(variant.get(), object.get());
@@ -52,7 +53,7 @@ TEST(Variant, OfAnObjectIsTheObject) {
 }
 
 TEST(Variant, ConvertsToNumbers) {
-  registry();
+  startRuntime();
   EXPECT_EQ(toInt64(boxed("-42 apples").get()), -42);
   EXPECT_EQ(toInt64(boxed("apples").get()), 0);
   EXPECT_EQ(toInt64(boxed(-2.9).get()), -2);
@@ -70,7 +71,7 @@ TEST(Variant, ConvertsToNumbers) {
 }
 
 TEST(Variant, OfAnObjectHasNoNumber) {
-  registry();
+  startRuntime();
   const Ref<Object> object = makeObject(*hostClasses().date);
   EXPECT_THROW(toInt64(object.get()), HostException);
   EXPECT_THROW(toText(object.get()), HostException);
@@ -89,7 +90,7 @@ TEST(Convert, WrapsIntegersAndSaturatesFractions) {
 }
 
 TEST(Display, IsWhatPrintShows) {
-  registry();
+  startRuntime();
   const auto shown = [](double value) { return display(Slot{.number = value}, {Kind::Double}); };
   EXPECT_EQ(shown(3), "3");
   EXPECT_EQ(shown(0.1), "0.1");

@@ -1,0 +1,94 @@
+// Things that are alive, and variables that threads share.
+#include "runtime/heap.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "runtime/host_classes.h"
+#include "runtime/object.h"
+#include "runtime/shared_reference.h"
+#include "runtime/text.h"
+
+namespace host {
+namespace {
+
+std::string alive() {
+  std::string all;
+  forEachLive(
+      [&](const Heap& thing) { all += std::string(bytesOf(static_cast<const Text*>(&thing))) + " "; });
+  return all;
+}
+
+TEST(LiveThings, AreListedFromTheNewest) {
+  startRuntime();
+  const Ref<Text> first = makeText("first");
+  Ref<Text> second = makeText("second");
+  const Ref<Text> third = makeText("third");
+  EXPECT_EQ(alive(), "third second first ");
+  second = nullptr;
+  EXPECT_EQ(alive(), "third first ");
+}
+
+TEST(LiveThings, KeepTheirOrderWhenMostOthersGo) {
+  startRuntime();
+  std::vector<Ref<Text>> all;
+  for (int i = 0; i < 1000; ++i) all.push_back(makeText(std::to_string(i)));
+  for (std::size_t i = 0; i < all.size(); ++i) {
+    if (i % 250 != 3) all[i] = nullptr;
+  }
+  EXPECT_EQ(alive(), "753 503 253 3 ");
+  for (std::size_t i = 3; i < all.size(); i += 250) all[i] = nullptr;
+  EXPECT_EQ(alive(), "");
+}
+
+TEST(LiveThings, MayGoOnAnotherThreadThanTheyCameFrom) {
+  startRuntime();
+  std::vector<Ref<Text>> made;
+  std::thread([&] {
+    for (int i = 0; i < 100; ++i) made.push_back(makeText(std::to_string(i)));
+  }).join();
+  made.resize(1);
+  EXPECT_EQ(alive(), "0 ");
+  made.clear();
+  EXPECT_EQ(alive(), "");
+}
+
+TEST(SharedReference, HandsOutReferencesOfTheReadersOwn) {
+  startRuntime();
+  SharedReference variable;
+  EXPECT_FALSE(variable.load());
+  EXPECT_FALSE(variable.exchange(makeText("one")));
+  const Ref<> read = variable.load();
+  EXPECT_EQ(read->references.load(), 2);
+  const Ref<> old = variable.exchange(nullptr);
+  EXPECT_EQ(old.get(), read.get());
+  EXPECT_EQ(read->references.load(), 2);
+  EXPECT_FALSE(variable.load());
+}
+
+TEST(SharedReference, IsReadWhileOthersReplaceIt) {
+  startRuntime();
+  {
+    SharedReference variable;
+    std::vector<std::thread> threads;
+    for (int t = 0; t < 4; ++t) {
+      threads.emplace_back([&variable, t] {
+        for (int i = 0; i < 5000; ++i) {
+          if (t % 2 == 0) variable.exchange(makeText("text"));
+          const Ref<> read = variable.load();
+          if (read) {
+            EXPECT_EQ(bytesOf(static_cast<const Text*>(read.get())), "text");
+          }
+        }
+      });
+    }
+    for (std::thread& each : threads) each.join();
+  }
+  EXPECT_EQ(alive(), "");
+}
+
+}  // namespace
+}  // namespace host
