@@ -6,7 +6,7 @@
 #include <cmath>
 #include <string>
 
-#include "language/compiler.h"
+#include "language/language.h"
 #include "runtime/array.h"
 #include "runtime/host_classes.h"
 #include "runtime/variant.h"

@@ -1,11 +1,10 @@
+// Runs compiled programs: frames, their stack, and where an exception has passed.
 #include "language/program.h"
 
 #include <alloca.h>
 #include <pthread.h>
 
-#include <atomic>
 #include <cstring>
-#include <thread>
 
 #include "runtime/thread.h"
 
@@ -18,9 +17,6 @@ Sub::~Sub() {
 }
 
 namespace {
-
-// Keeps a handle from being given back by one thread while another takes a reference of its own.
-std::mutex globalReferences;
 
 class LocalsScope {
  public:
@@ -58,53 +54,24 @@ const char* stackLimit() {
   return limit;
 }
 
-std::string where(const Program& program, const Frame& frame, const std::string& sub) {
-  return program.name + ":" + std::to_string(frame.line) + (sub.empty() ? "" : ": " + sub);
+std::string where(const std::string& file, const Frame& frame, const std::string& sub) {
+  return file + ":" + std::to_string(frame.line) + (sub.empty() ? "" : ": " + sub);
 }
 
-void runFrame(const Program& program, Frame& frame, const Block& body, const std::string& name) {
+void runFrame(const std::string& file, Frame& frame, const Block& body, const std::string& name) {
   try {
     body.run(frame);
   } catch (HostException& exception) {
-    exception.trace.push_back(where(program, frame, name));
+    exception.trace.push_back(where(file, frame, name));
     throw;
   } catch (const std::bad_alloc&) {
     HostException exception("OutOfMemoryException", "There is not enough memory.");
-    exception.trace.push_back(where(program, frame, name));
+    exception.trace.push_back(where(file, frame, name));
     throw exception;
   }
 }
 
 }  // namespace
-
-Slot Global::load() const {
-  Slot loaded;
-  if (type.isReference()) {
-    const std::lock_guard lock(globalReferences);
-    retain(slot.heap);
-    loaded = slot;
-  } else {
-    loaded.word = __atomic_load_n(&slot.word, __ATOMIC_RELAXED);
-  }
-  return loaded;
-}
-
-void Global::store(Slot owned) {
-  if (type.isReference()) {
-    Slot old;
-    {
-      const std::lock_guard lock(globalReferences);
-      old = std::exchange(slot, owned);
-    }
-    release(old.heap);
-  } else {
-    __atomic_store_n(&slot.word, owned.word, __ATOMIC_RELAXED);
-  }
-}
-
-void Program::releaseGlobals() {
-  for (Global& global : globalStorage) global.store(Slot{});
-}
 
 void checkStack() {
   if (static_cast<const char*>(__builtin_frame_address(0)) < stackLimit()) {
@@ -113,7 +80,7 @@ void checkStack() {
   }
 }
 
-Slot callSub(const Program& program, const Sub& sub, const Slot* arguments) {
+Slot callSub(const Sub& sub, const Slot* arguments) {
   const std::size_t count = sub.locals.size();
   auto* locals = static_cast<Slot*>(alloca((count + 1) * sizeof(Slot)));
   std::memset(locals, 0, count * sizeof(Slot));
@@ -124,7 +91,7 @@ Slot callSub(const Program& program, const Sub& sub, const Slot* arguments) {
   frame.locals = locals;
   frame.line = sub.position.line;
   try {
-    runFrame(program, frame, sub.body, sub.name);
+    runFrame(sub.file, frame, sub.body, sub.name);
   } catch (...) {
     releaseSlot(frame.result, sub.result);
     throw;
@@ -132,7 +99,7 @@ Slot callSub(const Program& program, const Sub& sub, const Slot* arguments) {
   return frame.result;
 }
 
-void runMain(const Program& program, const Main& main) {
+void runMain(const Main& main) {
   std::exception_ptr failure;
   auto body = [&] {
     std::vector<Slot> locals(main.locals.size());
@@ -140,7 +107,7 @@ void runMain(const Program& program, const Main& main) {
     Frame frame;
     frame.locals = locals.data();
     try {
-      runFrame(program, frame, main.body, "");
+      runFrame(main.file, frame, main.body, "");
     } catch (...) {
       failure = std::current_exception();
     }
