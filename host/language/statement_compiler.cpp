@@ -166,10 +166,10 @@ void StatementCompiler::compile(const syntax::Jump& jumped, Position position, B
 
 void StatementCompiler::compile(const syntax::AddHandler& added, Position position, Block& block) {
   Expr object = expressions_.compile(added.object);
+  expectEvent(*object, added.event.text, position);
   const Sub* sub = names_.findSub(added.handler.text);
   if (!sub) fail(added.handler.position, "there is no Sub " + added.handler.text);
-  block.statements.push_back(
-      addHandler(position, std::move(object), added.event.text, *sub, added.handler.position));
+  block.statements.push_back(addHandler(position, std::move(object), *sub, added.handler.position));
 }
 
 // Blocks.

@@ -100,15 +100,15 @@ Stmt jump(Position position, Flow flow) {
   return statement(position, [flow](Frame&) { return flow; });
 }
 
-Stmt addHandler(Position position, Expr object, const std::string& event, const Sub& sub,
-                Position subPosition) {
-  const Class* thread = hostClasses().thread;
-  const Type type = object->type;
-  if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isA(*thread) ||
-      !sameName(event, "Run")) {
-    fail(position, "a " + nameOf(type) + " has no event " + event);
-  }
-  const Type threadType{Kind::Object, false, thread};
+void expectEvent(const Expression& object, const std::string& event, Position position) {
+  const Type type = object.type;
+  const bool isThread =
+      isPlainObject(type) && type.objectClass && type.objectClass->isA(*hostClasses().thread);
+  if (!isThread || !sameName(event, "Run")) fail(position, "a " + nameOf(type) + " has no event " + event);
+}
+
+Stmt addHandler(Position position, Expr object, const Sub& sub, Position subPosition) {
+  const Type threadType{Kind::Object, false, hostClasses().thread};
   const std::vector<SubParameter>& parameters = sub.parameters;
   if (sub.result.kind != Kind::None || parameters.size() > 1 ||
       (parameters.size() == 1 && (parameters[0].type != threadType || parameters[0].byRef))) {

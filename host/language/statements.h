@@ -7,7 +7,7 @@
 
 namespace host {
 
-// All but the last two throw ProgramError where an expression has the wrong type.
+// What takes an expression throws ProgramError where it has the wrong type.
 
 // Runs the body of the first branch one of whose tests holds; one without tests is Else.
 struct Branch {
@@ -30,8 +30,8 @@ Stmt evaluate(Position position, Expr value);                                   
 Stmt declaration(Position position, std::unique_ptr<Place> place, Expr value);  // null: zero, Nil or ""
 Stmt jump(Position position, Flow flow);
 
-// AddHandler object.Run, AddressOf sub.
-Stmt addHandler(Position position, Expr object, const std::string& event, const Sub& sub,
-                Position subPosition);
+// AddHandler object.Run, AddressOf sub. Only a Thread has an event, and it is Run.
+void expectEvent(const Expression& object, const std::string& event, Position position);
+Stmt addHandler(Position position, Expr object, const Sub& sub, Position subPosition);
 
 }  // namespace host
