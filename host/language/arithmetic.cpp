@@ -57,7 +57,19 @@ Word remainder(Word left, Word right) {
 
 // On 64-bit words, which are signed or not.
 template <typename Word>
+Expr quotient(Operator op, Type type, Expr l, Expr r) {
+  if (op == Operator::integerDivide) {
+    return integerOperation(type, std::move(l), std::move(r), [](std::int64_t a, std::int64_t b) {
+      return divide(static_cast<Word>(a), static_cast<Word>(b));
+    });
+  }
+  return integerOperation(type, std::move(l), std::move(r), [](std::int64_t a, std::int64_t b) {
+    return remainder(static_cast<Word>(a), static_cast<Word>(b));
+  });
+}
+
 Expr integerArithmetic(Operator op, Type type, Expr l, Expr r) {
+  // These three are the same with a sign and without one.
   const auto make = [&](auto operation) {
     return integerOperation(type, std::move(l), std::move(r), [operation](std::int64_t a, std::int64_t b) {
       return operation(static_cast<std::uint64_t>(a), static_cast<std::uint64_t>(b));
@@ -65,19 +77,14 @@ Expr integerArithmetic(Operator op, Type type, Expr l, Expr r) {
   };
   switch (op) {
     case Operator::add:
-      return make(std::plus<std::uint64_t>());
+      return make(std::plus<>());
     case Operator::subtract:
-      return make(std::minus<std::uint64_t>());
+      return make(std::minus<>());
     case Operator::multiply:
-      return make(std::multiplies<std::uint64_t>());
-    case Operator::integerDivide:
-      return make([](std::uint64_t a, std::uint64_t b) {
-        return divide(static_cast<Word>(a), static_cast<Word>(b));
-      });
+      return make(std::multiplies<>());
     default:
-      return make([](std::uint64_t a, std::uint64_t b) {
-        return remainder(static_cast<Word>(a), static_cast<Word>(b));
-      });
+      return type.kind == Kind::UInt64 ? quotient<std::uint64_t>(op, type, std::move(l), std::move(r))
+                                       : quotient<std::int64_t>(op, type, std::move(l), std::move(r));
   }
 }
 
@@ -100,14 +107,8 @@ Expr withFloating(Operator op, Use use) {
 
 Expr realArithmetic(Operator op, Expr left, Expr right) {
   return withFloating(op, [&](auto operation) {
-    return withReal(std::move(left), [&](auto l) {
-      return withReal(std::move(right), [&](auto r) {
-        return realNode([l = std::move(l), r = std::move(r), operation](Frame& f) {
-          const double first = l(f);
-          return operation(first, r(f));
-        });
-      });
-    });
+    return onReals(std::move(left), std::move(right), operation,
+                   [](auto function) { return realNode(std::move(function)); });
   });
 }
 
@@ -198,18 +199,17 @@ Expr arithmetic(Operator op, Expr left, Expr right, Position position) {
     const Type type{wide ? Kind::UInt64 : Kind::Int64};
     left = convertTo(std::move(left), type, "an operand");
     right = convertTo(std::move(right), type, "an operand");
-    return wide ? integerArithmetic<std::uint64_t>(op, type, std::move(left), std::move(right))
-                : integerArithmetic<std::int64_t>(op, type, std::move(left), std::move(right));
+    return integerArithmetic(op, type, std::move(left), std::move(right));
   }
   if (l.kind == Kind::Currency || r.kind == Kind::Currency) {
     // Currency stays exact where it can: in sums, and times an integer.
     if ((op == Operator::add || op == Operator::subtract) && !l.isFloating() && !r.isFloating()) {
       left = convertTo(std::move(left), {Kind::Currency}, "an operand");
       right = convertTo(std::move(right), {Kind::Currency}, "an operand");
-      return integerArithmetic<std::int64_t>(op, {Kind::Currency}, std::move(left), std::move(right));
+      return integerArithmetic(op, {Kind::Currency}, std::move(left), std::move(right));
     }
     if (op == Operator::multiply && (l.isInteger() || r.isInteger())) {
-      return integerArithmetic<std::int64_t>(op, {Kind::Currency}, std::move(left), std::move(right));
+      return integerArithmetic(op, {Kind::Currency}, std::move(left), std::move(right));
     }
   }
   if (l.kind == Kind::Single && r.kind == Kind::Single && op != Operator::power) {

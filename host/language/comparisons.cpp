@@ -32,26 +32,21 @@ Expr withTest(Operator op, Use use) {
   }
 }
 
+constexpr auto makeBoolean = [](auto function) { return booleanNode(std::move(function)); };
+
 template <typename Word>
 Expr compareIntegers(Operator op, Expr left, Expr right) {
   return withTest(op, [&](auto test) {
-    return integerOperation(
-        {Kind::Boolean}, std::move(left), std::move(right),
-        [test](std::int64_t a, std::int64_t b) { return test(static_cast<Word>(a), static_cast<Word>(b)); });
+    const auto compare = [test](std::int64_t a, std::int64_t b) {
+      return test(static_cast<Word>(a), static_cast<Word>(b));
+    };
+    return onIntegers(std::move(left), std::move(right), compare, makeBoolean);
   });
 }
 
 Expr compareReals(Operator op, Expr left, Expr right) {
-  return withTest(op, [&](auto test) {
-    return withReal(std::move(left), [&](auto l) {
-      return withReal(std::move(right), [&](auto r) {
-        return integerNode({Kind::Boolean}, [l = std::move(l), r = std::move(r), test](Frame& f) {
-          const double first = l(f);
-          return test(first, r(f));
-        });
-      });
-    });
-  });
+  return withTest(op,
+                  [&](auto test) { return onReals(std::move(left), std::move(right), test, makeBoolean); });
 }
 
 // By a function of the frame that orders the two.
@@ -63,7 +58,7 @@ Expr compareBy(Operator op, Order order) {
                                                  : op == Operator::lessOrEqual ? std::is_lteq
                                                  : op == Operator::greater     ? std::is_gt
                                                                                : std::is_gteq;
-  return integerNode({Kind::Boolean}, [order = std::move(order), test](Frame& f) { return test(order(f)); });
+  return booleanNode([order = std::move(order), test](Frame& f) { return test(order(f)); });
 }
 
 // Two variants, by value: as numbers where both are numbers, as text where one is text.
@@ -121,7 +116,7 @@ Expr compareObjects(Operator op, Expr& left, Expr& right, Position position) {
   if (!forIdentity || !isObjectOrNil(l) || !isObjectOrNil(r)) return nullptr;
   Expr same = identity(std::move(left), std::move(right), position);
   if (op == Operator::equal) return same;
-  return integerNode({Kind::Boolean}, [same = std::move(same)](Frame& f) { return same->integer(f) == 0; });
+  return booleanNode([same = std::move(same)](Frame& f) { return same->integer(f) == 0; });
 }
 
 }  // namespace
@@ -185,7 +180,7 @@ Expr identity(Expr left, Expr right, Position position) {
       fail(position, "Is compares objects; found " + nameOf((*each)->type));
     }
   }
-  return integerNode({Kind::Boolean}, [left = std::move(left), right = std::move(right)](Frame& f) {
+  return booleanNode([left = std::move(left), right = std::move(right)](Frame& f) {
     const Ref<Heap> first = left->reference(f);
     return first.get() == right->reference(f).get();
   });
@@ -193,9 +188,8 @@ Expr identity(Expr left, Expr right, Position position) {
 
 Expr instanceTest(Expr object, const Class& type, Position position) {
   if (!object->type.isReference()) fail(position, "IsA tests objects; found " + nameOf(object->type));
-  return integerNode({Kind::Boolean}, [object = std::move(object), &type](Frame& f) {
-    return isInstance(object->reference(f).get(), type);
-  });
+  return booleanNode(
+      [object = std::move(object), &type](Frame& f) { return isInstance(object->reference(f).get(), type); });
 }
 
 Expr condition(Expr value, Position position, const std::string& what) {

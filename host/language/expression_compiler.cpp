@@ -145,7 +145,7 @@ Expr ExpressionCompiler::compileNode(const syntax::Literal& literal) {
     }
     Expr operator()(double value) const { return realLiteral(value); }
     Expr operator()(bool value) const {
-      return integerNode({Kind::Boolean}, [value](Frame&) { return value; });
+      return booleanNode([value](Frame&) { return value; });
     }
     Expr operator()(const std::string& value) const { return textLiteral(value); }
     Expr operator()(syntax::NilLiteral) const {

@@ -216,6 +216,12 @@ struct IntegerNode final : Expression {
   Function function;
 };
 template <typename Function>
+struct BooleanNode final : Expression {
+  explicit BooleanNode(Function f) : Expression(Type{Kind::Boolean}), function(std::move(f)) {}
+  std::int64_t integer(Frame& frame) const override { return function(frame); }
+  Function function;
+};
+template <typename Function>
 struct RealNode final : Expression {
   RealNode(Type ofType, Function f) : Expression(ofType), function(std::move(f)) {}
   double real(Frame& frame) const override { return function(frame); }
@@ -253,6 +259,10 @@ struct SlotNode final : Expression {
 template <typename Function>
 Expr integerNode(Type type, Function function) {
   return std::make_unique<detail::IntegerNode<Function>>(type, std::move(function));
+}
+template <typename Function>
+Expr booleanNode(Function function) {
+  return std::make_unique<detail::BooleanNode<Function>>(std::move(function));
 }
 template <typename Function>
 Expr realNode(Function function) {

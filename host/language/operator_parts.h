@@ -20,12 +20,12 @@ Expr withReal(Expr operand, Use use) {
   return use([operand = std::move(operand)](Frame& f) { return operand->real(f); });
 }
 
-// A node of type `type` that computes operation(left, right) on operands read as above.
-template <typename Operation>
-Expr integerOperation(Type type, Expr left, Expr right, Operation operation) {
+// What `make` makes of the function that computes operation(left, right), the left one first.
+template <typename Operation, typename Make>
+Expr onIntegers(Expr left, Expr right, Operation operation, Make make) {
   return withInteger(std::move(left), [&](auto l) {
     return withInteger(std::move(right), [&](auto r) {
-      return integerNode(type, [l = std::move(l), r = std::move(r), operation](Frame& f) {
+      return make([l = std::move(l), r = std::move(r), operation](Frame& f) {
         const std::int64_t first = l(f);
         return operation(first, r(f));
       });
@@ -33,7 +33,25 @@ Expr integerOperation(Type type, Expr left, Expr right, Operation operation) {
   });
 }
 
-// Exactly one of the two members that a class may declare for an operator: of the left operand's class for
+template <typename Operation, typename Make>
+Expr onReals(Expr left, Expr right, Operation operation, Make make) {
+  return withReal(std::move(left), [&](auto l) {
+    return withReal(std::move(right), [&](auto r) {
+      return make([l = std::move(l), r = std::move(r), operation](Frame& f) {
+        const double first = l(f);
+        return operation(first, r(f));
+      });
+    });
+  });
+}
+
+template <typename Operation>
+Expr integerOperation(Type type, Expr left, Expr right, Operation operation) {
+  return onIntegers(std::move(left), std::move(right), operation,
+                    [type](auto function) { return integerNode(type, std::move(function)); });
+}
+
+// One of the two members that a class may declare for an operator: of the left operand's class for
 // the right one, or reflected, of the right operand's class for the left. Which it is goes by how far the
 // other operand is from the member's parameter.
 struct OperatorMember {

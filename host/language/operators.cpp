@@ -55,12 +55,12 @@ Expr logical(Operator op, Expr left, Expr right, Position position) {
   Type type = l;
   if (isBoolean(l) && isBoolean(r)) {
     if (op == Operator::both) {
-      return integerNode(l, [a = std::move(left), b = std::move(right)](Frame& f) {
+      return booleanNode([a = std::move(left), b = std::move(right)](Frame& f) {
         return a->integer(f) != 0 && b->integer(f) != 0;
       });
     }
     if (op == Operator::either) {
-      return integerNode(l, [a = std::move(left), b = std::move(right)](Frame& f) {
+      return booleanNode([a = std::move(left), b = std::move(right)](Frame& f) {
         return a->integer(f) != 0 || b->integer(f) != 0;
       });
     }
@@ -88,7 +88,7 @@ Expr inversion(Expr operand, Position position) {
   if (isVariant(operand->type)) operand = convertTo(std::move(operand), {Kind::Boolean}, "an operand");
   const Type type = operand->type;
   if (isBoolean(type)) {
-    return integerNode(type, [operand = std::move(operand)](Frame& f) { return operand->integer(f) == 0; });
+    return booleanNode([operand = std::move(operand)](Frame& f) { return operand->integer(f) == 0; });
   }
   if (!type.isInteger()) fail(position, "there is no operator 'Not' for a " + nameOf(type));
   const Type result{type.kind == Kind::UInt64 ? Kind::UInt64 : Kind::Int64};
