@@ -119,8 +119,10 @@ void Names::failUnknown(const syntax::Name& name) const {
   for (const Block& block : blocks_) {
     for (const auto& [key, local] : block) known.push_back(key);
   }
-  for (const Global& global : module_.allGlobals) known.push_back(global.name);
-  for (const auto& [key, value] : module_.values) known.push_back(key);
+  for (const auto& [key, value] : module_.values) {
+    const auto* global = std::get_if<Global*>(&value);
+    known.push_back(global ? (*global)->name : key);
+  }
   for (const auto& [key, sub] : module_.subs) known.push_back(sub->name);
   for (const Class& each : registry().classes) known.push_back(each.name);
   for (const Module& module : registry().modules) {
