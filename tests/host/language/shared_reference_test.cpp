@@ -25,11 +25,16 @@ TEST(SharedReference, GivesReadersAReferenceOfTheirOwn) {
 TEST(SharedReference, NeverGivesWhatIsGone) {
   Slot slot = {};
   storeShared(slot, makeText("0").detach());
-  std::atomic<int> reading{3}, strange{0};
+  constexpr int readers = 2, writers = 2;
+  std::atomic<int> ready{0}, reading{readers}, strange{0};
+  const auto startTogether = [&] {
+    for (++ready; ready < readers + writers;) std::this_thread::yield();
+  };
   std::vector<std::thread> threads;
-  for (int i = 0; i < 3; ++i) {
+  for (int i = 0; i < readers; ++i) {
     threads.emplace_back([&] {
-      for (int round = 0; round < 20000; ++round) {
+      startTogether();
+      for (int round = 0; round < 300000; ++round) {
         const Ref<Heap> held = loadShared(slot);
         const std::string_view text = bytesOf(static_cast<const Text*>(held.get()));
         if (text != "0" && text != "1") ++strange;
@@ -37,8 +42,9 @@ TEST(SharedReference, NeverGivesWhatIsGone) {
       --reading;
     });
   }
-  for (int i = 0; i < 2; ++i) {
+  for (int i = 0; i < writers; ++i) {
     threads.emplace_back([&] {
+      startTogether();
       for (int round = 0; reading > 0; ++round) storeShared(slot, makeText(round % 2 ? "1" : "0").detach());
     });
   }
