@@ -13,8 +13,7 @@
 #include <mutex>
 #include <sstream>
 
-#include "language/compiler.h"
-#include "language/repl.h"
+#include "language/language.h"
 #include "runtime/library.h"
 #include "runtime/operations.h"
 #include "runtime/report.h"
@@ -86,8 +85,7 @@ void switchTracingOn() {
 }
 
 int run(const std::string& file) {
-  Program program;
-  program.name = file == "-" ? "standard input" : file;
+  const std::string name = file == "-" ? "standard input" : file;
   const std::string text = readProgram(file);
   std::mutex reporting;
   bool failed = false;
@@ -99,16 +97,16 @@ int run(const std::string& file) {
   };
   setUncaughtHandler(report);
   try {
-    const Main main = compile(program, text);
+    const Program program(name, text);
     try {
-      runMain(program, main);
+      program.run();
     } catch (const HostException& exception) {
       report(exception);
     }
     joinAll();
   } catch (const ProgramError& error) {
-    std::fprintf(stderr, "%s:%d:%d: error: %s\n", program.name.c_str(), error.position.line,
-                 error.position.column, error.what());
+    std::fprintf(stderr, "%s:%d:%d: error: %s\n", name.c_str(), error.position.line, error.position.column,
+                 error.what());
     return programFailed;
   }
   std::fflush(stdout);

@@ -6,7 +6,7 @@
 #include <cmath>
 #include <string>
 
-#include "language/compiler.h"
+#include "language/language.h"
 #include "runtime/array.h"
 #include "runtime/exception.h"
 #include "runtime/host_record.h"

@@ -1,14 +1,110 @@
+// The words and symbols of the language, and how a text falls into them.
 #include "language/lexer.h"
 
 #include <cctype>
 #include <charconv>
 #include <cstdlib>
+#include <iterator>
 
 #include "runtime/class.h"
 
 namespace host {
 
 namespace {
+
+// A word that is not reserved means something only where the grammar asks for it.
+constexpr struct {
+  Keyword keyword;
+  const char* spelling;
+  bool reserved;
+} keywords[] = {
+    {Keyword::addHandlerWord, "AddHandler", false},
+    {Keyword::addressOfWord, "AddressOf", false},
+    {Keyword::andWord, "And", true},
+    {Keyword::asWord, "As", true},
+    {Keyword::byRefWord, "ByRef", true},
+    {Keyword::byValWord, "ByVal", true},
+    {Keyword::callWord, "Call", false},
+    {Keyword::caseWord, "Case", true},
+    {Keyword::catchWord, "Catch", true},
+    {Keyword::constWord, "Const", true},
+    {Keyword::continueWord, "Continue", true},
+    {Keyword::dimWord, "Dim", true},
+    {Keyword::doWord, "Do", true},
+    {Keyword::downToWord, "DownTo", true},
+    {Keyword::eachWord, "Each", true},
+    {Keyword::elseWord, "Else", true},
+    {Keyword::elseIfWord, "ElseIf", true},
+    {Keyword::endWord, "End", true},
+    {Keyword::exitWord, "Exit", true},
+    {Keyword::falseWord, "False", true},
+    {Keyword::finallyWord, "Finally", true},
+    {Keyword::forWord, "For", true},
+    {Keyword::functionWord, "Function", true},
+    {Keyword::ifWord, "If", true},
+    {Keyword::inWord, "In", false},
+    {Keyword::isWord, "Is", true},
+    {Keyword::isAWord, "IsA", true},
+    {Keyword::loopWord, "Loop", true},
+    {Keyword::modWord, "Mod", true},
+    {Keyword::newWord, "New", true},
+    {Keyword::nextWord, "Next", true},
+    {Keyword::nilWord, "Nil", true},
+    {Keyword::notWord, "Not", true},
+    {Keyword::orWord, "Or", true},
+    {Keyword::printWord, "Print", true},
+    {Keyword::raiseWord, "Raise", true},
+    {Keyword::reDimWord, "ReDim", false},
+    {Keyword::returnWord, "Return", true},
+    {Keyword::selectWord, "Select", true},
+    {Keyword::stepWord, "Step", true},
+    {Keyword::subWord, "Sub", true},
+    {Keyword::thenWord, "Then", true},
+    {Keyword::toWord, "To", true},
+    {Keyword::trueWord, "True", true},
+    {Keyword::tryWord, "Try", true},
+    {Keyword::untilWord, "Until", true},
+    {Keyword::varWord, "Var", true},
+    {Keyword::wendWord, "Wend", true},
+    {Keyword::whileWord, "While", true},
+    {Keyword::xorWord, "Xor", true},
+};
+
+constexpr struct {
+  Symbol symbol;
+  std::string_view spelling;
+} symbols[] = {
+    {Symbol::lessOrEqual, "<="}, {Symbol::greaterOrEqual, ">="},
+    {Symbol::unequal, "<>"},     {Symbol::plusEqual, "+="},
+    {Symbol::minusEqual, "-="},  {Symbol::timesEqual, "*="},
+    {Symbol::divideEqual, "/="}, {Symbol::plus, "+"},
+    {Symbol::minus, "-"},        {Symbol::times, "*"},
+    {Symbol::divide, "/"},       {Symbol::backslash, "\\"},
+    {Symbol::caret, "^"},        {Symbol::open, "("},
+    {Symbol::close, ")"},        {Symbol::equal, "="},
+    {Symbol::less, "<"},         {Symbol::greater, ">"},
+    {Symbol::comma, ","},        {Symbol::dot, "."},
+    {Symbol::ampersand, "&"},
+};
+
+// Each value of an enumeration but its first, "none", has its line, in order.
+constexpr bool inOrder() {
+  for (std::size_t i = 0; i < std::size(keywords); ++i) {
+    if (static_cast<std::size_t>(keywords[i].keyword) != i + 1) return false;
+  }
+  for (std::size_t i = 0; i < std::size(symbols); ++i) {
+    if (static_cast<std::size_t>(symbols[i].symbol) != i + 1) return false;
+  }
+  return true;
+}
+static_assert(inOrder());
+
+Keyword keywordSpelled(std::string_view word) {
+  for (const auto& each : keywords) {
+    if (sameName(each.spelling, word)) return each.keyword;
+  }
+  return Keyword::none;
+}
 
 bool isWordStart(char c) { return std::isalpha(static_cast<unsigned char>(c)) || c == '_' || (c & 0x80); }
 bool isWordPart(char c) { return isWordStart(c) || std::isdigit(static_cast<unsigned char>(c)); }
@@ -32,6 +128,9 @@ class Lexer {
   Position here() const { return {line_, static_cast<int>(at_ - lineStart_) + 1}; }
 
   void add(TokenKind kind, std::string text) { tokens_.push_back({kind, std::move(text), here()}); }
+  void add(Symbol symbol) {
+    tokens_.push_back({TokenKind::symbol, spellingOf(symbol), here(), Keyword::none, symbol});
+  }
   void endLine() {
     if (!tokens_.empty() && tokens_.back().kind != TokenKind::endOfLine)
       add(TokenKind::endOfLine, "end of line");
@@ -77,8 +176,7 @@ class Lexer {
     ++at_;
     while (peek() == ' ' || peek() == '\t' || peek() == '\r') ++at_;
     if (peek() == '\'') skipComment();
-    if (peek() != '\n')
-      throw ProgramError(start, "expected the end of the line after the continuation mark _");
+    if (peek() != '\n') fail(start, "expected the end of the line after the continuation mark _");
     ++at_;
     startLine();
   }
@@ -89,7 +187,7 @@ class Lexer {
     while (isWordPart(peek())) ++at_;
     const std::string_view word = text_.substr(start, at_ - start);
     if (sameName(word, "Rem")) return skipComment();
-    tokens_.push_back({TokenKind::word, std::string(word), position});
+    tokens_.push_back({TokenKind::word, std::string(word), position, keywordSpelled(word)});
   }
 
   void number() {
@@ -107,13 +205,12 @@ class Lexer {
       at_ += sign;
       while (isDigit(peek())) ++at_;
     }
-    if (isWordStart(peek())) throw ProgramError(token.position, "a number is followed by a letter");
+    if (isWordStart(peek())) fail(token.position, "a number is followed by a letter");
     token.text = text_.substr(start, at_ - start);
     if (token.kind == TokenKind::integer) {
       const auto parsed =
           std::from_chars(token.text.data(), token.text.data() + token.text.size(), token.integer);
-      if (parsed.ec != std::errc())
-        throw ProgramError(token.position, token.text + " is too big for an integer");
+      if (parsed.ec != std::errc()) fail(token.position, token.text + " is too big for an integer");
     } else {
       token.real = std::strtod(token.text.c_str(), nullptr);
     }
@@ -131,10 +228,10 @@ class Lexer {
     const char* end = token.text.data() + token.text.size();
     const auto parsed = std::from_chars(token.text.data() + 2, end, token.integer, base);
     if (parsed.ec == std::errc::result_out_of_range) {
-      throw ProgramError(token.position, token.text + " is too big for an integer");
+      fail(token.position, token.text + " is too big for an integer");
     }
     if (parsed.ec != std::errc() || parsed.ptr != end) {
-      throw ProgramError(token.position, token.text + " is not a number of base " + std::to_string(base));
+      fail(token.position, token.text + " is not a number of base " + std::to_string(base));
     }
     tokens_.push_back(std::move(token));
   }
@@ -142,8 +239,7 @@ class Lexer {
   void quoted() {
     Token token{TokenKind::text, "", here()};
     for (++at_;; ++at_) {
-      if (peek() == '\n' || at_ >= text_.size())
-        throw ProgramError(token.position, "the text is not closed by a quote");
+      if (peek() == '\n' || at_ >= text_.size()) fail(token.position, "the text is not closed by a quote");
       if (peek() == '"') {
         ++at_;
         if (peek() != '"') break;
@@ -154,19 +250,13 @@ class Lexer {
   }
 
   void symbol() {
-    const Position position = here();
-    for (const std::string_view two : {"<=", ">=", "<>", "+=", "-=", "*=", "/="}) {
-      if (text_.substr(at_, 2) == two) {
-        at_ += 2;
-        tokens_.push_back({TokenKind::symbol, std::string(two), position});
-        return;
-      }
+    for (const auto& each : symbols) {
+      if (!text_.substr(at_).starts_with(each.spelling)) continue;
+      add(each.symbol);
+      at_ += each.spelling.size();
+      return;
     }
-    if (std::string_view("+-*/\\^()=<>,.&").find(peek()) == std::string_view::npos) {
-      throw ProgramError(position, std::string("unexpected character '") + peek() + "'");
-    }
-    tokens_.push_back({TokenKind::symbol, std::string(1, peek()), position});
-    ++at_;
+    fail(here(), std::string("unexpected character '") + peek() + "'");
   }
 
   std::string_view text_;
@@ -176,6 +266,14 @@ class Lexer {
 };
 
 }  // namespace
+
+const char* spellingOf(Keyword keyword) { return keywords[static_cast<std::size_t>(keyword) - 1].spelling; }
+bool isReserved(Keyword keyword) {
+  return keyword != Keyword::none && keywords[static_cast<std::size_t>(keyword) - 1].reserved;
+}
+const char* spellingOf(Symbol symbol) {
+  return symbols[static_cast<std::size_t>(symbol) - 1].spelling.data();
+}
 
 std::vector<Token> tokenize(std::string_view text) { return Lexer(text).run(); }
 

@@ -2,36 +2,106 @@
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "language/problem.h"
+
 namespace host {
 
-struct Position {
-  int line = 0, column = 0;  // from 1; columns count bytes
+// The words with a meaning of their own. The table in lexer.cpp spells them, in this order.
+enum class Keyword : std::uint8_t {
+  none,  // a name
+  addHandlerWord,
+  addressOfWord,
+  andWord,
+  asWord,
+  byRefWord,
+  byValWord,
+  callWord,
+  caseWord,
+  catchWord,
+  constWord,
+  continueWord,
+  dimWord,
+  doWord,
+  downToWord,
+  eachWord,
+  elseWord,
+  elseIfWord,
+  endWord,
+  exitWord,
+  falseWord,
+  finallyWord,
+  forWord,
+  functionWord,
+  ifWord,
+  inWord,
+  isWord,
+  isAWord,
+  loopWord,
+  modWord,
+  newWord,
+  nextWord,
+  nilWord,
+  notWord,
+  orWord,
+  printWord,
+  raiseWord,
+  reDimWord,
+  returnWord,
+  selectWord,
+  stepWord,
+  subWord,
+  thenWord,
+  toWord,
+  trueWord,
+  tryWord,
+  untilWord,
+  varWord,
+  wendWord,
+  whileWord,
+  xorWord,
 };
+const char* spellingOf(Keyword keyword);
+bool isReserved(Keyword keyword);  // no name may be spelled so
 
-// A program that cannot be run: where and why. what() is the message alone.
-class ProgramError : public std::runtime_error {
- public:
-  ProgramError(Position where, const std::string& message) : std::runtime_error(message), position(where) {}
-  Position position;
+enum class Symbol : std::uint8_t {
+  none,
+  // Two characters; the table in lexer.cpp spells them all, in this order.
+  lessOrEqual,
+  greaterOrEqual,
+  unequal,
+  plusEqual,
+  minusEqual,
+  timesEqual,
+  divideEqual,
+  plus,
+  minus,
+  times,
+  divide,
+  backslash,
+  caret,
+  open,
+  close,
+  equal,
+  less,
+  greater,
+  comma,
+  dot,
+  ampersand,
 };
+const char* spellingOf(Symbol symbol);
 
-// A line of the interactive mode that needs more lines to be a program.
-class UnfinishedProgram : public ProgramError {
- public:
-  using ProgramError::ProgramError;
-};
-
-enum class TokenKind { word, integer, real, text, symbol, endOfLine, endOfText };
+enum class TokenKind : std::uint8_t { word, integer, real, text, symbol, endOfLine, endOfText };
 
 struct Token {
   TokenKind kind;
   std::string text;  // as written; of a text literal, what it means
   Position position;
+  Keyword keyword = Keyword::none;  // of a word
+  Symbol symbol = Symbol::none;
   std::uint64_t integer = 0;  // of an integer literal
   double real = 0;
 };

@@ -1,11 +1,15 @@
 // What a compiled program consists of: typed expressions, places that can be assigned to, and statements.
 #pragma once
 
+#include <bit>
+#include <cstdlib>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <utility>
 #include <vector>
 
-#include "language/lexer.h"
+#include "language/problem.h"
 #include "runtime/heap.h"
 #include "runtime/value.h"
 
@@ -18,6 +22,22 @@ struct Frame {
   Slot result = {};  // owned, where it is a reference
 };
 
+// A variable that holds a plain value: a slot of the frame, or one at module level, which threads share.
+struct Variable {
+  Slot* shared = nullptr;
+  std::size_t slot = 0;
+
+  std::int64_t integer(const Frame& frame) const { return static_cast<std::int64_t>(load(frame)); }
+  double real(const Frame& frame) const { return std::bit_cast<double>(load(frame)); }
+  // Relaxed: threads that use a variable at once see some value of it, and order nothing else by it.
+  std::uint64_t load(const Frame& frame) const {
+    return __atomic_load_n(&(shared ? shared : frame.locals + slot)->word, __ATOMIC_RELAXED);
+  }
+  void store(const Frame& frame, std::uint64_t word) const {
+    __atomic_store_n(&(shared ? shared : frame.locals + slot)->word, word, __ATOMIC_RELAXED);
+  }
+};
+
 // Which of the four evaluations an expression of the type has.
 enum class Register { integer, real, single, reference };
 inline Register registerOf(Type type) {
@@ -27,10 +47,47 @@ inline Register registerOf(Type type) {
                                    : Register::integer;  // Boolean, Currency and Ptr are integers
 }
 
+inline bool isPlainObject(Type type) { return type.kind == Kind::Object && !type.array; }
+inline bool isVariant(Type type) { return type.kind == Kind::Variant && !type.array; }
+inline bool isText(Type type) { return type.kind == Kind::String && !type.array; }
+inline bool isBoolean(Type type) { return type.kind == Kind::Boolean && !type.array; }
+
 // Drops the reference that a slot owns, if its type is one.
 inline void releaseSlot(Slot slot, Type type) {
   if (type.isReference()) release(slot.heap);
 }
+
+// How a statement ends: by going on, or on the way out of something.
+enum class Flow : std::uint8_t {
+  next,
+  exitFor,
+  exitWhile,
+  exitDo,
+  continueFor,
+  continueWhile,
+  continueDo,
+  leave,  // the Sub, Function or program
+};
+
+class Statement {
+ public:
+  virtual ~Statement() = default;
+  virtual Flow run(Frame&) const = 0;
+};
+using Stmt = std::unique_ptr<Statement>;
+
+struct Block {
+  std::vector<Stmt> statements;
+  Flow run(Frame& frame) const {
+    for (const Stmt& each : statements) {
+      if (const Flow flow = each->run(frame); flow != Flow::next) [[unlikely]]
+        return flow;
+    }
+    return Flow::next;
+  }
+};
+
+class Place;
 
 class Expression {
  public:
@@ -63,19 +120,41 @@ class Expression {
     return slot;
   }
 
+  // Itself, where it can be assigned to.
+  virtual const Place* place() const { return nullptr; }
+  // The statement that stores the value in a variable, with the computation inside it: one step instead of
+  // two. Takes the expression's function with it; null, and nothing taken, where there is none.
+  virtual Stmt storing(const Variable&, Position) { return nullptr; }
+
   Type type;
   Position position;
-  bool isLiteral = false;    // a number that fits whatever holds it
-  std::int64_t literal = 0;  // of an integer literal
+  bool isLiteral = false;               // a number that fits whatever holds it
+  std::optional<std::int64_t> literal;  // of an integer literal
+  std::optional<Variable> variable;     // that it reads, where it is no more than that
 };
 using Expr = std::unique_ptr<Expression>;
+using Exprs = std::vector<Expr>;
 
 // An expression that can be assigned to.
 class Place : public Expression {
  public:
   using Expression::Expression;
+  const Place* place() const final { return this; }
   virtual void put(Frame& frame, Slot owned) const = 0;
+
+  // From the value that is there (borrowed) the one to be put (owned), or nothing where it may stay.
+  using Change = std::function<std::optional<Slot>(Slot current)>;
+  // Reads and puts, but finds the place only once: what stands in an index is computed once.
+  virtual void update(Frame& frame, const Change& change) const;
+  // The same place once more, where finding it twice is no more than finding it once; else null.
+  virtual std::unique_ptr<Place> again() const { return nullptr; }
 };
+
+// Throws ProgramError where it cannot be assigned to.
+inline std::unique_ptr<Place> placeOf(Expr expression, Position position, const std::string& message) {
+  if (!expression->place()) fail(position, message);
+  return std::unique_ptr<Place>(static_cast<Place*>(expression.release()));
+}
 
 // Evaluated, and given back at the end of the scope.
 class Held {
@@ -96,17 +175,61 @@ class Held {
   Type type_;
 };
 
+inline void Place::update(Frame& frame, const Change& change) const {
+  const Held current(*this, frame);
+  if (const std::optional<Slot> changed = change(current.slot)) put(frame, *changed);
+}
+
+namespace detail {
+template <typename Function>
+struct StatementNode final : Statement {
+  StatementNode(int atLine, Function f) : line(atLine), function(std::move(f)) {}
+  Flow run(Frame& frame) const override {
+    frame.line = line;
+    if constexpr (std::is_void_v<decltype(function(frame))>) {
+      function(frame);
+      return Flow::next;
+    } else {
+      return function(frame);
+    }
+  }
+  int line;
+  Function function;
+};
+}  // namespace detail
+
+template <typename Function>
+Stmt statement(Position position, Function function) {
+  return std::make_unique<detail::StatementNode<Function>>(position.line, std::move(function));
+}
+
 namespace detail {
 template <typename Function>
 struct IntegerNode final : Expression {
   IntegerNode(Type ofType, Function f) : Expression(ofType), function(std::move(f)) {}
   std::int64_t integer(Frame& frame) const override { return static_cast<std::int64_t>(function(frame)); }
+  Stmt storing(const Variable& target, Position at) override {
+    return statement(at, [target, f = std::move(function)](Frame& frame) {
+      target.store(frame, static_cast<std::uint64_t>(f(frame)));
+    });
+  }
+  Function function;
+};
+template <typename Function>
+struct BooleanNode final : Expression {
+  explicit BooleanNode(Function f) : Expression(Type{Kind::Boolean}), function(std::move(f)) {}
+  std::int64_t integer(Frame& frame) const override { return function(frame); }
   Function function;
 };
 template <typename Function>
 struct RealNode final : Expression {
   RealNode(Type ofType, Function f) : Expression(ofType), function(std::move(f)) {}
   double real(Frame& frame) const override { return function(frame); }
+  Stmt storing(const Variable& target, Position at) override {
+    return statement(at, [target, f = std::move(function)](Frame& frame) {
+      target.store(frame, std::bit_cast<std::uint64_t>(f(frame)));
+    });
+  }
   Function function;
 };
 template <typename Function>
@@ -138,6 +261,10 @@ Expr integerNode(Type type, Function function) {
   return std::make_unique<detail::IntegerNode<Function>>(type, std::move(function));
 }
 template <typename Function>
+Expr booleanNode(Function function) {
+  return std::make_unique<detail::BooleanNode<Function>>(std::move(function));
+}
+template <typename Function>
 Expr realNode(Function function) {
   return std::make_unique<detail::RealNode<Function>>(Type{Kind::Double}, std::move(function));
 }
@@ -154,57 +281,9 @@ Expr slotNode(Type type, Function function) {
   return std::make_unique<detail::SlotNode<Function>>(type, std::move(function));
 }
 
-// How a statement ends: by going on, or on the way out of something.
-enum class Flow : std::uint8_t {
-  next,
-  exitFor,
-  exitWhile,
-  exitDo,
-  continueFor,
-  continueWhile,
-  continueDo,
-  leave,  // the Sub, Function or program
-};
-
-class Statement {
- public:
-  virtual ~Statement() = default;
-  virtual Flow run(Frame&) const = 0;
-};
-using Stmt = std::unique_ptr<Statement>;
-
-namespace detail {
-template <typename Function>
-struct StatementNode final : Statement {
-  StatementNode(int atLine, Function f) : line(atLine), function(std::move(f)) {}
-  Flow run(Frame& frame) const override {
-    frame.line = line;
-    if constexpr (std::is_void_v<decltype(function(frame))>) {
-      function(frame);
-      return Flow::next;
-    } else {
-      return function(frame);
-    }
-  }
-  int line;
-  Function function;
-};
-}  // namespace detail
-
-template <typename Function>
-Stmt statement(Position position, Function function) {
-  return std::make_unique<detail::StatementNode<Function>>(position.line, std::move(function));
-}
-
-struct Block {
-  std::vector<Stmt> statements;
-  Flow run(Frame& frame) const {
-    for (const Stmt& each : statements) {
-      if (const Flow flow = each->run(frame); flow != Flow::next) [[unlikely]]
-        return flow;
-    }
-    return Flow::next;
-  }
-};
+// Literals.
+Expr integerLiteral(std::uint64_t value, Type type);
+Expr realLiteral(double value);
+Expr textLiteral(const std::string& value);
 
 }  // namespace host

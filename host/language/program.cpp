@@ -1,10 +1,10 @@
+// Runs compiled programs: frames, their stack, and where an exception has passed.
 #include "language/program.h"
 
 #include <alloca.h>
 #include <pthread.h>
 
 #include <cstring>
-#include <thread>
 
 #include "runtime/thread.h"
 
@@ -54,41 +54,24 @@ const char* stackLimit() {
   return limit;
 }
 
-std::string where(const Program& program, const Frame& frame, const std::string& sub) {
-  return program.name + ":" + std::to_string(frame.line) + (sub.empty() ? "" : ": " + sub);
+std::string where(const std::string& file, const Frame& frame, const std::string& sub) {
+  return file + ":" + std::to_string(frame.line) + (sub.empty() ? "" : ": " + sub);
 }
 
-void runFrame(const Program& program, Frame& frame, const Block& body, const std::string& name) {
+void runFrame(const std::string& file, Frame& frame, const Block& body, const std::string& name) {
   try {
     body.run(frame);
   } catch (HostException& exception) {
-    exception.trace.push_back(where(program, frame, name));
+    exception.trace.push_back(where(file, frame, name));
     throw;
   } catch (const std::bad_alloc&) {
     HostException exception("OutOfMemoryException", "There is not enough memory.");
-    exception.trace.push_back(where(program, frame, name));
+    exception.trace.push_back(where(file, frame, name));
     throw exception;
   }
 }
 
 }  // namespace
-
-Slot Global::load() const {
-  if (type.isReference()) return {.heap = reference_.load().detach()};
-  return {.word = word_.load(std::memory_order_relaxed)};
-}
-
-void Global::store(Slot owned) {
-  if (type.isReference()) {
-    reference_.exchange(Ref<Heap>::adopt(owned.heap));
-  } else {
-    word_.store(owned.word, std::memory_order_relaxed);
-  }
-}
-
-void Program::releaseGlobals() {
-  for (Global& global : globalStorage) global.store(Slot{});
-}
 
 void checkStack() {
   if (static_cast<const char*>(__builtin_frame_address(0)) < stackLimit()) {
@@ -97,7 +80,7 @@ void checkStack() {
   }
 }
 
-Slot callSub(const Program& program, const Sub& sub, const Slot* arguments) {
+Slot callSub(const Sub& sub, const Slot* arguments) {
   const std::size_t count = sub.locals.size();
   auto* locals = static_cast<Slot*>(alloca((count + 1) * sizeof(Slot)));
   std::memset(locals, 0, count * sizeof(Slot));
@@ -108,7 +91,7 @@ Slot callSub(const Program& program, const Sub& sub, const Slot* arguments) {
   frame.locals = locals;
   frame.line = sub.position.line;
   try {
-    runFrame(program, frame, sub.body, sub.name);
+    runFrame(sub.file, frame, sub.body, sub.name);
   } catch (...) {
     releaseSlot(frame.result, sub.result);
     throw;
@@ -116,7 +99,7 @@ Slot callSub(const Program& program, const Sub& sub, const Slot* arguments) {
   return frame.result;
 }
 
-void runMain(const Program& program, const Main& main) {
+void runMain(const Main& main) {
   std::exception_ptr failure;
   auto body = [&] {
     std::vector<Slot> locals(main.locals.size());
@@ -124,7 +107,7 @@ void runMain(const Program& program, const Main& main) {
     Frame frame;
     frame.locals = locals.data();
     try {
-      runFrame(program, frame, main.body, "");
+      runFrame(main.file, frame, main.body, "");
     } catch (...) {
       failure = std::current_exception();
     }

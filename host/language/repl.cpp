@@ -1,4 +1,4 @@
-#include "language/repl.h"
+// The interactive mode.
 
 #include <histedit.h>
 #include <unistd.h>
@@ -9,6 +9,7 @@
 #include <string>
 
 #include "language/compiler.h"
+#include "language/language.h"
 #include "runtime/report.h"
 #include "runtime/thread.h"
 
@@ -68,8 +69,8 @@ constexpr const char* help =
 }  // namespace
 
 void repl() {
-  Program program;
-  program.name = "input";
+  ModuleNames module;
+  module.file = "input";
   std::vector<Main> pieces;  // Subs and handlers refer to what they were compiled with
   Lines lines;
   if (lines.isTerminal()) std::puts("Type :help for help.");
@@ -83,14 +84,13 @@ void repl() {
     }
     pending += *line;
     try {
-      pieces.push_back(compile(program, pending, true));
+      pieces.push_back(compile(module, pending, true));
       pending.clear();
-      runMain(program, pieces.back());
-    } catch (const UnfinishedProgram&) {
-      continue;  // the next line may complete it
+      runMain(pieces.back());
     } catch (const ProgramError& error) {
+      if (error.atEnd) continue;  // the next line may complete it
       std::fflush(stdout);
-      std::fprintf(stderr, "%s:%d:%d: error: %s\n", program.name.c_str(), error.position.line,
+      std::fprintf(stderr, "%s:%d:%d: error: %s\n", module.file.c_str(), error.position.line,
                    error.position.column, error.what());
       pending.clear();
     } catch (const HostException& exception) {

@@ -1,5 +1,5 @@
 // Host programs: each compiles or is refused with a place and a reason. They are not run: they might not end.
-#include "language/compiler.h"
+#include "language/language.h"
 #include "runtime/exception.h"
 #include "runtime/library.h"
 
@@ -10,9 +10,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
-  host::Program program;
   try {
-    host::compile(program, {data, size});
+    const host::Program program("program", {data, size});
   } catch (const host::ProgramError&) {
   } catch (const host::HostException&) {  // such as for lack of memory
   }

@@ -1,4 +1,4 @@
-// Things that are alive, and variables that threads share.
+// Things that are alive.
 #include "runtime/heap.h"
 
 #include <gtest/gtest.h>
@@ -9,7 +9,6 @@
 
 #include "runtime/host_classes.h"
 #include "runtime/object.h"
-#include "runtime/shared_reference.h"
 #include "runtime/text.h"
 
 namespace host {
@@ -53,40 +52,6 @@ TEST(LiveThings, MayGoOnAnotherThreadThanTheyCameFrom) {
   made.resize(1);
   EXPECT_EQ(alive(), "0 ");
   made.clear();
-  EXPECT_EQ(alive(), "");
-}
-
-TEST(SharedReference, HandsOutReferencesOfTheReadersOwn) {
-  startRuntime();
-  SharedReference variable;
-  EXPECT_FALSE(variable.load());
-  EXPECT_FALSE(variable.exchange(makeText("one")));
-  const Ref<> read = variable.load();
-  EXPECT_EQ(read->references.load(), 2);
-  const Ref<> old = variable.exchange(nullptr);
-  EXPECT_EQ(old.get(), read.get());
-  EXPECT_EQ(read->references.load(), 2);
-  EXPECT_FALSE(variable.load());
-}
-
-TEST(SharedReference, IsReadWhileOthersReplaceIt) {
-  startRuntime();
-  {
-    SharedReference variable;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < 4; ++t) {
-      threads.emplace_back([&variable, t] {
-        for (int i = 0; i < 5000; ++i) {
-          if (t % 2 == 0) variable.exchange(makeText("text"));
-          const Ref<> read = variable.load();
-          if (read) {
-            EXPECT_EQ(bytesOf(static_cast<const Text*>(read.get())), "text");
-          }
-        }
-      });
-    }
-    for (std::thread& each : threads) each.join();
-  }
   EXPECT_EQ(alive(), "");
 }
 

@@ -1,0 +1,141 @@
+// Arrays as a program uses them.
+#include "language/arrays.h"
+
+#include <algorithm>
+
+#include "language/conversions.h"
+#include "language/places.h"
+#include "runtime/array.h"
+
+namespace host {
+
+namespace {
+
+Array& arrayIn(Slot slot) {
+  if (!slot.heap) throw HostException("NilObjectException", "The array is Nil.");
+  return *static_cast<Array*>(slot.heap);
+}
+
+Slot shared(Slot slot, Type type) {
+  if (type.isReference()) retain(slot.heap);
+  return slot;
+}
+
+std::int64_t countFor(std::int64_t upperBound) {
+  if (upperBound < -1) throw HostException("OutOfBoundsException", "The upper bound is less than -1.");
+  if (upperBound == INT64_MAX) throw HostException("OutOfMemoryException", "The array is too big.");
+  return upperBound + 1;
+}
+
+// What is done with an array; without a value.
+template <typename Action>
+Expr doing(Expr array, Action action) {
+  return integerNode(Type{}, [array = std::move(array), action = std::move(action)](Frame& f) {
+    const Held held(*array, f);
+    action(held.slot, f);
+    return 0;
+  });
+}
+
+Expr asIndex(Expr value) { return convertTo(std::move(value), {Kind::Int64}, "the index"); }
+
+Expr count(Expr array, Exprs) {
+  return integerNode({Kind::Int64}, [array = std::move(array)](Frame& f) {
+    const Held held(*array, f);
+    return arrayIn(held.slot).count();
+  });
+}
+
+Expr lastIndex(Expr array, Exprs) {
+  return integerNode({Kind::Int64},
+                     [counted = count(std::move(array), {})](Frame& f) { return counted->integer(f) - 1; });
+}
+
+Expr append(Expr array, Exprs arguments) {
+  Expr value = convertTo(std::move(arguments[0]), array->type.element(), "the element");
+  return doing(std::move(array), [value = std::move(value)](Slot slot, Frame& f) {
+    const Held owned(*value, f);
+    Array& elements = arrayIn(slot);
+    elements.insert(elements.count(), owned.slot);
+  });
+}
+
+Expr insert(Expr array, Exprs arguments) {
+  Expr index = asIndex(std::move(arguments[0]));
+  Expr value = convertTo(std::move(arguments[1]), array->type.element(), "the element");
+  return doing(std::move(array), [index = std::move(index), value = std::move(value)](Slot slot, Frame& f) {
+    const std::int64_t at = index->integer(f);
+    const Held owned(*value, f);
+    arrayIn(slot).insert(at, owned.slot);
+  });
+}
+
+Expr remove(Expr array, Exprs arguments) {
+  return doing(std::move(array), [index = asIndex(std::move(arguments[0]))](Slot slot, Frame& f) {
+    arrayIn(slot).remove(index->integer(f));
+  });
+}
+
+Expr removeAll(Expr array, Exprs) {
+  return doing(std::move(array), [](Slot slot, Frame&) { arrayIn(slot).resize(0); });
+}
+
+Expr pop(Expr array, Exprs) {
+  const Type type = array->type.element();
+  return slotNode(type, [array = std::move(array), type](Frame& f) {
+    const Held held(*array, f);
+    Array& elements = arrayIn(held.slot);
+    const Slot value = shared(elements.at(elements.count() - 1), type);
+    elements.remove(elements.count() - 1);
+    return value;
+  });
+}
+
+constexpr struct {
+  std::string_view name;
+  std::size_t arguments;
+  Expr (*make)(Expr array, Exprs arguments);
+} methods[] = {
+    {"Ubound", 0, &lastIndex}, {"LastIndex", 0, &lastIndex}, {"Count", 0, &count},  {"Append", 1, &append},
+    {"Add", 1, &append},       {"Insert", 2, &insert},       {"AddAt", 2, &insert}, {"Remove", 1, &remove},
+    {"RemoveAt", 1, &remove},  {"RemoveAll", 0, &removeAll}, {"Pop", 0, &pop}};
+
+}  // namespace
+
+Expr element(Expr array, Position position, Exprs indices) {
+  if (indices.size() != 1) fail(position, "expected one index");
+  const Type type = array->type.element();
+  return operandPlace<2>(
+      type, {std::move(array), asIndex(std::move(indices[0]))},
+      [type](const Slot* operands) { return shared(arrayIn(operands[0]).at(operands[1].integer), type); },
+      [](const Slot* operands, Slot value) { arrayIn(operands[0]).set(operands[1].integer, value); });
+}
+
+Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
+  for (const auto& each : methods) {
+    if (!sameName(each.name, callee.name)) continue;
+    if (arguments.size() != each.arguments) {
+      fail(callee.position,
+           "expected " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
+    }
+    return each.make(std::move(array), std::move(arguments));
+  }
+  fail(callee.position, "an array has no member '" + callee.name + "'");
+}
+
+Expr newArray(Type type, Expr upperBound) {
+  return referenceNode(type, [type, bound = std::move(upperBound)](Frame& f) -> Ref<Heap> {
+    return makeArray(type.element(), bound ? countFor(bound->integer(f)) : 0);
+  });
+}
+
+Stmt reDim(Position position, Expr array, Expr upperBound) {
+  return statement(position, [array = std::move(array), bound = std::move(upperBound)](Frame& f) {
+    const Held held(*array, f);
+    const std::int64_t upper = bound->integer(f);
+    Array& elements = arrayIn(held.slot);
+    elements.resize(countFor(upper));
+  });
+}
+
+}  // namespace host

@@ -1,0 +1,20 @@
+// Arrays: elements, the methods of arrays, and the functions of the language that take or give any type.
+#pragma once
+
+#include "language/calls.h"
+#include "language/node.h"
+
+namespace host {
+
+// a(i): a place. Throws ProgramError where there is not just one index.
+Expr element(Expr array, Position position, Exprs indices);
+
+// A method of arrays, such as Append. Throws ProgramError.
+Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments);
+
+// The array that a Dim with that upper bound makes; without a bound an empty one.
+Expr newArray(Type type, Expr upperBound);
+
+Stmt reDim(Position position, Expr array, Expr upperBound);
+
+}  // namespace host

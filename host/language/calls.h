@@ -1,0 +1,40 @@
+// Calls by the arguments that stand in a program: which declaration fits them best, and how they become what
+// it takes.
+#pragma once
+
+#include <string>
+
+#include "language/node.h"
+#include "language/program.h"
+#include "runtime/class.h"
+
+namespace host {
+
+// What is called, as written: for messages.
+struct Callee {
+  std::string name;
+  Position position;
+};
+
+std::string counted(std::size_t arguments);  // "1 argument", "2 arguments"
+
+// All throw ProgramError where the arguments do not fit.
+
+Expr callSub(const Sub& sub, Position position, Exprs arguments);
+
+// The candidate nearest to the arguments. One without a result is preferred where nothing is done with a
+// result, and only there.
+Expr callMethod(const std::vector<const Method*>& candidates, const Callee& callee, Expr self,
+                Exprs arguments, bool resultUnused = false);
+
+// With the arguments converted to the method's parameters; distance() has found them to fit.
+Expr callExactly(const Method& method, Expr self, Exprs arguments);
+
+// New made(arguments).
+Expr newObject(const Class& made, Position position, Exprs arguments);
+
+// The function of that name that takes or gives any type (Str, Ubound, VarType, Array); null where there is
+// none, and then the arguments stay.
+Expr callIntrinsic(const Callee& callee, Exprs& arguments);
+
+}  // namespace host

@@ -1,0 +1,367 @@
+// Expressions: which variable, Sub, class, module or function a name stands for, and which member follows.
+#include "language/expression_compiler.h"
+
+#include "language/arrays.h"
+#include "language/calls.h"
+#include "language/conversions.h"
+#include "language/intrinsics.h"
+#include "language/operators.h"
+#include "language/spelling.h"
+
+namespace host {
+
+using syntax::Arguments;
+using syntax::Name;
+
+// What follows a value, taken one by one.
+class ExpressionCompiler::Links {
+ public:
+  Links(const std::vector<syntax::Link>& links, bool asStatement)
+      : links_(links), asStatement_(asStatement) {}
+
+  bool atEnd() const { return at_ == links_.size(); }
+  bool resultUnused() const { return asStatement_ && atEnd(); }
+  const Name* takeName() { return take<Name>(); }
+  const Arguments* takeArguments() { return take<Arguments>(); }
+  const Arguments* peekArguments() const { return atEnd() ? nullptr : std::get_if<Arguments>(&links_[at_]); }
+
+ private:
+  template <typename Kind>
+  const Kind* take() {
+    const Kind* next = atEnd() ? nullptr : std::get_if<Kind>(&links_[at_]);
+    if (next) ++at_;
+    return next;
+  }
+
+  const std::vector<syntax::Link>& links_;
+  std::size_t at_ = 0;
+  bool asStatement_;
+};
+
+namespace {
+
+const std::vector<syntax::Link> nothingFollows;
+
+Callee calleeOf(const Name& name) { return {name.text, name.position}; }
+
+std::vector<const Method*> functionsOf(const Module& module, const std::string& name) {
+  std::vector<const Method*> functions;
+  for (const Method& method : module.methods) {
+    if (sameName(method.declaration.name, name)) functions.push_back(&method);
+  }
+  return functions;
+}
+
+}  // namespace
+
+Expr ExpressionCompiler::compile(const syntax::Expression& expression) {
+  Expr compiled = std::visit([&](const auto& node) { return compileNode(node); }, expression.node);
+  if (compiled->position.line == 0) compiled->position = expression.position;
+  return compiled;
+}
+
+Expr ExpressionCompiler::compileStatement(const syntax::Expression& expression) {
+  Expr compiled;
+  if (const auto* name = std::get_if<Name>(&expression.node)) {
+    Links none(nothingFollows, true);
+    compiled = this->name(*name, none);
+  } else if (const auto* chain = std::get_if<syntax::Chain>(&expression.node)) {
+    compiled = this->chain(*chain, true);
+  } else {
+    return compile(expression);
+  }
+  compiled->position = expression.position;
+  return compiled;
+}
+
+Expr ExpressionCompiler::condition(const syntax::Expression& expression, const std::string& what) {
+  return host::condition(compile(expression), expression.position, what);
+}
+
+std::pair<Slot, Type> ExpressionCompiler::constant(const syntax::Expression& expression,
+                                                   std::optional<Type> type, const std::string& what) {
+  Expr value = compile(expression);
+  // It is computed now, when no variable has a value yet.
+  if (const std::optional<Position> position = notConstant(expression)) {
+    fail(*position, what + " is not constant");
+  }
+  if (type) value = convertTo(std::move(value), *type, what);
+  Frame none;
+  try {
+    return {value->evaluate(none), value->type};
+  } catch (const HostException& exception) {
+    fail(expression.position, what + " cannot be computed: " + messageOf(*exception.exception));
+  }
+}
+
+std::optional<Position> ExpressionCompiler::notConstant(const syntax::Expression& expression) const {
+  if (const auto* name = std::get_if<Name>(&expression.node)) {
+    const Expr value = names_.find(name->text);
+    return value && !value->place() ? std::nullopt : std::optional(expression.position);
+  }
+  if (const auto* parentheses = std::get_if<syntax::Parenthesised>(&expression.node)) {
+    return notConstant(*parentheses->inner);
+  }
+  if (const auto* negation = std::get_if<syntax::Negation>(&expression.node)) {
+    return notConstant(*negation->operand);
+  }
+  if (const auto* inversion = std::get_if<syntax::Not>(&expression.node)) {
+    return notConstant(*inversion->operand);
+  }
+  if (const auto* chain = std::get_if<syntax::Chain>(&expression.node)) {
+    if (const auto position = notConstant(*chain->first)) return position;
+    return std::visit([](const auto& link) { return link.position; }, chain->links[0]);
+  }
+  if (const auto* sequence = std::get_if<syntax::Sequence>(&expression.node)) {
+    if (const auto position = notConstant(*sequence->first)) return position;
+    for (const auto& [position, what, operand] : sequence->rest) {
+      const auto* op = std::get_if<Operator>(&what);
+      if (!op || *op == Operator::is) return position;
+      if (const auto inside = notConstant(*operand)) return inside;
+    }
+    return std::nullopt;
+  }
+  return std::holds_alternative<syntax::Literal>(expression.node) ? std::nullopt
+                                                                  : std::optional(expression.position);
+}
+
+Exprs ExpressionCompiler::arguments(const Arguments* given) {
+  Exprs compiled;
+  if (!given) return compiled;
+  for (const syntax::Expression& each : given->values) {
+    compiled.push_back(compile(each));
+    compiled.back()->position = each.position;
+  }
+  return compiled;
+}
+
+// Operands and operators.
+
+Expr ExpressionCompiler::compileNode(const syntax::Literal& literal) {
+  struct Maker {
+    // A number beyond the signed range is unsigned.
+    Expr operator()(std::uint64_t value) const {
+      return integerLiteral(value, {value > INT64_MAX ? Kind::UInt64 : Kind::Int64});
+    }
+    Expr operator()(double value) const { return realLiteral(value); }
+    Expr operator()(bool value) const {
+      return booleanNode([value](Frame&) { return value; });
+    }
+    Expr operator()(const std::string& value) const { return textLiteral(value); }
+    Expr operator()(syntax::NilLiteral) const {
+      return referenceNode({Kind::Nil}, [](Frame&) { return Ref<Heap>(); });
+    }
+  };
+  return std::visit(Maker(), literal.value);
+}
+
+Expr ExpressionCompiler::compileNode(const Name& name) {
+  Links none(nothingFollows, false);
+  return this->name(name, none);
+}
+
+Expr ExpressionCompiler::compileNode(const syntax::New& made) {
+  const Type type = typeOf(made.type);
+  if (type.kind != Kind::Object || !type.objectClass) {
+    fail(made.type.position, "expected a class after New, found " + nameOf(type));
+  }
+  return newObject(*type.objectClass, made.type.position, arguments(&made.arguments));
+}
+
+Expr ExpressionCompiler::compileNode(const syntax::Parenthesised& parentheses) {
+  Expr inner = compile(*parentheses.inner);
+  if (!inner->place()) return inner;
+  // No place any more: a variable in parentheses goes by value.
+  const Type type = inner->type;
+  return slotNode(type, [inner = std::move(inner)](Frame& f) { return inner->evaluate(f); });
+}
+
+Expr ExpressionCompiler::compileNode(const syntax::Negation& negated) {
+  return negation(compile(*negated.operand), negated.position);
+}
+
+Expr ExpressionCompiler::compileNode(const syntax::Not& inverted) {
+  return inversion(compile(*inverted.operand), inverted.position);
+}
+
+Expr ExpressionCompiler::compileNode(const syntax::Sequence& sequence) {
+  Expr left = compile(*sequence.first);
+  for (const auto& [position, what, operand] : sequence.rest) {
+    if (const auto* op = std::get_if<Operator>(&what)) {
+      left = binary(*op, std::move(left), compile(*operand), position);
+      continue;
+    }
+    const auto& name = std::get<syntax::TypeName>(what);
+    const Type type = typeOf(name);
+    if (type.kind != Kind::Object || !type.objectClass) {
+      fail(name.position, "expected a class after IsA, found " + nameOf(type));
+    }
+    left = instanceTest(std::move(left), *type.objectClass, name.position);
+    left->position = position;
+  }
+  return left;
+}
+
+// Names and members.
+
+Expr ExpressionCompiler::chain(const syntax::Chain& chain, bool asStatement) {
+  Links links(chain.links, asStatement);
+  const Position start = chain.first->position;
+  const auto* name = std::get_if<Name>(&chain.first->node);
+  Expr value = name ? this->name(*name, links) : compile(*chain.first);
+  while (!links.atEnd()) {
+    value->position = start;
+    if (const Name* next = links.takeName()) {
+      value = member(std::move(value), *next, links);
+      continue;
+    }
+    const Arguments& indices = *links.takeArguments();
+    if (!indices.parenthesised) {
+      fail(start, "expected a statement; this is a value that nothing is done with");
+    }
+    if (!value->type.array) {
+      fail(indices.position, value->type.kind == Kind::None
+                                 ? "this has no value to take an element of"
+                                 : "a " + nameOf(value->type) + " has no elements");
+    }
+    value = element(std::move(value), indices.position, arguments(&indices));
+  }
+  return value;
+}
+
+Expr ExpressionCompiler::name(const Name& name, Links& links) {
+  if (Expr variable = names_.find(name.text)) return variable;
+  if (const Sub* sub = names_.findSub(name.text)) {
+    return callSub(*sub, name.position, arguments(links.takeArguments()));
+  }
+  if (const Class* type = registry().findClass(name.text)) {
+    if (const Name* member = links.takeName()) return memberOfClass(*type, *member, links);
+    const Arguments* given = links.peekArguments();
+    if (given && given->parenthesised) return viewAs(*type, name, *links.takeArguments());
+    fail(name.position,
+         "the class " + type->name + " is no value; expected a member of it, or New " + type->name);
+  }
+  if (const Module* module = registry().findModule(name.text)) {
+    const Name* member = links.takeName();
+    if (!member) fail(name.position, "the module " + module->name + " is no value; expected a member of it");
+    return memberOfModule(*module, *member, links);
+  }
+  if (const std::vector<const Method*> functions = registry().findFunctions(name.text); !functions.empty()) {
+    Exprs given = arguments(links.takeArguments());
+    return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
+  }
+  if (const Property* shared = registry().findSharedProperty(name.text)) {
+    return property(*shared, nullptr, name.position);
+  }
+  Exprs given = arguments(links.takeArguments());
+  if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
+  names_.failUnknown(name);
+}
+
+// A checked view of an object as another class.
+Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, const Arguments& given) {
+  if (given.values.size() != 1) fail(name.position, "expected one value in " + type.name + "(…)");
+  Expr object = std::move(arguments(&given)[0]);
+  if (isPlainObject(object->type)) {  // any object may turn out to be one
+    const Position position = object->position;
+    object = referenceNode({Kind::Object},
+                           [object = std::move(object)](Frame& f) { return object->reference(f); });
+    object->position = position;
+  }
+  return convertTo(std::move(object), {Kind::Object, false, &type}, "the object");
+}
+
+Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Links& links) {
+  if (const std::vector<const Method*> methods = type.findSharedMethods(name.text); !methods.empty()) {
+    Exprs given = arguments(links.takeArguments());
+    return callMethod(methods, calleeOf(name), nullptr, std::move(given), links.resultUnused());
+  }
+  if (const Property* shared = type.findSharedProperty(name.text)) {
+    return property(*shared, nullptr, name.position);
+  }
+  std::vector<std::string> known;
+  for (const Method& method : type.sharedMethods) known.push_back(method.declaration.name);
+  fail(name.position,
+       "the class " + type.name + " has no shared member '" + name.text + "'" + suggestion(name.text, known));
+}
+
+Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, Links& links) {
+  if (const std::vector<const Method*> functions = functionsOf(module, name.text); !functions.empty()) {
+    Exprs given = arguments(links.takeArguments());
+    return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
+  }
+  std::vector<std::string> known;
+  for (const Method& method : module.methods) known.push_back(method.declaration.name);
+  for (const Property& shared : module.properties) {
+    if (sameName(shared.name, name.text)) return property(shared, nullptr, name.position);
+    known.push_back(shared.name);
+  }
+  fail(name.position,
+       "the module " + module.name + " has no member '" + name.text + "'" + suggestion(name.text, known));
+}
+
+Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
+  const Type type = object->type;
+  if (type.array) {
+    return callArrayMethod(calleeOf(name), std::move(object), arguments(links.takeArguments()));
+  }
+  if (type.kind == Kind::Pointer) return pointerAccess(std::move(object), name, links);
+  if (type.kind == Kind::Object && type.objectClass) {
+    return memberOfObject(*type.objectClass, std::move(object), name, links);
+  }
+  const std::string unknown = "a " + nameOf(type) + " has no member '" + name.text + "'";
+  if (type.kind == Kind::Object || type.kind == Kind::Variant || type.kind == Kind::None ||
+      type.kind == Kind::Nil) {
+    fail(name.position, unknown);
+  }
+  // s.Left(2) is Left(s, 2).
+  Exprs given = arguments(links.takeArguments());
+  given.insert(given.begin(), std::move(object));
+  if (const std::vector<const Method*> functions = registry().findFunctions(name.text); !functions.empty()) {
+    return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
+  }
+  if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
+  fail(name.position, unknown);
+}
+
+Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Name& name, Links& links) {
+  if (const Property* found = type.findProperty(name.text)) {
+    return property(*found, std::move(object), name.position);
+  }
+  std::vector<const Method*> methods = type.findMethods(name.text);
+  if (methods.empty()) {
+    methods = type.findSharedMethods(name.text);
+    object = nullptr;
+  }
+  if (methods.empty()) {
+    std::vector<std::string> known;
+    for (const Class* each = &type; each; each = each->super) {
+      for (const Method& method : each->methods) known.push_back(method.declaration.name);
+      for (const Property& other : each->properties) known.push_back(other.name);
+    }
+    fail(name.position, type.name + " has no member '" + name.text + "'" + suggestion(name.text, known));
+  }
+  // An array that a method without parameters gives may be indexed at once.
+  bool takesArguments = false;
+  for (const Method* method : methods) {
+    takesArguments = takesArguments || !method->declaration.parameters.empty();
+  }
+  const Arguments* given = links.peekArguments();
+  const bool indexed = !takesArguments && given && given->parenthesised && !given->values.empty();
+  Exprs compiled = indexed ? Exprs() : arguments(links.takeArguments());
+  return callMethod(methods, calleeOf(name), std::move(object), std::move(compiled), links.resultUnused());
+}
+
+// p.UInt64(8): what a Ptr points to, so many bytes on.
+Expr ExpressionCompiler::pointerAccess(Expr pointer, const Name& name, Links& links) {
+  const std::optional<Type> type = typeNamed(name.text);
+  if (!type || !(type->isNumber() || type->kind == Kind::Boolean || type->kind == Kind::Pointer)) {
+    fail(name.position, "a Ptr has no member '" + name.text +
+                            "'; its members are named after types, such as UInt64(offset)");
+  }
+  Exprs given = arguments(links.takeArguments());
+  if (given.size() != 1) fail(name.position, "expected one offset in bytes after ." + name.text);
+  return pointedTo(*type, std::move(pointer), convertTo(std::move(given[0]), {Kind::Int64}, "the offset"));
+}
+
+}  // namespace host

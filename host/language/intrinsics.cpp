@@ -1,0 +1,75 @@
+// Functions whose types no declaration could say.
+#include "language/intrinsics.h"
+
+#include "language/arrays.h"
+#include "language/conversions.h"
+#include "runtime/array.h"
+#include "runtime/variant.h"
+
+namespace host {
+
+namespace {
+
+Expr str(const Callee&, Exprs arguments) { return displayed(std::move(arguments[0])); }
+
+Expr ubound(const Callee& callee, Exprs arguments) {
+  if (!arguments[0]->type.array) {
+    fail(callee.position, "Ubound takes an array, found " + nameOf(arguments[0]->type));
+  }
+  return callArrayMethod(callee, std::move(arguments[0]), {});
+}
+
+Expr varTypeFunction(const Callee&, Exprs arguments) {
+  Expr value = convertTo(std::move(arguments[0]), {Kind::Variant}, "the argument of VarType");
+  return integerNode({Kind::Int64},
+                     [value = std::move(value)](Frame& f) { return varTypeOf(value->reference(f).get()); });
+}
+
+// Array(1, 2, 3): of the elements' type, of Double where they are different numbers, else of Variant.
+Expr arrayOf(const Callee& callee, Exprs arguments) {
+  if (arguments.empty()) fail(callee.position, "Array needs an element to know its type from");
+  Type type = arguments[0]->type;
+  for (const Expr& each : arguments) {
+    if (each->type == type) continue;
+    type = each->type.isNumber() && type.isNumber() ? Type{Kind::Double} : Type{Kind::Variant};
+  }
+  for (Expr& each : arguments) each = convertTo(std::move(each), type, "an element");
+  return referenceNode(type.arrayOf(), [values = std::move(arguments), type](Frame& f) -> Ref<Heap> {
+    Ref<Array> array = makeArray(type, 0);
+    for (const Expr& value : values) {
+      const Held held(*value, f);
+      array->insert(array->count(), held.slot);
+    }
+    return array;
+  });
+}
+
+constexpr std::size_t anyCount = 1000000;
+
+constexpr struct {
+  std::string_view name;
+  std::size_t arguments;
+  Expr (*make)(const Callee& callee, Exprs arguments);
+} intrinsics[] = {{"Str", 1, &str},
+                  {"CStr", 1, &str},
+                  {"ToString", 1, &str},
+                  {"ToText", 1, &str},
+                  {"Ubound", 1, &ubound},
+                  {"VarType", 1, &varTypeFunction},
+                  {"Array", anyCount, &arrayOf}};
+
+}  // namespace
+
+Expr callIntrinsic(const Callee& callee, Exprs& arguments) {
+  for (const auto& each : intrinsics) {
+    if (!sameName(each.name, callee.name)) continue;
+    if (each.arguments != anyCount && arguments.size() != each.arguments) {
+      fail(callee.position,
+           callee.name + " takes " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
+    }
+    return each.make(callee, std::move(arguments));
+  }
+  return nullptr;
+}
+
+}  // namespace host

@@ -1,0 +1,154 @@
+// Calls of methods and Subs: arguments from left to right, then the function, then what went by reference is
+// written back.
+#include "language/invocation.h"
+
+#include <cstring>
+
+#include "language/widen.h"
+#include "runtime/object.h"
+
+namespace host {
+
+namespace {
+
+// The arguments of one call while it runs; given back at the end.
+class Evaluated {
+ public:
+  // Delegates, so that the destructor runs where an argument throws.
+  Evaluated(const std::vector<Passed>& passed, Frame& frame, Heap* self) : Evaluated(passed, frame) {
+    if (self) slots_[first_++].heap = self;
+    for (const Passed& each : passed) {
+      held_[count_] = each.value->evaluate(frame);
+      slots_[first_ + count_] = each.byRef ? Slot{.pointer = &held_[count_]} : held_[count_];
+      ++count_;
+    }
+  }
+  ~Evaluated() {
+    for (std::size_t i = 0; i < count_; ++i) {
+      if (i >= handedOver_ || passed_[i].byRef) releaseSlot(held_[i], passed_[i].value->type);
+    }
+  }
+  Evaluated(const Evaluated&) = delete;
+  Evaluated& operator=(const Evaluated&) = delete;
+
+  Slot call(const Call& function) { return function({slots_, first_ + count_}); }
+  Slot call(const Sub& sub) {
+    handedOver_ = count_;  // it takes over what it is handed by value
+    return callSub(sub, slots_);
+  }
+  void assign(const Call& setter, Slot value) {
+    slots_[first_ + count_] = value;
+    setter({slots_, first_ + count_ + 1});
+  }
+  // What a call by reference has left in a variable goes back to where it came from.
+  void writeBack() {
+    for (std::size_t i = 0; i < count_; ++i) {
+      if (!passed_[i].byRef) continue;
+      const Slot changed = widened(held_[i], passed_[i].value->type);
+      held_[i] = {};
+      passed_[i].value->place()->put(frame_, changed);
+    }
+  }
+
+ private:
+  Evaluated(const std::vector<Passed>& passed, Frame& frame) : passed_(passed), frame_(frame) {}
+
+  const std::vector<Passed>& passed_;
+  Frame& frame_;
+  std::size_t first_ = 0, count_ = 0, handedOver_ = 0;
+  Slot held_[mostParameters], slots_[mostParameters + 2];
+};
+
+// A call of a method. It can be assigned to where the method has a setter, which takes one more argument.
+class MethodCall {
+ public:
+  MethodCall(const Method& method, Expr self, std::vector<Passed> arguments)
+      : method_(method), self_(std::move(self)), arguments_(std::move(arguments)) {}
+
+  Slot run(Frame& frame, Heap* self) const {
+    Evaluated values(arguments_, frame, self);
+    Held result(values.call(method_.call), method_.declaration.result);
+    values.writeBack();
+    return result.detach();
+  }
+  Slot run(Frame& frame) const { return run(frame, object(frame).get()); }
+  void put(Frame& frame, Slot owned) const {
+    const Held held(owned, method_.declaration.result);
+    const Ref<Heap> self = object(frame);
+    Evaluated values(arguments_, frame, self.get());
+    values.assign(method_.setter, owned);
+    values.writeBack();
+  }
+  void update(Frame& frame, const Place::Change& change) const {
+    const Type type = method_.declaration.result;
+    const Ref<Heap> self = object(frame);
+    Evaluated values(arguments_, frame, self.get());
+    const Held current(values.call(method_.call), type);
+    if (const std::optional<Slot> changed = change(current.slot)) {
+      const Held held(*changed, type);
+      values.assign(method_.setter, *changed);
+    }
+    values.writeBack();
+  }
+
+ private:
+  Ref<Heap> object(Frame& frame) const {
+    if (!self_) return nullptr;
+    Ref<Heap> object = self_->reference(frame);
+    notNil({.heap = object.get()});
+    return object;
+  }
+
+  const Method& method_;
+  Expr self_;
+  std::vector<Passed> arguments_;
+};
+
+class MethodPlace final : public Place {
+ public:
+  MethodPlace(Type ofType, MethodCall call) : Place(ofType), call_(std::move(call)) {}
+  std::int64_t integer(Frame& frame) const override { return call_.run(frame).integer; }
+  double real(Frame& frame) const override { return call_.run(frame).number; }
+  float single(Frame& frame) const override { return call_.run(frame).single; }
+  Ref<Heap> reference(Frame& frame) const override { return Ref<Heap>::adopt(call_.run(frame).heap); }
+  void put(Frame& frame, Slot owned) const override { call_.put(frame, owned); }
+  void update(Frame& frame, const Change& change) const override { call_.update(frame, change); }
+
+ private:
+  MethodCall call_;
+};
+
+}  // namespace
+
+Slot notNil(Slot object) {
+  if (!object.heap) throw HostException("NilObjectException", "A member of Nil is used.");
+  return object;
+}
+
+Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments) {
+  const Type result = method.declaration.result;
+  MethodCall call(method, std::move(self), std::move(arguments));
+  if (method.setter) return std::make_unique<MethodPlace>(result, std::move(call));
+  return slotNode(result, [call = std::move(call)](Frame& f) { return call.run(f); });
+}
+
+Expr invoke(const Sub& sub, std::vector<Passed> arguments) {
+  return slotNode(sub.result, [&sub, arguments = std::move(arguments)](Frame& f) {
+    Evaluated values(arguments, f, nullptr);
+    Held result(values.call(sub), sub.result);
+    values.writeBack();
+    return result.detach();
+  });
+}
+
+Expr construct(const Class& made, const Method& constructor, std::vector<Passed> arguments) {
+  return referenceNode(
+      {Kind::Object, false, &made},
+      [&made, call = MethodCall(constructor, nullptr, std::move(arguments))](Frame& f) -> Ref<Heap> {
+        Ref<Object> object = makeObject(made);
+        call.run(f, object.get());
+        return object;
+      });
+}
+
+}  // namespace host

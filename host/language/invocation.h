@@ -1,0 +1,28 @@
+// Calls whose arguments are of the parameters' types already.
+#pragma once
+
+#include "language/program.h"
+#include "runtime/class.h"
+
+namespace host {
+
+inline constexpr std::size_t mostParameters = 16;
+
+// One argument: a value of exactly the parameter's type, or a place that goes by reference.
+struct Passed {
+  Expr value;
+  bool byRef = false;
+};
+
+// Of a method, a shared method or a function; `self` is null for the latter two. A method that can be
+// assigned to gives a place.
+Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments);
+// Of a Sub or Function of the program, which stays where it is.
+Expr invoke(const Sub& sub, std::vector<Passed> arguments);
+// A new object, on which the constructor is called.
+Expr construct(const Class& made, const Method& constructor, std::vector<Passed> arguments);
+
+// The object whose member is used; throws the host's NilObjectException for Nil.
+Slot notNil(Slot object);
+
+}  // namespace host

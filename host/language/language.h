@@ -1,0 +1,32 @@
+// The host's language: all of it that others need.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "language/problem.h"
+#include "language/spelling.h"
+
+namespace host {
+
+// The language's own global functions, registered like a library's.
+void registerBuiltins();
+
+// A host program, checked as a whole. What it has started, such as threads, ends before it.
+class Program {
+ public:
+  // `file` names it in messages. Throws ProgramError.
+  Program(const std::string& file, std::string_view text);
+  ~Program();
+  void run() const;  // throws HostException
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
+// The interactive mode: reads standard input to its end, with line editing and a history on a terminal.
+void repl();
+
+}  // namespace host

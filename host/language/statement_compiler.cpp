@@ -1,0 +1,293 @@
+// Statements: the scopes of their names, and the order in which their parts are compiled.
+#include "language/statement_compiler.h"
+
+#include <tuple>
+
+#include "language/arrays.h"
+#include "language/assignments.h"
+#include "language/conversions.h"
+#include "language/loops.h"
+#include "language/operators.h"
+#include "language/statements.h"
+
+namespace host {
+
+using syntax::LoopKind;
+
+Block StatementCompiler::block(const syntax::Block& statements) {
+  Block compiled;
+  for (const syntax::Statement& each : statements) {
+    std::visit([&](const auto& node) { compile(node, each.position, compiled); }, each.node);
+  }
+  return compiled;
+}
+
+Block StatementCompiler::innerBlock(const syntax::Block& statements) {
+  const Names::Inner inner(names_);
+  return block(statements);
+}
+
+Block StatementCompiler::loopBody(LoopKind kind, const syntax::Block& statements) {
+  int& depth = loops_[static_cast<std::size_t>(kind)];
+  ++depth;
+  Block body = innerBlock(statements);
+  --depth;
+  return body;
+}
+
+// Declarations and assignments.
+
+void StatementCompiler::compile(const syntax::Dim& dim, Position, Block& block) {
+  for (const syntax::Dim::Group& group : dim.groups) {
+    const syntax::Expression* initial = group.initial ? &*group.initial : nullptr;
+    const Type type = typeOf(group.type);
+    for (const syntax::Dim::Variable& variable : group.variables) {
+      declare(variable, variable.array ? type.arrayOf() : type, initial, block);
+    }
+  }
+}
+
+// The value is compiled before the name is known, so that it cannot use itself.
+void StatementCompiler::declare(const syntax::Dim::Variable& variable, Type type,
+                                const syntax::Expression* initial, Block& block) {
+  const Position position = variable.name.position;
+  Expr bound;
+  if (variable.bound) {
+    bound = convertTo(expressions_.compile(*variable.bound), {Kind::Int64}, "the upper bound");
+  }
+  Expr value = initial ? expressions_.compile(*initial) : nullptr;
+  if (value && isPlainObject(type)) {
+    // Starts as Nil and is then assigned to, which is where a class converts from other types.
+    block.statements.push_back(declaration(position, names_.declare(variable.name, type), nullptr));
+    block.statements.push_back(assignment(position, names_.expect(variable.name), std::move(value)));
+    return;
+  }
+  if (value) {
+    value = convertTo(std::move(value), type, "the value of " + variable.name.text);
+  } else if (type.array) {
+    value = newArray(type, std::move(bound));
+  }
+  block.statements.push_back(declaration(position, names_.declare(variable.name, type), std::move(value)));
+}
+
+void StatementCompiler::compile(const syntax::Const& declared, Position, Block&) {
+  const std::string& name = declared.name.text;
+  names_.checkFree(declared.name);
+  std::optional<Type> type;
+  if (declared.type) type = typeOf(*declared.type);
+  Constant constant;
+  std::tie(constant.slot, constant.type) =
+      expressions_.constant(declared.value, type, "the value of " + name);
+  if (constant.type.isReference()) constant.keep = Ref<Heap>::adopt(constant.slot.heap);
+  if (!constant.type.isNumber() && !isBoolean(constant.type) && !isText(constant.type)) {
+    fail(declared.value.position,
+         name + " is a " + nameOf(constant.type) + "; a constant is a number, a Boolean or a String");
+  }
+  names_.declareConstant(declared.name, std::move(constant));
+}
+
+void StatementCompiler::compile(const syntax::Assign& assign, Position position, Block& block) {
+  Expr target = expressions_.compile(assign.target);
+  Expr value = expressions_.compile(assign.value);
+  const auto hidden = [&](Type type) { return names_.hidden(type, position); };
+  block.statements.push_back(assign.compound ? compoundAssignment(position, *assign.compound,
+                                                                  std::move(target), std::move(value), hidden)
+                                             : assignment(position, std::move(target), std::move(value)));
+}
+
+void StatementCompiler::compile(const syntax::ReDim& changed, Position position, Block& block) {
+  Expr array = names_.expect(changed.array);
+  if (!array->type.array) fail(position, changed.array.text + " is no array");
+  Expr bound = convertTo(expressions_.compile(changed.bound), {Kind::Int64}, "the upper bound");
+  block.statements.push_back(reDim(position, std::move(array), std::move(bound)));
+}
+
+// Simple statements.
+
+void StatementCompiler::compile(const syntax::Evaluate& evaluated, Position position, Block& block) {
+  Expr value = expressions_.compileStatement(evaluated.value);
+  if (interactive_ && value->type.kind != Kind::None) {
+    block.statements.push_back(print(position, std::move(value)));
+    return;
+  }
+  const bool isComputed = std::holds_alternative<syntax::Sequence>(evaluated.value.node);
+  if (value->place() || value->isLiteral || isComputed) {
+    fail(position, "expected a statement; this is a value that nothing is done with");
+  }
+  block.statements.push_back(evaluate(position, std::move(value)));
+}
+
+void StatementCompiler::compile(const syntax::Print& printed, Position position, Block& block) {
+  Expr value = printed.value ? expressions_.compile(*printed.value) : textLiteral("");
+  block.statements.push_back(print(position, std::move(value)));
+}
+
+void StatementCompiler::compile(const syntax::Raise& raised, Position position, Block& block) {
+  block.statements.push_back(raise(position, expressions_.compile(raised.exception)));
+}
+
+void StatementCompiler::compile(const syntax::Return& returned, Position position, Block& block) {
+  const bool isFunction = sub_ && sub_->result.kind != Kind::None;
+  if (!returned.value) {
+    if (isFunction) fail(position, "Return needs a " + nameOf(sub_->result));
+    block.statements.push_back(jump(position, Flow::leave));
+    return;
+  }
+  if (!isFunction) fail(position, "only a Function can return a value");
+  Expr value = convertTo(expressions_.compile(*returned.value), sub_->result, "the result of " + sub_->name);
+  block.statements.push_back(returnValue(position, std::move(value)));
+}
+
+void StatementCompiler::compile(const syntax::Jump& jumped, Position position, Block& block) {
+  using Target = syntax::Jump::Target;
+  static constexpr struct {
+    Target target;
+    LoopKind kind;
+    Flow exit, next;
+  } loops[] = {{Target::forLoop, LoopKind::forLoop, Flow::exitFor, Flow::continueFor},
+               {Target::whileLoop, LoopKind::whileLoop, Flow::exitWhile, Flow::continueWhile},
+               {Target::doLoop, LoopKind::doLoop, Flow::exitDo, Flow::continueDo}};
+  std::optional<Flow> flow;
+  if (jumped.target == Target::sub || jumped.target == Target::function) {
+    const bool isFunction = sub_ && sub_->result.kind != Kind::None;
+    if (sub_ && isFunction == (jumped.target == Target::function)) flow = Flow::leave;
+  } else {
+    // Alone it means the For around it, or else the only kind of loop there is.
+    for (const auto& loop : loops) {
+      const bool meant = jumped.target == loop.target || (jumped.target == Target::innermost && !flow);
+      if (meant && loops_[static_cast<std::size_t>(loop.kind)] > 0) {
+        flow = jumped.exits ? loop.exit : loop.next;
+      }
+    }
+  }
+  if (!flow) fail(jumped.word.position, "'" + jumped.word.text + "' is outside of what it names");
+  block.statements.push_back(jump(position, *flow));
+}
+
+void StatementCompiler::compile(const syntax::AddHandler& added, Position position, Block& block) {
+  Expr object = expressions_.compile(added.object);
+  expectEvent(*object, added.event.text, position);
+  const Sub* sub = names_.findSub(added.handler.text);
+  if (!sub) fail(added.handler.position, "there is no Sub " + added.handler.text);
+  block.statements.push_back(addHandler(position, std::move(object), *sub, added.handler.position));
+}
+
+// Blocks.
+
+void StatementCompiler::compile(const syntax::If& chosen, Position position, Block& block) {
+  std::vector<Branch> branches;
+  for (const syntax::If::Branch& each : chosen.branches) {
+    Branch branch;
+    if (each.condition) {
+      const std::string word = branches.empty() ? "If" : "ElseIf";
+      branch.tests.push_back(expressions_.condition(*each.condition, "the condition of " + word));
+    }
+    branch.body = innerBlock(each.body);
+    branches.push_back(std::move(branch));
+  }
+  block.statements.push_back(choice(position, std::move(branches)));
+}
+
+void StatementCompiler::compile(const syntax::Select& select, Position position, Block& block) {
+  const Names::Inner inner(names_);
+  // The value is kept in a variable of its own, which every case compares.
+  Expr value = expressions_.compile(select.value);
+  std::unique_ptr<Place> kept = names_.hidden(value->type, position);
+  std::vector<Branch> branches;
+  for (const syntax::Select::Case& each : select.cases) {
+    Branch branch;
+    for (const syntax::Select::Test& test : each.tests) branch.tests.push_back(caseTest(test, *kept));
+    branch.body = innerBlock(each.body);
+    branches.push_back(std::move(branch));
+  }
+  block.statements.push_back(declaration(position, std::move(kept), std::move(value)));
+  block.statements.push_back(choice(position, std::move(branches)));
+}
+
+Expr StatementCompiler::caseTest(const syntax::Select::Test& test, const Place& value) {
+  Expr compared = expressions_.compile(test.value);
+  if (!test.upTo) return comparison(test.comparison, value.again(), std::move(compared), test.position);
+  Expr above = comparison(Operator::greaterOrEqual, value.again(), std::move(compared), test.position);
+  Expr below =
+      comparison(Operator::lessOrEqual, value.again(), expressions_.compile(*test.upTo), test.position);
+  return logical(Operator::both, std::move(above), std::move(below), test.position);
+}
+
+void StatementCompiler::compile(const syntax::For& loop, Position position, Block& block) {
+  const Names::Inner inner(names_);
+  const syntax::Name& name = loop.variable;
+  if (loop.type) names_.declare(name, typeOf(*loop.type));
+  Expr variable = names_.expect(name);
+  const Type type = variable->type;
+  if (!type.isInteger() && type.kind != Kind::Double) {
+    fail(name.position, "the variable of For is a " + nameOf(type) + "; it must be an integer or a Double");
+  }
+  std::unique_ptr<Place> place = placeOf(std::move(variable), name.position, name.text + " is constant");
+  Expr from = convertTo(expressions_.compile(loop.from), type, "the start of For");
+  Expr to = convertTo(expressions_.compile(loop.to), type, "the end of For");
+  Expr step;
+  if (loop.step) step = convertTo(expressions_.compile(*loop.step), type, "the step of For");
+  Block body = loopBody(LoopKind::forLoop, loop.body);
+  block.statements.push_back(countingLoop(position, std::move(place), std::move(from), std::move(to),
+                                          std::move(step), loop.down, std::move(body)));
+}
+
+void StatementCompiler::compile(const syntax::ForEach& loop, Position position, Block& block) {
+  const Names::Inner inner(names_);
+  const syntax::Name& name = loop.variable;
+  Expr array = expressions_.compile(loop.array);
+  if (!array->type.array) {
+    array = convertTo(std::move(array), Type{Kind::Variant}.arrayOf(), "what For Each goes through");
+  }
+  const Type element = array->type.element();
+  Type type = element;
+  if (loop.type) {
+    type = typeOf(*loop.type);
+    names_.declare(name, type);
+  }
+  Expr variable = names_.expect(name);
+  // The element passes through a hidden variable, from which it is assigned like any other value.
+  std::unique_ptr<Place> current = names_.hidden(element, position);
+  Expr value = current->again();
+  value->position = loop.array.position;
+  Stmt assign = assignment(position, std::move(variable), convertTo(std::move(value), type, name.text));
+  Block body = loopBody(LoopKind::forLoop, loop.body);
+  block.statements.push_back(
+      elementLoop(position, std::move(array), std::move(current), std::move(assign), std::move(body)));
+}
+
+void StatementCompiler::compile(const syntax::Loop& loop, Position position, Block& block) {
+  const bool isWhile = loop.kind == LoopKind::whileLoop;
+  const auto test = [&](const std::optional<syntax::Loop::Test>& given, const std::string& where) {
+    if (!given) return LoopTest{};
+    return LoopTest{expressions_.condition(given->condition, "the condition of " + where), given->until};
+  };
+  LoopTest before = test(loop.before, isWhile ? "While" : "Do");
+  Block body = loopBody(loop.kind, loop.body);
+  LoopTest after = test(loop.after, "Loop");
+  block.statements.push_back(testedLoop(position, isWhile ? TestedLoop::whileLoop : TestedLoop::doLoop,
+                                        std::move(before), std::move(after), std::move(body)));
+}
+
+void StatementCompiler::compile(const syntax::Try& attempt, Position position, Block& block) {
+  Block body = innerBlock(attempt.body);
+  std::vector<CatchClause> clauses;
+  for (const syntax::Try::Catch& each : attempt.catches) {
+    const Names::Inner inner(names_);
+    CatchClause clause{hostClasses().exception, nullptr, {}};
+    if (each.type) {
+      const Type type = typeOf(*each.type);
+      if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isA(*clause.type)) {
+        fail(each.type->position, "expected a class of exceptions, found " + nameOf(type));
+      }
+      clause.type = type.objectClass;
+    }
+    if (each.variable) clause.variable = names_.declare(*each.variable, {Kind::Object, false, clause.type});
+    clause.body = this->block(each.body);
+    clauses.push_back(std::move(clause));
+  }
+  Block finally = innerBlock(attempt.finally);
+  block.statements.push_back(tryCatch(position, std::move(body), std::move(clauses), std::move(finally)));
+}
+
+}  // namespace host

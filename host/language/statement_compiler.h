@@ -1,0 +1,48 @@
+// Compiles the statements of one Sub, or of the module level.
+#pragma once
+
+#include "language/expression_compiler.h"
+
+namespace host {
+
+class StatementCompiler {
+ public:
+  // `sub` is null at module level. `interactive`: expressions are printed.
+  StatementCompiler(Names& names, const Sub* sub, bool interactive)
+      : names_(names), expressions_(names), sub_(sub), interactive_(interactive) {}
+
+  Block block(const syntax::Block& statements);
+
+ private:
+  Block innerBlock(const syntax::Block& statements);  // with names of its own
+  // The body of a loop, in which Exit and Continue of its kind may stand.
+  Block loopBody(syntax::LoopKind kind, const syntax::Block& statements);
+
+  void compile(const syntax::Dim& dim, Position position, Block& block);
+  void declare(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
+               Block& block);
+  void compile(const syntax::Const& constant, Position position, Block& block);
+  void compile(const syntax::Assign& assign, Position position, Block& block);
+  void compile(const syntax::Evaluate& evaluated, Position position, Block& block);
+  void compile(const syntax::If& choice, Position position, Block& block);
+  void compile(const syntax::Select& select, Position position, Block& block);
+  Expr caseTest(const syntax::Select::Test& test, const Place& value);
+  void compile(const syntax::For& loop, Position position, Block& block);
+  void compile(const syntax::ForEach& loop, Position position, Block& block);
+  void compile(const syntax::Loop& loop, Position position, Block& block);
+  void compile(const syntax::Try& attempt, Position position, Block& block);
+  void compile(const syntax::Jump& jump, Position position, Block& block);
+  void compile(const syntax::Return& returned, Position position, Block& block);
+  void compile(const syntax::Print& printed, Position position, Block& block);
+  void compile(const syntax::Raise& raised, Position position, Block& block);
+  void compile(const syntax::AddHandler& added, Position position, Block& block);
+  void compile(const syntax::ReDim& changed, Position position, Block& block);
+
+  Names& names_;
+  ExpressionCompiler expressions_;
+  const Sub* sub_;
+  bool interactive_;
+  int loops_[3] = {};  // around the statement being compiled, by LoopKind
+};
+
+}  // namespace host

@@ -1,0 +1,37 @@
+// Statements other than assignments and loops.
+#pragma once
+
+#include "language/node.h"
+#include "language/program.h"
+#include "runtime/class.h"
+
+namespace host {
+
+// What takes an expression throws ProgramError where it has the wrong type.
+
+// Runs the body of the first branch one of whose tests holds; one without tests is Else.
+struct Branch {
+  Exprs tests;
+  Block body;
+};
+Stmt choice(Position position, std::vector<Branch> branches);
+
+struct CatchClause {
+  const Class* type;
+  std::unique_ptr<Place> variable;  // null: it has no name
+  Block body;
+};
+Stmt tryCatch(Position position, Block body, std::vector<CatchClause> clauses, Block finally);
+
+Stmt raise(Position position, Expr exception);
+Stmt returnValue(Position position, Expr value);  // of the Function's type
+Stmt print(Position position, Expr value);
+Stmt evaluate(Position position, Expr value);                                   // for what it does
+Stmt declaration(Position position, std::unique_ptr<Place> place, Expr value);  // null: zero, Nil or ""
+Stmt jump(Position position, Flow flow);
+
+// AddHandler object.Run, AddressOf sub. Only a Thread has an event, and it is Run.
+void expectEvent(const Expression& object, const std::string& event, Position position);
+Stmt addHandler(Position position, Expr object, const Sub& sub, Position subPosition);
+
+}  // namespace host

@@ -1,0 +1,62 @@
+// Reads tokens one after the other, and says what was expected where another one stands.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "language/lexer.h"
+#include "language/syntax.h"
+
+namespace host {
+
+class TokenReader {
+ public:
+  explicit TokenReader(std::string_view text) : tokens_(tokenize(text)) {}
+
+  const Token& peek(std::size_t ahead = 0) const;
+  const Token& take();
+  bool is(Keyword keyword, std::size_t ahead = 0) const { return peek(ahead).keyword == keyword; }
+  bool is(Symbol symbol, std::size_t ahead = 0) const { return peek(ahead).symbol == symbol; }
+  template <typename Spelled>
+  bool accept(Spelled spelled) {
+    if (!is(spelled)) return false;
+    take();
+    return true;
+  }
+  template <typename Spelled>
+  void expect(Spelled spelled, const std::string& where) {
+    if (!accept(spelled)) failExpecting("'" + std::string(spellingOf(spelled)) + "' " + where);
+  }
+  bool atLineEnd() const;
+  bool atStatementEnd() const { return atLineEnd() || is(Keyword::elseWord); }
+  void expectLineEnd(const std::string& after);
+  void skipLineEnds();
+  syntax::Name takeName(const std::string& what);
+  syntax::TypeName takeType();
+
+  [[noreturn]] void failHere(const std::string& message) const;
+  [[noreturn]] void failExpecting(const std::string& what) const;  // "expected WHAT, found …"
+
+ private:
+  std::vector<Token> tokens_;
+  std::size_t at_ = 0;
+};
+
+// Bounds how deeply blocks and expressions may be nested, so that no program exhausts the stack of what reads
+// it, compiles it or runs it.
+class Nesting {
+ public:
+  Nesting(int& depth, const TokenReader& tokens) : depth_(depth) {
+    if (depth_ >= 200) tokens.failHere("blocks or parentheses are nested too deeply");
+    ++depth_;
+  }
+  ~Nesting() { --depth_; }
+  Nesting(const Nesting&) = delete;
+  Nesting& operator=(const Nesting&) = delete;
+
+ private:
+  int& depth_;
+};
+
+}  // namespace host

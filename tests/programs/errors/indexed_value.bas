@@ -1,0 +1,3 @@
+' exit: 1
+Dim x As Integer
+Print x(1)
