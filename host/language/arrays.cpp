@@ -39,19 +39,21 @@ Expr doing(Expr array, Action action) {
 
 Expr asIndex(Expr value) { return convertTo(std::move(value), {Kind::Int64}, "the index"); }
 
-Expr count(Expr array, Exprs) {
+Expr count(Expr array, Exprs&) {
   return integerNode({Kind::Int64}, [array = std::move(array)](Frame& f) {
     const Held held(*array, f);
     return arrayIn(held.slot).count();
   });
 }
 
-Expr lastIndex(Expr array, Exprs) {
-  return integerNode({Kind::Int64},
-                     [counted = count(std::move(array), {})](Frame& f) { return counted->integer(f) - 1; });
+Expr lastIndex(Expr array, Exprs&) {
+  return integerNode({Kind::Int64}, [array = std::move(array)](Frame& f) {
+    const Held held(*array, f);
+    return arrayIn(held.slot).count() - 1;
+  });
 }
 
-Expr append(Expr array, Exprs arguments) {
+Expr append(Expr array, Exprs& arguments) {
   Expr value = convertTo(std::move(arguments[0]), array->type.element(), "the element");
   return doing(std::move(array), [value = std::move(value)](Slot slot, Frame& f) {
     const Held owned(*value, f);
@@ -60,7 +62,7 @@ Expr append(Expr array, Exprs arguments) {
   });
 }
 
-Expr insert(Expr array, Exprs arguments) {
+Expr insert(Expr array, Exprs& arguments) {
   Expr index = asIndex(std::move(arguments[0]));
   Expr value = convertTo(std::move(arguments[1]), array->type.element(), "the element");
   return doing(std::move(array), [index = std::move(index), value = std::move(value)](Slot slot, Frame& f) {
@@ -70,17 +72,17 @@ Expr insert(Expr array, Exprs arguments) {
   });
 }
 
-Expr remove(Expr array, Exprs arguments) {
+Expr remove(Expr array, Exprs& arguments) {
   return doing(std::move(array), [index = asIndex(std::move(arguments[0]))](Slot slot, Frame& f) {
     arrayIn(slot).remove(index->integer(f));
   });
 }
 
-Expr removeAll(Expr array, Exprs) {
+Expr removeAll(Expr array, Exprs&) {
   return doing(std::move(array), [](Slot slot, Frame&) { arrayIn(slot).resize(0); });
 }
 
-Expr pop(Expr array, Exprs) {
+Expr pop(Expr array, Exprs&) {
   const Type type = array->type.element();
   return slotNode(type, [array = std::move(array), type](Frame& f) {
     const Held held(*array, f);
@@ -94,7 +96,7 @@ Expr pop(Expr array, Exprs) {
 constexpr struct {
   std::string_view name;
   std::size_t arguments;
-  Expr (*make)(Expr array, Exprs arguments);
+  Expr (*make)(Expr array, Exprs& arguments);  // moves from them
 } methods[] = {
     {"Ubound", 0, &lastIndex}, {"LastIndex", 0, &lastIndex}, {"Count", 0, &count},  {"Append", 1, &append},
     {"Add", 1, &append},       {"Insert", 2, &insert},       {"AddAt", 2, &insert}, {"Remove", 1, &remove},
@@ -118,7 +120,7 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
       fail(callee.position,
            "expected " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
     }
-    return each.make(std::move(array), std::move(arguments));
+    return each.make(std::move(array), arguments);
   }
   fail(callee.position, "an array has no member '" + callee.name + "'");
 }

@@ -33,8 +33,4 @@ Expr callExactly(const Method& method, Expr self, Exprs arguments);
 // New made(arguments).
 Expr newObject(const Class& made, Position position, Exprs arguments);
 
-// The function of that name that takes or gives any type (Str, Ubound, VarType, Array); null where there is
-// none, and then the arguments stay.
-Expr callIntrinsic(const Callee& callee, Exprs& arguments);
-
 }  // namespace host

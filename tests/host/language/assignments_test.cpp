@@ -70,7 +70,7 @@ TEST_F(Assignments, ReadAndWriteAVariable) {
 
 TEST_F(Assignments, ComputeWhatFindsThePlaceOnce) {
   std::string log;
-  const Ref<Heap> made = makeObject(amountClass());
+  Ref<Heap> made = makeObject(amountClass());
   const auto found = [&] {
     return referenceNode({Kind::Object, false, &amountClass()}, [&](Frame&) {
       log += "self ";
@@ -87,7 +87,7 @@ TEST_F(Assignments, ComputeWhatFindsThePlaceOnce) {
 }
 
 TEST_F(Assignments, WriteNothingWhereTheValueThrows) {
-  const Ref<Heap> made = makeObject(amountClass());
+  Ref<Heap> made = makeObject(amountClass());
   const auto self = [&] {
     return referenceNode({Kind::Object, false, &amountClass()}, [&](Frame&) { return made; });
   };

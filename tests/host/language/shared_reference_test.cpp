@@ -31,6 +31,7 @@ TEST(SharedReference, NeverGivesWhatIsGone) {
     for (++ready; ready < readers + writers;) std::this_thread::yield();
   };
   std::vector<std::thread> threads;
+  threads.reserve(readers + writers);
   for (int i = 0; i < readers; ++i) {
     threads.emplace_back([&] {
       startTogether();
