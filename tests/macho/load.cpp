@@ -53,13 +53,13 @@ std::span<Record> recordsOf(const Image& image, const Section& section, std::uin
   return {reinterpret_cast<Record*>(section.address + slide), section.size / sizeof(Record)};
 }
 
-void registerFrames(const std::vector<std::byte>& frames) {
-  // The unwinder keeps what it is told of, as long as the process lives.
-  static auto& kept = *new std::vector<std::vector<std::byte>>;
+// For the life of the process; the unwinder reads its frames' descriptions whenever it looks for one.
+const LoadedLibrary& keep(std::unique_ptr<LoadedLibrary> library) {
+  static auto& kept = *new std::vector<std::unique_ptr<LoadedLibrary>>;
   static std::mutex keeping;
   const std::lock_guard lock(keeping);
-  kept.push_back(frames);
-  if (frames.size() > sizeof(std::uint32_t)) __register_frame(kept.back().data());
+  kept.push_back(std::move(library));
+  return *kept.back();
 }
 
 }  // namespace
@@ -91,9 +91,9 @@ void Mapping::fillIn(const Imports& given) {
         own == image_.exports.end() ? nullptr : reinterpret_cast<void*>(own->second + slide_);
     const auto override = given.find(each.name);
     void* const outside = override != given.end() ? override->second : systemSymbol(each.name);
-    const bool insideFirst = each.library == library::self || each.library == library::weakLookup;
-    const bool insideToo = insideFirst || each.library == library::anyLibrary;
-    addresses.push_back(inside && (insideFirst || (insideToo && !outside)) ? inside : outside);
+    const bool takesInside = each.library == library::self || each.library == library::weakLookup ||
+                             (each.library == library::anyLibrary && !outside);
+    addresses.push_back(inside && takesInside ? inside : outside);
   }
   for (const Fixup& each : image_.fixups) {
     std::uint64_t value = each.target + slide_;
@@ -146,6 +146,7 @@ void Mapping::setUpThreadLocals() {
 
 void Mapping::protect() {
   for (const Segment& each : image_.segments) {
+    if (each.memorySize == 0) continue;  // which qemu-user refuses
     int protection = PROT_NONE;
     if (each.protection & readable) protection |= PROT_READ;
     if ((each.protection & writable) && !(each.flags & readOnlyAfterFixups)) protection |= PROT_WRITE;
@@ -194,17 +195,18 @@ const LoadedLibrary& load(const std::string& file, const Imports& imports) {
     std::unique_ptr<LoadedLibrary> library(new LoadedLibrary(readImage(content, thisProcessor)));
     library->mapping_.fillIn(imports);
     library->mapping_.setUpThreadLocals();
-    const std::vector<std::byte> frames = frameDescriptions(library->image_, library->mapping_.slide());
+    library->frames_ = frameDescriptions(library->image_, library->mapping_.slide());
     const std::vector<std::uint64_t> initialisers = library->mapping_.initialisers();
     library->mapping_.protect();
-    registerFrames(frames);
+    const LoadedLibrary& kept = keep(std::move(library));
+    if (kept.frames_.size() > sizeof(std::uint32_t)) __register_frame(kept.frames_.data());
     static const char* nothing[] = {nullptr};
     for (const std::uint64_t each : initialisers) {
       // What the system hands to an initialiser: the program's arguments, its environment and more.
       using Initialiser = void (*)(int, const char**, const char**, const char**, const void*);
       reinterpret_cast<Initialiser>(each)(0, nothing, nothing, nothing, nullptr);
     }
-    return *library.release();  // for the life of the process
+    return kept;
   } catch (const BadImage& error) {
     throw BadImage(file + ": " + error.what());
   }

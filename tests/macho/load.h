@@ -62,6 +62,7 @@ class LoadedLibrary {
   explicit LoadedLibrary(Image&& image) : image_(std::move(image)), mapping_(image_) {}
   Image image_;
   Mapping mapping_;
+  std::vector<std::byte> frames_;  // their descriptions
 };
 
 // Whether the file begins as a Mach-O file does, for whatever processor.
