@@ -109,7 +109,7 @@ std::string dylibName(Cursor& commands, std::size_t start) {
 
 // Of these commands an image has one at most: what they point to is read once.
 template <class Command>
-void readOnly(std::optional<Command>& command, Cursor& commands) {
+void readSole(std::optional<Command>& command, Cursor& commands) {
   const bool again = command.has_value();
   command = commands.read<Command>();
   if (again) throw BadImage("has load command " + hex(command->kind) + " twice");
@@ -233,13 +233,13 @@ Image readImage(std::span<const std::byte> file, Processor processor) {
         break;
       case command::dyldInfo:
       case command::dyldInfoOnly:
-        readOnly(opcodes, each);
+        readSole(opcodes, each);
         break;
       case command::exportsTrie:
-        readOnly(trie, each);
+        readSole(trie, each);
         break;
       case command::chainedFixups:
-        readOnly(chains, each);
+        readSole(chains, each);
         break;
       case command::dynamicSymbolTable: {
         const auto table = each.read<DynamicSymbolTableCommand>();

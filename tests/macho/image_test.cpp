@@ -33,7 +33,7 @@ std::string complaint(std::span<const std::byte> file, Processor processor) {
 std::string complaint(const ImageBuilder& builder) { return complaint(builder.build(), builder.processor); }
 
 std::vector<std::byte> bytesOf(std::string_view text) {
-  const auto bytes = std::as_bytes(std::span(text));
+  const auto bytes = std::as_bytes(std::span(text.data(), text.size()));
   return {bytes.begin(), bytes.end()};
 }
 
@@ -458,7 +458,7 @@ TEST(Chains, HaveImportsOfEachFormat) {
   } cases[] = {
       {chainsWith(chained::importPlain, Made().word(1 | 1 << 9).word(0xFD | 0x100 | 4 << 9), 2), {3, 255}},
       {chainsWith(chained::importAddend,
-                  Made().word(1 | 1 << 9).word(-5u).word(0xFD | 0x100 | 4 << 9).word(0x7FFFFFFF), 2),
+                  Made().word(1 | 1 << 9).word(0xFFFFFFFB).word(0xFD | 0x100 | 4 << 9).word(0x7FFFFFFF), 2),
        {-2, 0x7FFFFFFFll + 255}},
       {chainsWith(
            chained::importAddend64,
@@ -504,7 +504,7 @@ TEST(Chains, LeadThroughTheirPage) {
   chains.first = 8;
   const Made pointers =
       Made().wide(1).wide(chainedRebase(0x600, 0, 16)).wide(2).wide(chainedRebase(0x610, 7, 0));
-  for (const std::uint16_t format : {chained::pointerToOffset, chained::pointerToAddress}) {
+  for (const auto format : {chained::pointerToOffset, chained::pointerToAddress}) {
     chains.pointerFormat = format;
     const Image image = imageOf(chainedBuilder(chains, pointers));
     ASSERT_EQ(image.fixups.size(), 2u);
@@ -898,6 +898,18 @@ TEST(UnwindTable, DamagedOnesAreRefused) {
               all.personalities = {0x9000};
             }),
             "the file has no bytes for address 0x9000");
+}
+
+// A count that does not fit is seen before anything is made of it: pages that lie in each other could have
+// millions of functions together.
+TEST(UnwindTable, HasNoMoreFunctionsThanRoom) {
+  UnwindTable table;
+  table.functions = {{0x600, 0x02010000}};
+  Made made = table.made();
+  made.all[made.size() - 9] = std::byte{0x7F};  // the upper half of the page's count
+  ImageBuilder builder(x86);
+  builder.section(inText, "__unwind_info", made);
+  EXPECT_EQ(complaint(builder), "the unwind table has more functions than room for them");
 }
 
 TEST(UnwindTable, FindsEachFunctionsExceptionTable) {
