@@ -7,6 +7,7 @@
 #include "language/intrinsics.h"
 #include "language/operators.h"
 #include "language/spelling.h"
+#include "runtime/registry.h"
 
 namespace host {
 

@@ -3,7 +3,7 @@
 
 #include "language/shared_reference.h"
 #include "language/spelling.h"
-#include "runtime/class.h"
+#include "runtime/registry.h"
 
 namespace host {
 

@@ -15,6 +15,7 @@ class Cursor {
   Cursor(std::span<const std::byte> bytes, const char* what) : bytes_(bytes), what_(what) {}
 
   bool atEnd() const { return position_ == bytes_.size(); }
+  std::size_t size() const { return bytes_.size(); }
   std::size_t position() const { return position_; }
   void moveTo(std::size_t position) {
     if (position > bytes_.size()) end();

@@ -58,15 +58,9 @@ void checkTarget(const Image& image, std::uint64_t target) {
     throw BadImage("a pointer in the image leads out of it");
 }
 
+// Its number; most repeat the one before.
 std::size_t import(Image& image, const Import& wanted) {
-  const auto same = [&](const Import& each) {
-    return each.name == wanted.name && each.library == wanted.library && each.weak == wanted.weak;
-  };
-  // Most repeat the one before.
-  if (!image.imports.empty() && same(image.imports.back())) return image.imports.size() - 1;
-  const auto found = std::find_if(image.imports.begin(), image.imports.end(), same);
-  if (found != image.imports.end()) return static_cast<std::size_t>(found - image.imports.begin());
-  image.imports.push_back(wanted);
+  if (image.imports.empty() || image.imports.back() != wanted) image.imports.push_back(wanted);
   return image.imports.size() - 1;
 }
 
@@ -215,11 +209,18 @@ struct ChainedImports {
   std::vector<std::int64_t> addends;
 };
 
+// The last sixteen numbers of a field are the negative ones.
+int chainedLibrary(std::uint64_t field, int numbers) {
+  const int ordinal = static_cast<int>(field);
+  return ordinal > numbers - 16 ? ordinal - numbers : ordinal;
+}
+
 ChainedImports readChainedImports(Image& image, std::span<const std::byte> data,
                                   const ChainedHeader& header) {
   ChainedImports all;
   if (header.symbolFormat != 0)
     throw BadImage("the chained fixups' names are compressed, which is not understood");
+  std::size_t nameBytes = 0;
   Cursor records(data, "the chained fixups"), names(data, "the chained fixups");
   records.moveTo(header.importsOffset);
   for (std::uint32_t i = 0; i < header.importCount; ++i) {
@@ -229,13 +230,13 @@ ChainedImports readChainedImports(Image& image, std::span<const std::byte> data,
     if (header.importFormat == chained::importAddend64) {  // ordinal: 16 bits, weak: 1, unused: 15, name: 32
       const auto word = records.read<std::uint64_t>();
       addend = records.read<std::int64_t>();
-      each.library = static_cast<std::int16_t>(word & 0xFFFF);
+      each.library = chainedLibrary(word & 0xFFFF, 0x10000);
       each.weak = (word >> 16 & 1) != 0;
       nameOffset = word >> 32;
     } else if (header.importFormat == chained::importPlain || header.importFormat == chained::importAddend) {
       const auto word = records.read<std::uint32_t>();  // ordinal: 8 bits, weak: 1, name: 23
       if (header.importFormat == chained::importAddend) addend = records.read<std::int32_t>();
-      each.library = static_cast<std::int8_t>(word & 0xFF);
+      each.library = chainedLibrary(word & 0xFF, 0x100);
       each.weak = (word >> 8 & 1) != 0;
       nameOffset = word >> 9;
     } else {
@@ -244,6 +245,8 @@ ChainedImports readChainedImports(Image& image, std::span<const std::byte> data,
     }
     names.moveTo(std::min<std::uint64_t>(header.symbolsOffset + nameOffset, data.size()));
     each.name = names.text();
+    nameBytes += each.name.size();  // names may lie in each other
+    if (nameBytes > greatestNames) throw BadImage("the chained fixups have names of more than 16 MiB");
     checkLibrary(image, each.library);
     image.imports.push_back(std::move(each));
     all.imports.push_back(image.imports.size() - 1);
@@ -304,6 +307,8 @@ void readChains(Image& image, std::span<const std::byte> data) {
     if (starts.pointerFormat != chained::pointerToAddress && starts.pointerFormat != chained::pointerToOffset)
       throw BadImage("the chained fixups of segment " + segment.name + " have pointer format " +
                      std::to_string(starts.pointerFormat) + ", which is not understood");
+    if (starts.segmentOffset != segment.address - image.lowest())
+      throw BadImage("the chained fixups of segment " + segment.name + " are for another place");
     for (std::uint16_t page = 0; page < starts.pageCount; ++page) {
       const auto first = cursor.read<std::uint16_t>();
       if (first == chained::pageWithoutFixups) continue;

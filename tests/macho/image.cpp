@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <bit>
 #include <cstdio>
+#include <optional>
 #include <set>
 
 #include "macho/cursor.h"
@@ -65,6 +66,9 @@ void readSegment(Image& image, Cursor& commands) {
   Segment segment = {fixedName(record.name), record.address,    record.memorySize, record.fileOffset,
                      record.fileSize,        record.protection, record.flags};
   const std::string what = "segment " + segment.name;
+  // There is no use for more segments than sections; and every address is looked for in all of them.
+  if (image.segments.size() == mostSections || record.sectionCount > mostSections - image.sections.size())
+    throw BadImage("has more than " + std::to_string(mostSections) + " segments or sections");
   part(image.bytes, segment.fileOffset, segment.fileSize, what);
   if (segment.fileSize > segment.memorySize) throw BadImage(what + " is smaller in memory than in the file");
   if (segment.memorySize > greatestImage || segment.address > greatestImage)
@@ -103,6 +107,14 @@ std::string dylibName(Cursor& commands, std::size_t start) {
   return commands.text();
 }
 
+// Of these commands an image has one at most: what they point to is read once.
+template <class Command>
+void readSole(std::optional<Command>& command, Cursor& commands) {
+  const bool again = command.has_value();
+  command = commands.read<Command>();
+  if (again) throw BadImage("has load command " + hex(command->kind) + " twice");
+}
+
 // The names lie along the edges of a tree.
 void readExports(Image& image, std::span<const std::byte> trie) {
   if (trie.empty()) return;
@@ -111,15 +123,12 @@ void readExports(Image& image, std::span<const std::byte> trie) {
     std::string name;
   };
   std::vector<Node> open = {{0, ""}};
-  std::set<std::uint64_t> seen;
+  std::set<std::uint64_t> seen = {0};
   std::size_t nameBytes = 0;
   Cursor cursor(trie, "the list of exports");
   while (!open.empty()) {
     const Node node = std::move(open.back());
     open.pop_back();
-    if (!seen.insert(node.offset).second)
-      throw BadImage("the list of exports goes in a circle at " + hex(node.offset));
-    if (node.offset >= trie.size()) throw BadImage("the list of exports ends too early");
     cursor.moveTo(node.offset);
     const std::uint64_t infoBytes = cursor.uleb();
     const std::size_t info = cursor.position();
@@ -137,13 +146,26 @@ void readExports(Image& image, std::span<const std::byte> trie) {
     for (unsigned children = cursor.read<std::uint8_t>(); children > 0; --children) {
       std::string name = node.name + cursor.text();
       nameBytes += name.size();
-      if (nameBytes > 0x1000000) throw BadImage("the list of exports has names of more than 16 MiB");
-      open.push_back({cursor.uleb(), std::move(name)});
+      if (nameBytes > greatestNames) throw BadImage("the list of exports has names of more than 16 MiB");
+      const std::uint64_t offset = cursor.uleb();
+      if (offset >= trie.size()) throw BadImage("the list of exports leads out of itself");
+      if (!seen.insert(offset).second)
+        throw BadImage("the list of exports goes in a circle at " + hex(offset));
+      open.push_back({offset, std::move(name)});
     }
   }
 }
 
+std::string withoutControls(std::string text) {
+  for (char& each : text) {
+    if (static_cast<unsigned char>(each) < ' ' || each == '\x7F') each = '?';
+  }
+  return text;
+}
+
 }  // namespace
+
+BadImage::BadImage(const std::string& line) : std::runtime_error(withoutControls(line)) {}
 
 std::uint64_t Image::lowest() const {
   std::uint64_t lowest = greatestImage;
@@ -188,8 +210,8 @@ Image readImage(std::span<const std::byte> file, Processor processor) {
 
   const auto commandBytes = part(own, sizeof header, header.commandBytes, "the list of load commands");
   Cursor commands(commandBytes, "the list of load commands");
-  std::vector<LinkEditCommand> tries, chains;
-  std::vector<DyldInfoCommand> opcodes;
+  std::optional<LinkEditCommand> trie, chains;
+  std::optional<DyldInfoCommand> opcodes;
   for (std::uint32_t i = 0; i < header.commandCount; ++i) {
     const std::size_t start = commands.position();
     const auto common = commands.readAt<LoadCommand>(start);
@@ -211,16 +233,21 @@ Image readImage(std::span<const std::byte> file, Processor processor) {
         break;
       case command::dyldInfo:
       case command::dyldInfoOnly:
-        opcodes.push_back(each.read<DyldInfoCommand>());
+        readSole(opcodes, each);
         break;
       case command::exportsTrie:
-        tries.push_back(each.read<LinkEditCommand>());
+        readSole(trie, each);
         break;
       case command::chainedFixups:
-        chains.push_back(each.read<LinkEditCommand>());
+        readSole(chains, each);
         break;
+      case command::dynamicSymbolTable: {
+        const auto table = each.read<DynamicSymbolTableCommand>();
+        if (table.externalRelocationCount || table.localRelocationCount)
+          throw BadImage("has relocations beside its symbol table, which are not understood");
+        break;
+      }
       case command::symbolTable:
-      case command::dynamicSymbolTable:
       case command::uuid:
       case command::runPath:
       case command::codeSignature:
@@ -235,22 +262,22 @@ Image readImage(std::span<const std::byte> file, Processor processor) {
     }
     commands.moveTo(start + common.size);
   }
-  if (image.segments.empty()) throw BadImage("has no segments");
+  if (image.segments.empty() || image.highest() == image.lowest())
+    throw BadImage("has no segments that take room");
   if (image.highest() - image.lowest() > greatestImage) throw BadImage("is larger than 4 GiB in memory");
 
-  for (const DyldInfoCommand& each : opcodes) {
-    readRebases(image, part(own, each.rebaseOffset, each.rebaseSize, "the list of rebases"));
-    readBinds(image, part(own, each.bindOffset, each.bindSize, "the list of binds"), BindList::ordinary);
-    readBinds(image, part(own, each.lazyBindOffset, each.lazyBindSize, "the list of lazy binds"),
+  if (opcodes) {
+    readRebases(image, part(own, opcodes->rebaseOffset, opcodes->rebaseSize, "the list of rebases"));
+    readBinds(image, part(own, opcodes->bindOffset, opcodes->bindSize, "the list of binds"),
+              BindList::ordinary);
+    readBinds(image, part(own, opcodes->lazyBindOffset, opcodes->lazyBindSize, "the list of lazy binds"),
               BindList::lazy);
-    readBinds(image, part(own, each.weakBindOffset, each.weakBindSize, "the list of weak binds"),
+    readBinds(image, part(own, opcodes->weakBindOffset, opcodes->weakBindSize, "the list of weak binds"),
               BindList::weak);
-    readExports(image, part(own, each.exportOffset, each.exportSize, "the list of exports"));
+    readExports(image, part(own, opcodes->exportOffset, opcodes->exportSize, "the list of exports"));
   }
-  for (const LinkEditCommand& each : chains)
-    readChains(image, part(own, each.dataOffset, each.dataSize, "the chained fixups"));
-  for (const LinkEditCommand& each : tries)
-    readExports(image, part(own, each.dataOffset, each.dataSize, "the list of exports"));
+  if (chains) readChains(image, part(own, chains->dataOffset, chains->dataSize, "the chained fixups"));
+  if (trie) readExports(image, part(own, trie->dataOffset, trie->dataSize, "the list of exports"));
   return image;
 }
 

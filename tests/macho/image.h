@@ -12,10 +12,13 @@
 
 namespace macho {
 
-// One line that says what is wrong with the file.
+// One line that says what is wrong with the file. Control characters, which names in a file may hold, become
+// question marks.
 struct BadImage : std::runtime_error {
-  using std::runtime_error::runtime_error;
+  explicit BadImage(const std::string& line);
 };
+
+constexpr std::size_t greatestNames = 16 << 20;  // in bytes: all exports' names, or all imports'
 
 enum class Processor { x86_64, arm64 };
 
@@ -42,6 +45,8 @@ struct Import {
   std::string name;
   int library = 0;    // the ordinal, from 1, or one of namespace library
   bool weak = false;  // may be missing
+
+  bool operator==(const Import&) const = default;
 };
 
 // A pointer in the image to fill in: with an address of the image itself, or with an import plus an addend.

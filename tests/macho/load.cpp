@@ -5,9 +5,10 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
-#include <iterator>
 #include <memory>
 #include <mutex>
 
@@ -29,28 +30,36 @@ std::uint64_t pageAfter(std::uint64_t address) {
 }
 
 std::vector<std::byte> contentOf(const std::string& file) {
-  std::ifstream stream(file, std::ios::binary);
-  const std::string text{std::istreambuf_iterator<char>(stream), {}};
-  if (!stream) throw BadImage("cannot be read: " + std::string(std::strerror(errno ? errno : EIO)));
-  const auto bytes = std::as_bytes(std::span(text));
-  return {bytes.begin(), bytes.end()};
+  const auto failed = [] { return BadImage("cannot be read: " + std::string(std::strerror(errno))); };
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> stream(std::fopen(file.c_str(), "rb"), &std::fclose);
+  if (!stream) throw failed();
+  std::vector<std::byte> content;
+  for (;;) {
+    std::byte part[0x10000];
+    const std::size_t count = std::fread(part, 1, sizeof part, stream.get());
+    if (count < sizeof part && std::ferror(stream.get())) throw failed();
+    content.insert(content.end(), part, part + count);
+    if (count < sizeof part) return content;
+  }
 }
 
-// The section's content in the process, as records that lie as they have to.
+// The section's content in the process, as records that lie as they have to. The file has bytes for all of
+// them, which keeps a damaged one from asking for billions.
 template <class Record>
-std::span<Record> recordsOf(const Section& section, std::uint64_t slide) {
-  if (section.address % alignof(Record))
-    throw BadImage("section " + section.name + " does not lie on whole words");
+std::span<Record> recordsOf(const Image& image, const Section& section, std::uint64_t slide) {
+  if (section.address % alignof(Record) || section.size % sizeof(Record))
+    throw BadImage("section " + section.name + " does not hold whole records");
+  image.at(section.address, section.size);
   return {reinterpret_cast<Record*>(section.address + slide), section.size / sizeof(Record)};
 }
 
-void registerFrames(const std::vector<std::byte>& frames) {
-  // The unwinder keeps what it is told of, as long as the process lives.
-  static auto& kept = *new std::vector<std::vector<std::byte>>;
+// For the life of the process; the unwinder reads its frames' descriptions whenever it looks for one.
+const LoadedLibrary& keep(std::unique_ptr<LoadedLibrary> library) {
+  static auto& kept = *new std::vector<std::unique_ptr<LoadedLibrary>>;
   static std::mutex keeping;
   const std::lock_guard lock(keeping);
-  kept.push_back(frames);
-  if (frames.size() > sizeof(std::uint32_t)) __register_frame(kept.back().data());
+  kept.push_back(std::move(library));
+  return *kept.back();
 }
 
 }  // namespace
@@ -69,37 +78,34 @@ Mapping::Mapping(const Image& image) : image_(image) {
 }
 
 Mapping::~Mapping() {
+  if (threadLocals_) pthread_key_delete(threadLocals_->key);
   const std::uint64_t lowest = pageOf(image_.lowest());
   munmap(reinterpret_cast<void*>(lowest + slide_), pageAfter(image_.highest()) - lowest);
 }
 
 void Mapping::fillIn(const Imports& given) {
-  std::vector<void*> addresses;
+  std::vector<void*> addresses;  // null: there is none
   for (const Import& each : image_.imports) {
     const auto own = image_.exports.find(each.name);
+    void* const inside =
+        own == image_.exports.end() ? nullptr : reinterpret_cast<void*>(own->second + slide_);
     const auto override = given.find(each.name);
-    void* address = nullptr;
-    if (own != image_.exports.end() &&
-        (each.library == library::self || each.library == library::weakLookup)) {
-      address = reinterpret_cast<void*>(own->second + slide_);
-    } else if (override != given.end()) {
-      address = override->second;
-    } else {
-      address = systemSymbol(each.name);
-    }
-    const bool replacement = each.library == library::weakLookup;
-    if (!address && !each.weak && !replacement) {
-      const std::string from =
-          each.library > 0 ? " of " + image_.libraries[static_cast<std::size_t>(each.library - 1)] : "";
-      throw BadImage("needs " + each.name + from + ", which is not known here");
-    }
-    addresses.push_back(address);
+    void* const outside = override != given.end() ? override->second : systemSymbol(each.name);
+    const bool takesInside = each.library == library::self || each.library == library::weakLookup ||
+                             (each.library == library::anyLibrary && !outside);
+    addresses.push_back(inside && takesInside ? inside : outside);
   }
   for (const Fixup& each : image_.fixups) {
     std::uint64_t value = each.target + slide_;
     if (each.import != Fixup::none) {
+      const Import& import = image_.imports[each.import];
       void* const found = addresses[each.import];
       if (!found && each.replaces) continue;  // what stands there is the image's own
+      if (!found && !import.weak) {
+        const std::string from =
+            import.library > 0 ? " of " + image_.libraries[static_cast<std::size_t>(import.library - 1)] : "";
+        throw BadImage("needs " + import.name + from + ", which is not known here");
+      }
       value = reinterpret_cast<std::uint64_t>(found) + static_cast<std::uint64_t>(each.addend);
     }
     std::memcpy(reinterpret_cast<void*>(each.address + slide_), &value, sizeof value);
@@ -121,21 +127,26 @@ void Mapping::setUpThreadLocals() {
   }
   for (const Section& each : image_.sections) {
     if (each.type != sectionType::threadLocalVariables) continue;
-    auto* variables = new ThreadLocals;  // as long as the image
-    if (pthread_key_create(&variables->key, std::free) != 0)
-      throw BadImage("there are too many thread-local variables in this process");
-    *variables = {variables->key, reinterpret_cast<const void*>(start + slide_), filled ? filled - start : 0,
-                  end - start, alignment};
-    for (ThreadLocalVariable& record : recordsOf<ThreadLocalVariable>(each, slide_)) {
-      if (record.offset >= variables->bytes)
+    const auto records = recordsOf<ThreadLocalVariable>(image_, each, slide_);
+    if (!threadLocals_) {
+      pthread_key_t key;
+      if (pthread_key_create(&key, std::free) != 0)
+        throw BadImage("there are too many thread-local variables in this process");
+      threadLocals_ =
+          std::make_unique<ThreadLocals>(ThreadLocals{key, reinterpret_cast<const void*>(start + slide_),
+                                                      filled ? filled - start : 0, end - start, alignment});
+    }
+    for (ThreadLocalVariable& record : records) {
+      if (record.offset >= threadLocals_->bytes)
         throw BadImage("a thread-local variable lies outside its sections");
-      record.variables = variables;
+      record.variables = threadLocals_.get();
     }
   }
 }
 
 void Mapping::protect() {
   for (const Segment& each : image_.segments) {
+    if (each.memorySize == 0) continue;  // which qemu-user refuses
     int protection = PROT_NONE;
     if (each.protection & readable) protection |= PROT_READ;
     if ((each.protection & writable) && !(each.flags & readOnlyAfterFixups)) protection |= PROT_WRITE;
@@ -152,10 +163,10 @@ std::vector<std::uint64_t> Mapping::initialisers() const {
   std::vector<std::uint64_t> addresses;
   for (const Section& each : image_.sections) {
     if (each.type == sectionType::initialiserPointers) {
-      for (const std::uint64_t pointer : recordsOf<const std::uint64_t>(each, slide_))
+      for (const std::uint64_t pointer : recordsOf<const std::uint64_t>(image_, each, slide_))
         addresses.push_back(pointer);
     } else if (each.type == sectionType::initialiserOffsets) {
-      for (const std::uint32_t offset : recordsOf<const std::uint32_t>(each, slide_))
+      for (const std::uint32_t offset : recordsOf<const std::uint32_t>(image_, each, slide_))
         addresses.push_back(image_.lowest() + offset + slide_);
     }
   }
@@ -184,17 +195,18 @@ const LoadedLibrary& load(const std::string& file, const Imports& imports) {
     std::unique_ptr<LoadedLibrary> library(new LoadedLibrary(readImage(content, thisProcessor)));
     library->mapping_.fillIn(imports);
     library->mapping_.setUpThreadLocals();
-    const std::vector<std::byte> frames = frameDescriptions(library->image_, library->mapping_.slide());
+    library->frames_ = frameDescriptions(library->image_, library->mapping_.slide());
     const std::vector<std::uint64_t> initialisers = library->mapping_.initialisers();
     library->mapping_.protect();
-    registerFrames(frames);
+    const LoadedLibrary& kept = keep(std::move(library));
+    if (kept.frames_.size() > sizeof(std::uint32_t)) __register_frame(kept.frames_.data());
     static const char* nothing[] = {nullptr};
     for (const std::uint64_t each : initialisers) {
       // What the system hands to an initialiser: the program's arguments, its environment and more.
       using Initialiser = void (*)(int, const char**, const char**, const char**, const void*);
       reinterpret_cast<Initialiser>(each)(0, nothing, nothing, nothing, nullptr);
     }
-    return *library.release();  // for the life of the process
+    return kept;
   } catch (const BadImage& error) {
     throw BadImage(file + ": " + error.what());
   }

@@ -3,11 +3,14 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <string>
 
 #include "macho/image.h"
 
 namespace macho {
+
+struct ThreadLocals;
 
 constexpr Processor thisProcessor =
 #if defined(__aarch64__)
@@ -33,7 +36,7 @@ class Mapping {
 
   // Fills all pointers in. Throws BadImage where an import is not known.
   void fillIn(const Imports& imports);
-  // Lets each thread have its own thread-local variables; for an image that stays. Throws BadImage.
+  // Lets each thread have its own thread-local variables, once all pointers are filled in. Throws BadImage.
   void setUpThreadLocals();
   // As each segment wants it. Throws BadImage.
   void protect();
@@ -44,6 +47,7 @@ class Mapping {
  private:
   const Image& image_;
   std::uint64_t slide_ = 0;
+  std::unique_ptr<ThreadLocals> threadLocals_;  // null: the image has none
 };
 
 // A library that stays for the life of the process.
@@ -58,6 +62,7 @@ class LoadedLibrary {
   explicit LoadedLibrary(Image&& image) : image_(std::move(image)), mapping_(image_) {}
   Image image_;
   Mapping mapping_;
+  std::vector<std::byte> frames_;  // their descriptions
 };
 
 // Whether the file begins as a Mach-O file does, for whatever processor.

@@ -47,6 +47,7 @@ struct SegmentCommand {
 };
 constexpr std::uint32_t readable = 1, writable = 2, executable = 4;
 constexpr std::uint32_t readOnlyAfterFixups = 0x10;
+constexpr std::size_t mostSections = 255;  // symbols name theirs in a byte: mach-o/nlist.h
 
 struct SectionRecord {
   char name[16], segment[16];
@@ -61,6 +62,12 @@ constexpr std::uint32_t zeroFill = 0x1, initialiserPointers = 0x9, bigZeroFill =
 
 struct DylibCommand {
   std::uint32_t kind, size, nameOffset, timestamp, version, compatibleVersion;
+};
+
+struct DynamicSymbolTableCommand {
+  std::uint32_t kind, size, symbolRanges[6], tables[8];
+  std::uint32_t externalRelocationOffset, externalRelocationCount, localRelocationOffset,
+      localRelocationCount;
 };
 
 struct DyldInfoCommand {

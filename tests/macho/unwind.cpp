@@ -3,9 +3,11 @@
 // ".eh_frame".
 #include "macho/unwind.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdio>
+#include <map>
 #include <optional>
 
 #include "macho/cursor.h"
@@ -79,10 +81,11 @@ struct Rules {
   }
 };
 
+constexpr std::uint32_t framePointerNumber = 6;
 unsigned x86Register(std::uint32_t encoding, std::uint32_t number) {
   if (number == 1) return x86::rbx;
   if (number >= 2 && number <= 5) return x86::r12 + number - 2;
-  if (number == 6) return x86::rbp;
+  if (number == framePointerNumber) return x86::rbp;
   notUnderstood(encoding, "it saves a register that there is not");
 }
 
@@ -95,7 +98,8 @@ Rules x86FramePointer(std::uint32_t encoding) {
   for (unsigned i = 0; i < 5; ++i) {
     const std::uint32_t number = encoding >> (3 * i) & 7;
     if (number == 0) continue;
-    if (i > lowest) notUnderstood(encoding, "it saves a register above the frame");
+    if (i >= lowest) notUnderstood(encoding, "it saves a register above the frame");
+    if (number == framePointerNumber) notUnderstood(encoding, "it saves the frame pointer twice");
     rules.saved(x86Register(encoding, number), lowest - i + 2);
   }
   return rules;
@@ -154,25 +158,53 @@ struct Common {
   std::int64_t dataUnit = -8;
   std::uint64_t returnAddress = 0;      // its column
   std::vector<std::byte> instructions;  // before each function's own
-
-  bool operator==(const Common&) const = default;
 };
 
 // Adds the descriptions one after the other.
 class Descriptions {
  public:
-  explicit Descriptions(std::uint64_t slide) : slide_(slide) {}
+  // The record for functions of a kind.
+  struct Kind {
+    std::size_t position = 0;
+    bool hasPersonality = false;
+  };
+
+  Descriptions(const Image& image, std::uint64_t slide) : image_(image), slide_(slide) {}
+
+  Kind addKind(const Common& common) {
+    const Kind kind = {out_.all.size(), common.personality != 0};
+    Bytes content;
+    content.add(std::uint32_t{0});  // marks it as common
+    content.byte(1);                // version
+    for (const char* each = kind.hasPersonality ? "zPLR" : "zR"; *each; ++each)
+      content.byte(static_cast<unsigned char>(*each));
+    content.byte(0);
+    content.uleb(common.codeUnit);
+    content.sleb(common.dataUnit);
+    content.uleb(common.returnAddress);
+    content.uleb(kind.hasPersonality ? 11 : 1);
+    if (kind.hasPersonality) {
+      content.byte(pointer::absolute);
+      content.add(common.personality);
+      content.byte(pointer::absolute);
+    }
+    content.byte(pointer::absolute);
+    content.append(common.instructions);
+    record(content);
+    return kind;
+  }
 
   // The addresses are the image's.
-  void describe(std::uint64_t start, std::uint64_t end, const Common& common, std::uint64_t lsda,
+  void describe(std::uint64_t start, std::uint64_t end, const Kind& kind, std::uint64_t lsda,
                 std::span<const std::byte> instructions) {
-    const std::size_t shared = positionOf(common);
+    if (start < image_.lowest() || end < start || end > image_.highest())
+      throw BadImage("the description of a function's frame is of what lies outside the image");
     Bytes content;
-    content.add(static_cast<std::uint32_t>(out_.all.size() + 4 - shared));  // back from this field
+    content.add(static_cast<std::uint32_t>(out_.all.size() + 4 - kind.position));  // back from this field
     content.add(start + slide_);
     content.add(end - start);
-    content.uleb(common.personality ? 8 : 0);
-    if (common.personality) content.add(lsda ? lsda + slide_ : 0);
+    content.uleb(kind.hasPersonality ? 8 : 0);
+    if (kind.hasPersonality) content.add(lsda ? lsda + slide_ : 0);
     content.append(instructions);
     record(content);
   }
@@ -191,37 +223,9 @@ class Descriptions {
     out_.all.resize(out_.all.size() + padded - content.all.size());
   }
 
-  // The position of the record for it, made when it is first asked for.
-  std::size_t positionOf(const Common& common) {
-    for (const auto& [known, position] : commons_) {
-      if (known == common) return position;
-    }
-    const std::size_t position = out_.all.size();
-    commons_.emplace_back(common, position);
-    Bytes content;
-    content.add(std::uint32_t{0});  // marks it as common
-    content.byte(1);                // version
-    for (const char* each = common.personality ? "zPLR" : "zR"; *each; ++each)
-      content.byte(static_cast<unsigned char>(*each));
-    content.byte(0);
-    content.uleb(common.codeUnit);
-    content.sleb(common.dataUnit);
-    content.uleb(common.returnAddress);
-    content.uleb(common.personality ? 11 : 1);
-    if (common.personality) {
-      content.byte(pointer::absolute);
-      content.add(common.personality);
-      content.byte(pointer::absolute);
-    }
-    content.byte(pointer::absolute);
-    content.append(common.instructions);
-    record(content);
-    return position;
-  }
-
+  const Image& image_;
   std::uint64_t slide_;
   Bytes out_;
-  std::vector<std::pair<Common, std::size_t>> commons_;
 };
 
 // The rules that an encoding stands for; nothing where it leaves them to __eh_frame, or where nobody unwinds
@@ -282,7 +286,7 @@ class Table {
       throw BadImage("the unwind table is of version " + std::to_string(header_.version));
     for (std::uint32_t i = 0; i + 1 < header_.indexCount; ++i) {  // the last entry only ends the one before
       const auto entry = index(i), next = index(i + 1);
-      if (entry.pageOffset != 0) page(entry, next);
+      if (entry.pageOffset != 0) translatePage(entry, next);
     }
   }
 
@@ -292,50 +296,63 @@ class Table {
                                             std::uint64_t{i} * sizeof(UnwindIndexEntry));
   }
 
-  void page(const UnwindIndexEntry& entry, const UnwindIndexEntry& next) {
-    const auto kind = cursor_.readAt<std::uint32_t>(entry.pageOffset);
-    std::array<std::uint16_t, 4> fields = {};
-    const unsigned count = kind == unwindPage::compressed ? 4 : 2;
-    for (unsigned i = 0; i < count; ++i) fields[i] = cursor_.read<std::uint16_t>();
-    const auto [entryOffset, entryCount, encodingsOffset, encodingCount] = fields;
+  void translatePage(const UnwindIndexEntry& entry, const UnwindIndexEntry& next) {
+    UnwindPage page = {};
+    page.kind = cursor_.readAt<std::uint32_t>(entry.pageOffset);
+    page.entryOffset = cursor_.read<std::uint16_t>();
+    page.entryCount = cursor_.read<std::uint16_t>();
+    if (page.kind == unwindPage::compressed) {
+      page.encodingsOffset = cursor_.read<std::uint16_t>();
+      page.encodingCount = cursor_.read<std::uint16_t>();
+    } else if (page.kind != unwindPage::regular) {
+      throw BadImage("the unwind table has a page of kind " + std::to_string(page.kind) +
+                     ", which is not understood");
+    }
     const auto at = [&](std::uint32_t i) -> UnwindRegularEntry {
-      if (i == entryCount) return {next.functionOffset, 0};
-      const std::uint64_t entries = std::uint64_t{entry.pageOffset} + entryOffset;
-      if (kind == unwindPage::regular)
+      if (i == page.entryCount) return {next.functionOffset, 0};
+      const std::uint64_t entries = std::uint64_t{entry.pageOffset} + page.entryOffset;
+      if (page.kind == unwindPage::regular)
         return cursor_.readAt<UnwindRegularEntry>(entries + i * sizeof(UnwindRegularEntry));
       const auto word = cursor_.readAt<std::uint32_t>(entries + i * sizeof(std::uint32_t));
       const std::uint32_t number = word >> 24;
       std::uint64_t where = header_.commonEncodingsOffset + std::uint64_t{number} * sizeof(std::uint32_t);
       if (number >= header_.commonEncodingCount) {
-        if (number - header_.commonEncodingCount >= encodingCount)
+        if (number - header_.commonEncodingCount >= page.encodingCount)
           throw BadImage("the unwind table has no encoding " + std::to_string(number));
-        where = std::uint64_t{entry.pageOffset} + encodingsOffset +
+        where = std::uint64_t{entry.pageOffset} + page.encodingsOffset +
                 std::uint64_t{number - header_.commonEncodingCount} * sizeof(std::uint32_t);
       }
       return {entry.functionOffset + (word & 0xFFFFFF), cursor_.readAt<std::uint32_t>(where)};
     };
-    if (kind != unwindPage::regular && kind != unwindPage::compressed)
-      throw BadImage("the unwind table has a page of kind " + std::to_string(kind) +
-                     ", which is not understood");
-    for (std::uint32_t i = 0; i < entryCount; ++i) {
+    // Pages may lie in each other; together they have no more than the table has room for.
+    entries_ += page.entryCount;
+    if (entries_ > cursor_.size() / sizeof(std::uint32_t))
+      throw BadImage("the unwind table has more functions than room for them");
+    for (std::uint32_t i = 0; i < page.entryCount; ++i) {
       const UnwindRegularEntry function = at(i);
       const std::uint64_t start = image_.lowest() + function.functionOffset,
                           end = image_.lowest() + at(i + 1).functionOffset;
       if (end < start) throw BadImage("the unwind table is not in order");
       const bool hasLsda = (function.encoding & encoding::hasLsda) != 0;
       if (const auto rules = rulesOf(image_, start, function.encoding)) {
-        const unsigned returnAddress = image_.processor == Processor::x86_64 ? x86::returnAddress : arm::x30;
-        found_.describe(start, end,
-                        {.personality = personality(function.encoding),
-                         .returnAddress = returnAddress,
-                         .instructions = {}},
+        found_.describe(start, end, kindOf(function.encoding),
                         hasLsda ? lsda(function.functionOffset, entry, next) : 0, rules->code.all);
       }
     }
   }
 
-  std::uint64_t personality(std::uint32_t encoding) {
+  const Descriptions::Kind& kindOf(std::uint32_t encoding) {
     const std::uint32_t number = (encoding & encoding::personalityMask) >> encoding::personalityShift;
+    std::optional<Descriptions::Kind>& known = kinds_[number];
+    if (!known) {
+      const unsigned returnAddress = image_.processor == Processor::x86_64 ? x86::returnAddress : arm::x30;
+      known = found_.addKind(
+          {.personality = personality(encoding, number), .returnAddress = returnAddress, .instructions = {}});
+    }
+    return *known;
+  }
+
+  std::uint64_t personality(std::uint32_t encoding, std::uint32_t number) {
     if (number == 0) return 0;
     if (number > header_.personalityCount) notUnderstood(encoding, "there is no such personality routine");
     const auto offset = cursor_.readAt<std::uint32_t>(header_.personalitiesOffset +
@@ -345,10 +362,23 @@ class Table {
 
   std::uint64_t lsda(std::uint32_t functionOffset, const UnwindIndexEntry& entry,
                      const UnwindIndexEntry& next) {
-    for (std::uint64_t at = entry.lsdaOffset; at < next.lsdaOffset; at += sizeof(UnwindLsdaEntry)) {
-      const auto each = cursor_.readAt<UnwindLsdaEntry>(at);
-      if (each.functionOffset == functionOffset) return image_.lowest() + each.lsdaOffset;
+    // They are in the order of the functions.
+    const auto at = [&](std::uint64_t i) {
+      return cursor_.readAt<UnwindLsdaEntry>(entry.lsdaOffset + i * sizeof(UnwindLsdaEntry));
+    };
+    const std::uint64_t count =
+        (std::max(next.lsdaOffset, entry.lsdaOffset) - entry.lsdaOffset) / sizeof(UnwindLsdaEntry);
+    std::uint64_t first = 0, last = count;
+    while (first < last) {
+      const std::uint64_t middle = (first + last) / 2;
+      if (at(middle).functionOffset < functionOffset) {
+        first = middle + 1;
+      } else {
+        last = middle;
+      }
     }
+    if (first < count && at(first).functionOffset == functionOffset)
+      return image_.lowest() + at(first).lsdaOffset;
     throw BadImage("the unwind table names no exception table for the function at offset " +
                    std::to_string(functionOffset));
   }
@@ -357,6 +387,8 @@ class Table {
   std::uint64_t slide_;
   Cursor cursor_;
   UnwindHeader header_ = {};
+  std::uint64_t entries_ = 0;                               // read so far
+  std::array<std::optional<Descriptions::Kind>, 4> kinds_;  // by the number of their personality routine
   Descriptions& found_;
 };
 
@@ -378,9 +410,12 @@ class OwnDescriptions {
       const std::size_t field = cursor.position(), end = field + length;
       if (length >= 0xFFFFFFF0 || end > bytes_.size()) throw BadImage(std::string(what) + " ends too early");
       Cursor record(bytes_.first(end), what);
-      if (const auto back = record.readAt<std::uint32_t>(field); back != 0) {
-        if (back > field) throw BadImage(std::string(what) + " refers to what lies before it");
-        describe(record, end, field - back);
+      if (const auto back = record.readAt<std::uint32_t>(field); back == 0) {
+        kinds_.emplace(at, kindOf(record, end));
+      } else {
+        const auto kind = kinds_.find(field - back);
+        if (kind == kinds_.end()) throw BadImage(std::string(what) + " refers to a record that it has not");
+        describe(record, end, kind->second);
       }
       at = end;
     }
@@ -389,62 +424,59 @@ class OwnDescriptions {
  private:
   static constexpr const char* what = "__eh_frame";
   struct Kind {
-    Common common;
+    Descriptions::Kind common;
     bool augmented = false;
     std::uint8_t functionPointers = pointer::absolute, lsdaPointers = pointer::omitted;
   };
 
-  std::uint64_t read(Cursor& cursor, std::uint8_t form) {
-    const std::uint64_t here = base_ + cursor.position();
-    std::uint64_t value = (form & pointer::formatMask) == pointer::signed4
-                              ? static_cast<std::uint64_t>(std::int64_t{cursor.read<std::int32_t>()})
-                              : cursor.read<std::uint64_t>();
-    if (form & ~(pointer::signed4 | pointer::relative | pointer::indirect) ||
-        ((form & pointer::formatMask) != pointer::signed4 && (form & pointer::formatMask) != 0))
+  std::uint64_t read(Cursor& cursor, unsigned form) {
+    const unsigned format = form & ~unsigned{pointer::relative};
+    if (format != pointer::absolute && format != pointer::signed4)
       throw BadImage(std::string(what) + " has a pointer of form " + std::to_string(form) +
                      ", which is not understood");
+    const std::uint64_t here = base_ + cursor.position();
+    const std::uint64_t value = format == pointer::signed4
+                                    ? static_cast<std::uint64_t>(std::int64_t{cursor.read<std::int32_t>()})
+                                    : cursor.read<std::uint64_t>();
     if (value == 0) return 0;
     return form & pointer::relative ? value + here : value;
   }
 
-  Kind kindAt(std::size_t position) {
-    Cursor cursor(bytes_, what);
-    const auto length = cursor.readAt<std::uint32_t>(position);
-    const std::size_t end = cursor.position() + length;
-    if (end > bytes_.size()) throw BadImage(std::string(what) + " ends too early");
-    if (cursor.read<std::uint32_t>() != 0 || cursor.read<std::uint8_t>() != 1)
-      throw BadImage(std::string(what) + " has a record of a kind that is not understood");
-    const std::string augmentation = cursor.text();
+  // The cursor stands behind the mark of a kind's record.
+  Kind kindOf(Cursor& record, std::size_t end) {
+    if (record.read<std::uint8_t>() != 1)
+      throw BadImage(std::string(what) + " has a record of a version that is not understood");
+    const std::string augmentation = record.text();
     Kind kind;
-    kind.common.codeUnit = cursor.uleb();
-    kind.common.dataUnit = cursor.sleb();
-    kind.common.returnAddress = cursor.read<std::uint8_t>();
+    Common common;
+    common.codeUnit = record.uleb();
+    common.dataUnit = record.sleb();
+    common.returnAddress = record.read<std::uint8_t>();
     for (const char each : augmentation) {
       if (each == 'z') {
-        cursor.uleb();
+        record.uleb();
         kind.augmented = true;
       } else if (each == 'P') {
-        const auto form = cursor.read<std::uint8_t>();
-        const std::uint64_t place = read(cursor, form);
-        kind.common.personality =
-            form & pointer::indirect ? pointerAt(image_, slide_, place) : place + slide_;
+        const auto form = record.read<std::uint8_t>();
+        const std::uint64_t place = read(record, form & ~pointer::indirect);
+        if (place == 0) continue;
+        common.personality = form & pointer::indirect ? pointerAt(image_, slide_, place) : place + slide_;
       } else if (each == 'L') {
-        kind.lsdaPointers = cursor.read<std::uint8_t>();
+        kind.lsdaPointers = record.read<std::uint8_t>();
       } else if (each == 'R') {
-        kind.functionPointers = cursor.read<std::uint8_t>();
+        kind.functionPointers = record.read<std::uint8_t>();
       } else {
         throw BadImage(std::string(what) + " has the augmentation " + augmentation +
                        ", which is not understood");
       }
     }
-    if (cursor.position() > end) throw BadImage(std::string(what) + " ends too early");
-    const auto rest = bytes_.subspan(cursor.position(), end - cursor.position());
-    kind.common.instructions.assign(rest.begin(), rest.end());
+    const auto instructions = bytes_.subspan(record.position(), end - record.position());
+    common.instructions.assign(instructions.begin(), instructions.end());
+    kind.common = found_.addKind(common);
     return kind;
   }
 
-  void describe(Cursor& record, std::size_t end, std::size_t kindPosition) {
-    const Kind kind = kindAt(kindPosition);
+  void describe(Cursor& record, std::size_t end, const Kind& kind) {
     const std::uint64_t start = read(record, kind.functionPointers);
     const std::uint64_t size = read(record, kind.functionPointers & pointer::formatMask);
     std::uint64_t lsda = 0;
@@ -463,13 +495,14 @@ class OwnDescriptions {
   std::uint64_t base_;
   std::span<const std::byte> bytes_;
   std::uint64_t slide_;
+  std::map<std::size_t, Kind> kinds_;  // by their records' positions
   Descriptions& found_;
 };
 
 }  // namespace
 
 std::vector<std::byte> frameDescriptions(const Image& image, std::uint64_t slide) {
-  Descriptions found(slide);
+  Descriptions found(image, slide);
   if (const Section* table = image.section("__TEXT", "__unwind_info"))
     Table(image, *table, slide, found).translate();
   if (const Section* own = image.section("__TEXT", "__eh_frame"))

@@ -4,6 +4,7 @@
 #include <deque>
 
 #include "language/intrinsics.h"
+#include "runtime/registry.h"
 #include "typed.h"
 
 namespace host {

@@ -1,6 +1,7 @@
 // Statements that are neither assignments nor loops.
 #include "language/statements.h"
 
+#include "runtime/registry.h"
 #include "typed.h"
 
 namespace host {

@@ -3,13 +3,16 @@
 
 #include <utility>
 
+#include "runtime/host_classes.h"
+#include "runtime/registry.h"
+
 namespace host {
 
 namespace {
 
 // The host's own classes are there before any test.
 class StartedRuntime : public testing::Environment {
-  void SetUp() override { registry(); }
+  void SetUp() override { startRuntime(); }
 };
 [[maybe_unused]] const testing::Environment* const started =
     testing::AddGlobalTestEnvironment(new StartedRuntime);
