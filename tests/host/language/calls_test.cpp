@@ -4,6 +4,7 @@
 #include <deque>
 
 #include "language/intrinsics.h"
+#include "runtime/host_record.h"
 #include "runtime/registry.h"
 #include "typed.h"
 
@@ -25,6 +26,7 @@ std::int64_t giveNumber() {
   return 1;
 }
 void takeInteger(std::int64_t) { called = "integer"; }
+void takeIntegers(std::int64_t, std::int64_t) { called = "integers"; }
 void takeReal(double) { called = "real"; }
 void takeText(REALstring) { called = "text"; }
 void change(std::int32_t* value) { *value = -*value; }
@@ -65,14 +67,18 @@ TEST(CallMethod, PrefersNoResultWhereNoneIsUsed) {
 
 TEST(CallMethod, SaysHowManyArgumentsAreExpected) {
   const std::vector<const Method*> one = {
-      &functionOf(hostMethod("H(a as Int64, b as Int64 = 2)", &takeInteger))};
+      &functionOf(hostMethod("H(a as Int64, b as Int64 = 2)", &takeIntegers))};
   EXPECT_EQ(failureOf([&] { callOne(one, {}); }),
             "wrong number of arguments for F: found 0, expected H(a as Int64, b as Int64 = 2)");
 }
 
 TEST(CallMethod, WritesBackWhatGoesByReference) {
   TestFrame frame;
-  const std::vector<const Method*> one = {&functionOf(hostMethod("C(byref a as Int32)", &change))};
+  REALmethodDefinition record =
+      {};  // as a library registers it: the host's own functions take nothing by reference
+  record.function = reinterpret_cast<REALproc>(&change);
+  record.declaration = "C(byref a as Int32)";
+  const std::vector<const Method*> one = {&functionOf(record)};
   std::unique_ptr<Place> variable = frame.variable({Kind::Int32});
   variable->put(frame, Slot{.integer = 70000});
   callMethod(one, {"C", {}}, nullptr, list(variable->again()))->integer(frame);

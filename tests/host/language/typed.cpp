@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "runtime/host_classes.h"
+#include "runtime/host_record.h"
 #include "runtime/registry.h"
 
 namespace host {
