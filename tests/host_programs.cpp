@@ -1,3 +1,4 @@
+// Finds the host programs there are: files, examples and the blocks of the documentation.
 #include "host_programs.h"
 
 #include <algorithm>

@@ -1,3 +1,4 @@
+// Starts qtxhost as a user does.
 #include "run_qtxhost.h"
 
 #include <fcntl.h>

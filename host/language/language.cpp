@@ -1,6 +1,8 @@
 // A program from its text to its run.
 #include "language/language.h"
 
+#include <vector>
+
 #include "language/compiler.h"
 
 namespace host {
@@ -18,5 +20,19 @@ Program::Program(const std::string& file, std::string_view text) : parts_(std::m
 Program::~Program() = default;
 
 void Program::run() const { runMain(parts_->main); }
+
+struct Session::Parts {
+  ModuleNames names;
+  std::vector<Main> pieces;  // Subs and handlers refer to what they were compiled with
+};
+
+Session::Session(const std::string& file) : parts_(std::make_unique<Parts>()) { parts_->names.file = file; }
+
+Session::~Session() = default;
+
+void Session::run(std::string_view piece) {
+  parts_->pieces.push_back(compile(parts_->names, piece, true));
+  runMain(parts_->pieces.back());
+}
 
 }  // namespace host

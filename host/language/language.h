@@ -26,6 +26,21 @@ class Program {
   std::unique_ptr<Parts> parts_;
 };
 
+// A program that is entered piece by piece: each knows what the earlier ones declared, and prints an
+// expression that nothing is done with.
+class Session {
+ public:
+  explicit Session(const std::string& file);
+  ~Session();
+  // Throws ProgramError before anything of the piece runs (its atEnd: more text may complete it),
+  // HostException.
+  void run(std::string_view piece);
+
+ private:
+  struct Parts;
+  std::unique_ptr<Parts> parts_;
+};
+
 // The interactive mode: reads standard input to its end, with line editing and a history on a terminal.
 void repl();
 

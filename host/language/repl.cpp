@@ -1,5 +1,4 @@
 // The interactive mode.
-
 #include <histedit.h>
 #include <unistd.h>
 
@@ -8,7 +7,6 @@
 #include <optional>
 #include <string>
 
-#include "language/compiler.h"
 #include "language/language.h"
 #include "runtime/report.h"
 #include "runtime/thread.h"
@@ -69,9 +67,8 @@ constexpr const char* help =
 }  // namespace
 
 void repl() {
-  ModuleNames module;
-  module.file = "input";
-  std::vector<Main> pieces;  // Subs and handlers refer to what they were compiled with
+  const std::string file = "input";
+  Session session(file);
   Lines lines;
   if (lines.isTerminal()) std::puts("Type :help for help.");
   setUncaughtHandler([](const HostException& exception) { std::fputs(describe(exception).c_str(), stderr); });
@@ -84,18 +81,18 @@ void repl() {
     }
     pending += *line;
     try {
-      pieces.push_back(compile(module, pending, true));
+      session.run(pending);
       pending.clear();
-      runMain(pieces.back());
     } catch (const ProgramError& error) {
       if (error.atEnd) continue;  // the next line may complete it
       std::fflush(stdout);
-      std::fprintf(stderr, "%s:%d:%d: error: %s\n", module.file.c_str(), error.position.line,
-                   error.position.column, error.what());
+      std::fprintf(stderr, "%s:%d:%d: error: %s\n", file.c_str(), error.position.line, error.position.column,
+                   error.what());
       pending.clear();
     } catch (const HostException& exception) {
       std::fflush(stdout);
       std::fputs(describe(exception).c_str(), stderr);
+      pending.clear();
     }
     std::fflush(stdout);
   }
