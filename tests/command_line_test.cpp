@@ -79,6 +79,38 @@ TEST(CommandLine, ShowsHelpForEverything) {
   EXPECT_EQ(qtxhost({"--version"}).output, "qtxhost " QTX_VERSION "\n");
 }
 
+// Whatever is long is refused in one line, or runs.
+TEST(CommandLine, BoundsHowDeepExpressionsAre) {
+  const auto times = [](int count, const std::string& part) {
+    std::string all;
+    for (int i = 0; i < count; ++i) all += part;
+    return all;
+  };
+  const std::string refused[] = {
+      "Print 1" + times(20000, "+1"),
+      "Print \"a\"" + times(20000, ".Trim"),
+      "Print 2" + times(20000, "^1"),
+      "Print " + times(20000, "-") + "1",
+      "Print " + times(20000, "Not ") + "True",
+      "Print 1" + times(20000, "+(1"),
+      "Print 1" + times(300, "*(1" + times(4, "+1")) + times(300, ")"),
+      "Const c = 1" + times(20000, "+1"),
+  };
+  for (const std::string& program : refused) {
+    const Outcome outcome = qtxhost({"run", "-"}, program + "\n");
+    EXPECT_EQ(outcome.status, 1) << program.substr(0, 30);
+    EXPECT_EQ(outcome.errors.find("standard input:1:"), 0u) << outcome.errors.substr(0, 200);
+    EXPECT_EQ(outcome.errors.find('\n'), outcome.errors.size() - 1);
+  }
+  EXPECT_EQ(qtxhost({"run", "-"}, "Print 1" + times(1000, "+1") + "\n").output, "1001\n");
+  // So long an expression where the stack is nearly used up.
+  const Outcome deep = qtxhost(
+      {"run", "-"},
+      "Function F(n As Integer) As Integer\n  Return F(n + 1)" + times(990, "+1") +
+          "\nEnd Function\nTry\n  Print F(0)\nCatch e As StackOverflowException\n  Print 7\nEnd Try\n");
+  EXPECT_EQ(deep.output, "7\n") << deep.status << deep.errors;
+}
+
 // One line that names the thing, nothing on standard output, and status 2.
 TEST(CommandLine, RefusesWhatItCannotDo) {
   const fs::path text = fs::temp_directory_path() / ("qtx-no-library-" + std::to_string(getpid()));

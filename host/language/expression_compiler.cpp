@@ -53,6 +53,26 @@ std::vector<const Method*> functionsOf(const Module& module, const std::string& 
   return functions;
 }
 
+// Bounds how deep the expressions that run may lie inside each other, in which a sum of n parts is n deep, so
+// that none exhausts the stack.
+class Depth {
+ public:
+  Depth(std::size_t& depth, std::size_t more, Position position) : depth_(depth), more_(more) {
+    constexpr std::size_t greatest = 1000;
+    if (more > greatest || depth > greatest - more) {
+      fail(position, "the expression is too long: more than 1000 operators and members belong together");
+    }
+    depth_ += more_;
+  }
+  ~Depth() { depth_ -= more_; }
+  Depth(const Depth&) = delete;
+  Depth& operator=(const Depth&) = delete;
+
+ private:
+  std::size_t& depth_;
+  std::size_t more_;
+};
+
 }  // namespace
 
 Expr ExpressionCompiler::compile(const syntax::Expression& expression) {
@@ -186,6 +206,7 @@ Expr ExpressionCompiler::compileNode(const syntax::Not& inverted) {
 }
 
 Expr ExpressionCompiler::compileNode(const syntax::Sequence& sequence) {
+  const Depth depth(depth_, sequence.rest.size(), sequence.first->position);
   Expr left = compile(*sequence.first);
   for (const auto& [position, what, operand] : sequence.rest) {
     if (const auto* op = std::get_if<Operator>(&what)) {
@@ -208,6 +229,7 @@ Expr ExpressionCompiler::compileNode(const syntax::Sequence& sequence) {
 Expr ExpressionCompiler::chain(const syntax::Chain& chain, bool asStatement) {
   Links links(chain.links, asStatement);
   const Position start = chain.first->position;
+  const Depth depth(depth_, chain.links.size(), start);
   const auto* name = std::get_if<Name>(&chain.first->node);
   Expr value = name ? this->name(*name, links) : compile(*chain.first);
   while (!links.atEnd()) {

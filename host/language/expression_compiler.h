@@ -47,6 +47,7 @@ class ExpressionCompiler {
   std::optional<Position> notConstant(const syntax::Expression& expression) const;
 
   Names& names_;
+  std::size_t depth_ = 0;  // how many operators and members the current part is inside of
 };
 
 }  // namespace host

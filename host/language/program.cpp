@@ -32,7 +32,7 @@ class LocalsScope {
   const std::vector<Type>& types_;
 };
 
-constexpr std::size_t stackReserve = std::size_t{384} << 10;  // for what runs between two checks
+constexpr std::size_t stackReserve = std::size_t{1} << 20;  // for what runs between two checks: an expression
 
 // The lowest address that this thread's frames may reach.
 const char* stackLimit() {
