@@ -12,8 +12,9 @@ constexpr std::size_t elementCount(RBInteger upperBound) {
 }
 
 // Stores element `index` of the array in *out. A nil array leaves *out as it is; an index outside 0 … upper
-// bound raises "OutOfBoundsException" and does too.
-void REALGetArrayValue(REALarrayDouble array, long long index, double* out);
+// bound raises "OutOfBoundsException" and does too, and is the one case in which the result is false. A
+// caller that reads on after one exception wants no second: `raises` is false then.
+bool REALGetArrayValue(REALarrayDouble array, long long index, double* out, bool raises = true);
 
 // The array's elements, eight bytes each; null where memory may not be read directly or the array has none.
 // Runs the self-test if it has not run.

@@ -99,9 +99,11 @@ void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
     points->storage.reset(new double[n]());
     points->first = points->storage.get();
   }
+  // An array that shrinks meanwhile ends in zeros, and in one exception.
+  bool within = true;
   for (std::size_t i = 0; i < n; ++i) {
-    REALGetArrayValue(X, static_cast<long long>(i), &data.x->storage[i]);
-    REALGetArrayValue(Y, static_cast<long long>(i), &data.y->storage[i]);
+    within &= REALGetArrayValue(X, static_cast<long long>(i), &data.x->storage[i], within);
+    within &= REALGetArrayValue(Y, static_cast<long long>(i), &data.y->storage[i], within);
   }
   data.x->size = data.y->size = n;
   if (n < 3) return;

@@ -177,6 +177,40 @@ TEST(ArrayValue, ComesFromTheHostWhereThereIsNoStorage) {
   EXPECT_EQ(getterCalls, 1);
 }
 
+TEST(ArrayValue, OutsideTheBoundsRaisesOnlyWhereThatIsWanted) {
+  FakeHost host;
+  offerArrays(host);
+  Doubles array({1, 2, 3});
+  double value = 7;
+  EXPECT_FALSE(REALGetArrayValue(array.handle<REALarrayDouble>(), 3, &value, false));
+  EXPECT_TRUE(host.raised.empty());
+  EXPECT_TRUE(REALGetArrayValue(array.handle<REALarrayDouble>(), 1, &value, false));
+  EXPECT_EQ(value, 2);
+}
+
+// The self-test makes an array, and what the host does then may read one itself.
+TEST(ArrayValue, ComesFromTheHostWithinTheSelfTest) {
+  FakeHost host;
+  offerArrays(host);
+  static REALarrayDouble other;
+  static double inside;
+  static auto* const create = reinterpret_cast<REALarray (*)(std::int32_t, RBInteger)>(
+      FakeHost::resolve("RuntimeArrayCreateSingleDimBoundedArray"));
+  Doubles array({1, 2, 3});
+  other = array.handle<REALarrayDouble>();
+  host.offer(
+      "RuntimeArrayCreateSingleDimBoundedArray", +[](std::int32_t type, RBInteger upperBound) {
+        REALGetArrayValue(other, 1, &inside);
+        return create(type, upperBound);
+      });
+  double value = 0;
+  REALGetArrayValue(other, 2, &value);
+  EXPECT_EQ(inside, 2);
+  EXPECT_EQ(getterCalls, 1);
+  EXPECT_EQ(value, 3);
+  EXPECT_EQ(getterCalls, 1) << "passed, so that its memory is read";
+}
+
 TEST(ArrayValue, IsNotWrittenWhereTheHostHasNoGetter) {
   FakeHost host;
   offerArrays(host);

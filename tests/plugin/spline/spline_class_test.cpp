@@ -308,6 +308,26 @@ TEST(SplineClass, TakesZerosWhereArraysCannotBeRead) {
   EXPECT_TRUE(std::isnan(spline.calc(1)));
 }
 
+// Other code of the program may shorten an array while it is read: what is missing is zero, and the program
+// learns of it once.
+TEST(SplineClass, RaisesOnceForArraysThatShrink) {
+  Fixture fixture;
+  static int calls;
+  calls = 0;
+  fixture.host.offer(
+      "RuntimeUBound", +[](REALarray) -> RBInteger { return ++calls <= 2 ? 4 : 1; });
+  Spline spline(fixture, {1, 2, 3, 4, 5}, {4, 5, 6, 7, 8});
+  spline.expectRaised("OutOfBoundsException",
+                      "The parameter index  is too big. Range is 0 to 1, but value is 2.");
+  EXPECT_EQ(spline.count(), 5);
+  EXPECT_EQ(spline.at('x', 1), 2);
+  EXPECT_EQ(spline.at('y', 1), 5);
+  for (const RBInteger index : {2, 3, 4}) {
+    EXPECT_EQ(spline.at('x', index), 0);
+    EXPECT_EQ(spline.at('y', index), 0);
+  }
+}
+
 // No memory holds as many points as the greatest bounds there are stand for. Below −1 there are none.
 TEST(SplineClass, TakesEveryUpperBound) {
   Fixture fixture;
