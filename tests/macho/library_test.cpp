@@ -188,8 +188,8 @@ TEST_P(Fixture, HasItsPointersFilledIn) {
   EXPECT_EQ(find<int()>("fixtureErrorNumber")(), 34);
   // Behind the system's own data, by the addend.
   const auto* classes = static_cast<const std::uint32_t*>(find<const void*()>("fixturePastRuneLocale")());
-  EXPECT_EQ(classes['a'] & 0x100u, 0x100u);
-  EXPECT_EQ(classes['1'] & 0x400u, 0x400u);
+  EXPECT_EQ(classes[std::size_t{'a'}] & 0x100u, 0x100u);
+  EXPECT_EQ(classes[std::size_t{'1'}] & 0x400u, 0x400u);
 }
 
 TEST_P(Fixture, GivesEachThreadItsOwnVariables) {
