@@ -178,35 +178,35 @@ std::int64_t codeOf(Type type) {
     case Kind::UInt8:
     case Kind::UInt16:
     case Kind::UInt32:
-      return varType::int32;
+      return variantType::int32;
     case Kind::Int64:
     case Kind::UInt64:
-      return varType::int64;
+      return variantType::int64;
     case Kind::Single:
-      return varType::single;
+      return variantType::single;
     case Kind::Double:
-      return varType::floating;
+      return variantType::floating;
     case Kind::Currency:
-      return varType::currency;
+      return variantType::currency;
     case Kind::Boolean:
-      return varType::boolean;
+      return variantType::boolean;
     case Kind::Pointer:
-      return varType::pointer;
+      return variantType::pointer;
     case Kind::String:
-      return varType::string;
+      return variantType::string;
     case Kind::Object:
-      if (type.objectClass == hostClasses().date) return varType::date;
-      if (type.objectClass == hostClasses().dateTime) return varType::dateTime;
-      return varType::object;
+      if (type.objectClass == hostClasses().date) return variantType::date;
+      if (type.objectClass == hostClasses().dateTime) return variantType::dateTime;
+      return variantType::object;
     default:
-      return type.kind == Kind::Variant ? varType::object : varType::nil;
+      return type.kind == Kind::Variant ? variantType::object : variantType::nil;
   }
 }
 }  // namespace
 
 std::int64_t varTypeOf(const Heap* variant) {
   const Type type = typeIn(variant);
-  return type.array ? varType::arrayFlag | codeOf(type.element()) : codeOf(type);
+  return type.array ? variantType::arrayFlag | codeOf(type.element()) : codeOf(type);
 }
 
 std::int64_t toInt64(const Heap* variant) { return fromVariant(variant, {Kind::Int64}).integer; }

@@ -11,13 +11,6 @@
 
 namespace host {
 
-// VarType codes, as the language's VarType function gives them.
-namespace varType {
-inline constexpr std::int64_t nil = 0, int32 = 2, int64 = 3, single = 4, floating = 5, currency = 6, date = 7,
-                              string = 8, object = 9, boolean = 11, pointer = 26, dateTime = 38,
-                              arrayFlag = 4096;
-}
-
 // Registers the hidden classes of the boxes.
 void registerBoxes(Registry& registry);
 
