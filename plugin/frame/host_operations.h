@@ -25,11 +25,9 @@ class HostOperation<Result(Arguments...)> {
 
   // The entry point, or null.
   Function resolve() {
-    void* entry = entry_.load(std::memory_order_relaxed);
-    if (entry == nullptr) [[unlikely]] {
-      entry = find_(name_);
-      entry_.store(entry, std::memory_order_relaxed);
-    }
+    void* const entry = entry_.load(std::memory_order_relaxed);
+    if (entry == nullptr) [[unlikely]]
+      return lookUpNow();
     return reinterpret_cast<Function>(entry);
   }
 
@@ -39,6 +37,13 @@ class HostOperation<Result(Arguments...)> {
   }
 
  private:
+  // Out of line: calls are many, and look-ups few.
+  __attribute__((noinline)) Function lookUpNow() {
+    void* const entry = find_(name_);
+    entry_.store(entry, std::memory_order_relaxed);
+    return reinterpret_cast<Function>(entry);
+  }
+
   const char* name_;
   LookUp find_;
   std::atomic<void*> entry_{nullptr};

@@ -50,7 +50,7 @@ void setValueOf(REALobject instance, Value value) {
 
 // An object of its own, with one reference for the caller; nil where the host cannot make one.
 template <typename Value>
-REALobject makeInstance(Value value) {
+__attribute__((noinline)) REALobject makeInstance(Value value) noexcept {
   const REALobject instance = REALnewInstance(ClassOf<Value>::name);
   if (instance) setValueOf(instance, value);
   return instance;

@@ -165,7 +165,7 @@ struct Shapes {
   }
   static void Constructor(REALobject) noexcept {}
   // A little-endian integer in memory, extended from its size. Only the signed class asks how the top bit is
-  // meant. Runs on new objects, which nobody shares yet.
+  // meant. Runs on new objects, which nobody shares yet, and so looks for none to detach.
   static void ConstructorData(REALobject self, const void* data, RBInteger size,
                               std::uint8_t isUnsigned) noexcept {
     if (size != 1 && size != 2 && size != 4 && size != 8 && size != 16) {
@@ -183,6 +183,7 @@ struct Shapes {
         return;
       }
     }
+    constants<Value>.overwrite(self);
     setValueOf(self, value);
   }
 

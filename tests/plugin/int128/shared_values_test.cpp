@@ -355,6 +355,35 @@ TYPED_TEST(SharedSmallValues, AreNotDetachedByTheOtherConstructors) {
   numbers.host.unlock(seven);
 }
 
+// A constructor that is run again, on an object that has come to be shared, changes it for everyone. It is
+// found among the shared ones by what it is, not by what it holds.
+TYPED_TEST(SharedSmallValues, AreDetachedWhateverTheyHold) {
+  NumberHost& numbers = this->numbers_;
+  const auto reread = [&](REALobject self, unsigned char byte) {
+    numbers.template call<TypeParam, void>(
+        "Constructor(Data as Ptr, Size as Integer, isUnsigned as boolean = false)", self,
+        static_cast<const void*>(&byte), RBInteger{1}, std::uint8_t{0});
+  };
+  const REALobject mine = numbers.make(TypeParam(7));
+  reread(mine, 8);  // not a shared one
+  EXPECT_EQ(numbers.template value<TypeParam>(mine), TypeParam(8));
+  for (const unsigned char byte : {std::uint8_t{99}, std::uint8_t{3}}) {
+    const REALobject seven = numbers.template sharedFor<TypeParam>(7);
+    const REALobject three = numbers.template sharedFor<TypeParam>(3);
+    reread(seven, byte);
+    const REALobject again = numbers.template sharedFor<TypeParam>(7);
+    EXPECT_EQ(again, seven);
+    EXPECT_EQ(numbers.template value<TypeParam>(seven), TypeParam(byte));
+    EXPECT_EQ(numbers.references(seven), 3);
+    numbers.template call<TypeParam, void>("Inc", seven);
+    EXPECT_EQ(numbers.references(seven), 2) << "the table's reference is dropped";
+    EXPECT_EQ(numbers.references(three), 2) << "another's is not";
+    for (const REALobject object : {seven, again, three}) numbers.host.unlock(object);
+    EXPECT_FALSE(numbers.host.isAlive(seven));
+  }
+  numbers.host.unlock(mine);
+}
+
 TYPED_TEST(SharedSmallValues, AreMadeOnceTheHostCan) {
   NumberHost& numbers = this->numbers_;
   FakeHost& host = numbers.host;
@@ -399,8 +428,22 @@ struct CountedObject {
 std::atomic<int> alive{0};
 CountedObject* counted(REALobject handle) { return reinterpret_cast<CountedObject*>(handle); }
 std::function<void()> beforeNextLock;  // run between finding an object and adding the reference
+// Threads stay there until told to go on, but for one that is let through.
+std::atomic<bool> holdLocks{false};
+std::atomic<int> heldInLock{0};
+thread_local bool isLetThrough = false;
+REALobject makeWhileHeld(const std::function<REALobject()>& make) {
+  isLetThrough = true;
+  const REALobject made = make();
+  isLetThrough = false;
+  return made;
+}
 void lock(REALobject handle) {
   if (beforeNextLock) std::exchange(beforeNextLock, nullptr)();
+  if (holdLocks && !isLetThrough) {
+    ++heldInLock;
+    while (holdLocks) std::this_thread::yield();
+  }
   counted(handle)->references.fetch_add(1, std::memory_order_relaxed);
 }
 void unlock(REALobject handle) {
@@ -484,14 +527,19 @@ TEST(SharedSmallValuesAmongThreads, AreAllGivenBackByTheLastWhoTakesOne) {
   const REALobject first = members.one();
   beforeNextLock = [&] {
     members.step(first);
-    for (int i = 0; i < 3; ++i) {  // each is made, shared and detached meanwhile
+    for (int i = 0; i < 3; ++i) {  // each is made, shared and detached meanwhile, and nobody else takes it
       const REALobject next = members.one();
       EXPECT_NE(next, first);
       EXPECT_EQ(counted(next)->references, 2);
+      const REALobject again = members.one();
+      EXPECT_EQ(again, next);
+      unlock(again);
       members.step(next);
+      EXPECT_EQ(counted(next)->references, 1) << "given back at once";
       unlock(next);
     }
-    EXPECT_EQ(alive, 4);
+    EXPECT_EQ(alive, 1);
+    EXPECT_EQ(counted(first)->references, 2) << "the caller's, and what was the table's";
   };
   const REALobject taken = members.one();
   EXPECT_EQ(taken, first);
@@ -499,6 +547,39 @@ TEST(SharedSmallValuesAmongThreads, AreAllGivenBackByTheLastWhoTakesOne) {
   EXPECT_EQ(counted(first)->references, 2) << "the caller's two";
   unlock(first);
   unlock(taken);
+  EXPECT_EQ(alive, 0);
+}
+
+// More threads than have a place of their own to announce what they take, and takers within takers.
+TEST(SharedSmallValuesAmongThreads, AreKeptForAllWhoTakeThemAtOnce) {
+  const Members members;
+  constexpr int takers = 100;
+  const REALobject shared = members.one();
+  std::vector<std::thread> threads;
+  heldInLock = 0;
+  holdLocks = true;
+  for (int i = 0; i < takers; ++i) {
+    threads.emplace_back([&] {
+      EXPECT_EQ(members.one(), shared);
+      unlock(shared);
+    });
+  }
+  while (heldInLock < takers) std::this_thread::yield();
+  members.step(shared);
+  EXPECT_EQ(counted(shared)->references, 2) << "nothing is given back while anyone has still to add one";
+  const REALobject next = makeWhileHeld([&] { return members.one(); });
+  EXPECT_NE(next, shared);
+  unlock(shared);
+  EXPECT_EQ(counted(shared)->references, 1) << "what was the table's";
+  holdLocks = false;
+  for (auto& thread : threads) thread.join();
+  const REALobject again = members.one();
+  EXPECT_EQ(again, next);
+  EXPECT_EQ(alive, 1) << "all references to the first are given back";
+  EXPECT_EQ(counted(next)->references, 3);
+  members.step(next);
+  unlock(next);
+  unlock(again);
   EXPECT_EQ(alive, 0);
 }
 
