@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <cstdint>
 
 #if defined(__x86_64__)
@@ -50,7 +51,7 @@ constexpr float fromHalf(std::uint16_t half) noexcept {
 namespace tuned {
 #if defined(__x86_64__)
 __attribute__((target("f16c"))) inline std::uint16_t toHalf(float x) noexcept {
-  if ((std::bit_cast<std::uint32_t>(x) & 0x7FFFFFFF) > 0x477FE000) [[unlikely]]
+  if (!(std::fabs(x) <= 65504.0f)) [[unlikely]]
     return qtx::toHalf(x);
   return static_cast<std::uint16_t>(_cvtss_sh(x, _MM_FROUND_TO_ZERO));
 }
