@@ -46,8 +46,8 @@ constexpr float fromHalf(std::uint16_t half) noexcept {
 
 // Forms for processors that have instructions for it (math/processor.h). The instructions give the same but
 // for rare numbers, which fall to the forms above: what is truncated never becomes infinite, and a NaN
-// becomes a quiet one or loses its payload. Functions this short take no
-// longer than a call if their code lies in one line of the cache.
+// becomes a quiet one or loses its payload. Functions this short take no longer than an empty one while their
+// code lies in one line of the cache.
 namespace tuned {
 #if defined(__x86_64__)
 __attribute__((target("f16c"), aligned(64))) inline std::uint16_t toHalf(float x) noexcept {
