@@ -2,6 +2,7 @@
 // documentation, and every function that could throw gets its guard here.
 #pragma once
 
+#include <concepts>
 #include <cstddef>
 #include <span>
 
@@ -56,6 +57,13 @@ REALmethodDefinition methodRecord(REALproc entry, DeclarationOf<function> declar
 template <auto function>
 REALmethodDefinition method(DeclarationOf<function> declaration) {
   return methodRecord<function>(entryOf<function>(), declaration);
+}
+
+// One of two functions of the same type that do the same: the first where the processor can run it.
+template <auto tuned, auto portable>
+requires std::same_as<decltype(tuned), decltype(portable)> REALmethodDefinition
+method(bool canRun, DeclarationOf<portable> declaration) {
+  return methodRecord<portable>(canRun ? entryOf<tuned>() : entryOf<portable>(), declaration);
 }
 
 namespace detail {

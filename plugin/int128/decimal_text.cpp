@@ -49,22 +49,48 @@ void write19Digits(std::uint64_t value, char* out) {
   write8Digits(static_cast<std::uint32_t>(rest % tenTo8), out + 11);
 }
 
-// A value below 10^19 without leading zeros; gives where the text ends. Needs room for 19 characters.
-char* writeLeadingDigits(std::uint64_t value, char* out) {
-  // 1233 / 4096 is a little more than log10(2).
-  const std::size_t estimate = static_cast<std::size_t>(std::bit_width(value | 1)) * 1233 >> 12;
-  const std::size_t count = estimate + ((value | 1) >= powersOf10[estimate]);
-  // A fixed number of characters is copied: what lies behind the digits is overwritten later.
-  if (value < tenTo8) {
-    char padded[8 + 7] = {};
-    write8Digits(static_cast<std::uint32_t>(value), padded);
-    std::memcpy(out, padded + 8 - count, 8);
-  } else {
-    char padded[19 + 18] = {};
-    write19Digits(value, padded);
-    std::memcpy(out, padded + 19 - count, 19);
+// The digits of a value below 10^8 as the bytes of a word, leading zeros included, the first one lowest. The
+// value is divided into two halves of the word by 10^4, both into quarters by 100 and all four into bytes by
+// 10. Each time the quotients stay and the remainders, x − q · base, go above them: x << w less q times
+// (base << w) − 1. The factors are reciprocals, rounded up, that give the quotients exactly.
+std::uint64_t digitsOf(std::uint64_t value) {
+  const std::uint64_t by10000 = value * 109951163 >> 40;
+  const std::uint64_t halves = (value << 32) - by10000 * ((std::uint64_t{10000} << 32) - 1);
+  const std::uint64_t by100 = halves * 5243 >> 19 & 0x0000'007F'0000'007F;
+  const std::uint64_t quarters = (halves << 16) - by100 * ((100 << 16) - 1);
+  const std::uint64_t by10 = quarters * 103 >> 10 & 0x000F'000F'000F'000F;
+  return (quarters << 8) - by10 * ((10 << 8) - 1);
+}
+
+constexpr std::uint64_t zeroCharacters = 0x3030'3030'3030'3030;
+void store8(std::uint64_t bytes, char* out) { std::memcpy(out, &bytes, sizeof bytes); }
+
+// A value below 10^8 without leading zeros; gives where the text ends. It takes one store of eight
+// characters, whose rest is overwritten later: a copy of the text made right after it need not wait for
+// several.
+char* writeUpTo8Digits(std::uint64_t value, char* out) {
+  const std::uint64_t digits = digitsOf(value);
+  const int zeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;  // the last digit is always there
+  store8((digits + zeroCharacters) >> 8 * zeros, out);
+  return out + 8 - zeros;
+}
+// All eight digits.
+char* writeWhole8Digits(std::uint64_t value, char* out) {
+  store8(digitsOf(value) + zeroCharacters, out);
+  return out + 8;
+}
+
+// A value below 10^19 without leading zeros. Kept out of its callers, which are fast by being short.
+__attribute__((noinline)) char* writeUpTo19Digits(std::uint64_t value, char* out) {
+  if (value < tenTo8) return writeUpTo8Digits(value, out);
+  if (value < tenTo16) {
+    out = writeUpTo8Digits(value / tenTo8, out);
+    return writeWhole8Digits(value % tenTo8, out);
   }
-  return out + count;
+  const std::uint64_t rest = value % tenTo16;
+  out = writeUpTo8Digits(value / tenTo16, out);
+  out = writeWhole8Digits(rest / tenTo8, out);
+  return writeWhole8Digits(rest % tenTo8, out);
 }
 
 // Quotient and remainder of a value below 10^38 by 10^19: two multiplications with the divisor's reciprocal.
@@ -92,25 +118,31 @@ Halves divideBy10To19(NativeUInt128 value) {
   return {quotient, remainder};
 }
 
-char* writeDigits(UInt128 value, char* out) {
-  if (value.high == 0 && value.low < tenTo19) return writeLeadingDigits(value.low, out);
+std::string_view between(const char* begin, const char* end) {
+  return {begin, static_cast<std::size_t>(end - begin)};
+}
+
+__attribute__((noinline)) std::string_view longText(UInt128 value, const char* begin, char* out) {
+  if (value.high == 0 && value.low < tenTo19) return between(begin, writeUpTo19Digits(value.low, out));
   NativeUInt128 rest = value.bits();
   char first = '0';
   for (; rest >= tenTo38; rest -= tenTo38) ++first;  // up to '3'
   const auto [high, low] = divideBy10To19(rest);
   if (first == '0') {
-    out = writeLeadingDigits(high, out);
+    out = writeUpTo19Digits(high, out);
   } else {
     *out++ = first;
     write19Digits(high, out);
     out += 19;
   }
   write19Digits(low, out);
-  return out + 19;
+  return between(begin, out + 19);
 }
 
-std::string_view between(const char* begin, const char* end) {
-  return {begin, static_cast<std::size_t>(end - begin)};
+// The text from `begin` on, with the digits from `out` on.
+std::string_view textOf(UInt128 value, const char* begin, char* out) {
+  if (value.high == 0 && value.low < tenTo8) return between(begin, writeUpTo8Digits(value.low, out));
+  return longText(value, begin, out);
 }
 
 // What isspace holds for in the C locale, whatever the process's locale.
@@ -159,13 +191,12 @@ NativeUInt128 parseDigits(const char* at, const char* end) {
 }  // namespace
 
 std::string_view uint128_to_string(UInt128 value, DecimalBuffer& buffer) {
-  return between(buffer, writeDigits(value, buffer));
+  return textOf(value, buffer, buffer);
 }
 
 std::string_view int128_to_string(Int128 value, DecimalBuffer& buffer) {
-  char* out = buffer;
-  if (value.isNegative()) *out++ = '-';
-  return between(buffer, writeDigits(magnitude(value), out));
+  *buffer = '-';  // overwritten where it is not wanted
+  return textOf(magnitude(value), buffer, buffer + value.isNegative());
 }
 
 template <typename Value>

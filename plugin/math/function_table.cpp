@@ -13,6 +13,7 @@
 #include "math/luhn_functions.h"
 #include "math/normal_quantile_functions.h"
 #include "math/number_comparison_functions.h"
+#include "math/processor.h"
 #include "math/random_draws_functions.h"
 
 namespace qtx {
@@ -31,14 +32,18 @@ REALmethodDefinition library(DeclarationOf<function> declaration) {
   return methodRecord<function>(reinterpret_cast<REALproc>(function), declaration);
 }
 
+const Processor processor = thisProcessor();
+
 REALmethodDefinition functions[] = {
     method<&Random_NormalDistribution>(
         "RandomNormalDistributionQTX(Mean as Double, StdDev as Double) as double"),
     method<&Random_PoissonDistribution>("RandomPoissonDistributionQTX(Mean as Integer) as Integer"),
     method<&Random_ExponentialDistribution>("RandomExponentialDistributionQTX(lambda as Double) as double"),
     method<&NormInv>("NormInvQTX(p as Double, mu as double = 0.0, sigma as double = 1.0) as double"),
-    method<&toHalf>("ConvertToFloat16QTX(Number as Single) as UInt16"),
-    method<&fromHalf>("ConvertFromFloat16QTX(Number as UInt16) as Single"),
+    method<&tuned::toHalf, &toHalf>(processor.convertsHalfFloats,
+                                    "ConvertToFloat16QTX(Number as Single) as UInt16"),
+    method<&tuned::fromHalf, &fromHalf>(processor.convertsHalfFloats,
+                                        "ConvertFromFloat16QTX(Number as UInt16) as Single"),
     method<&IsValidCreditCardNumber>("IsValidCreditCardNumberQTX(Number as String) as boolean"),
     method<&addCurrency>("CurrencyAddQTX(value1 as Currency, value2 as Currency) as Currency"),
     method<&subtractCurrency>("CurrencySubQTX(value1 as Currency, value2 as Currency) as Currency"),
@@ -50,7 +55,7 @@ REALmethodDefinition functions[] = {
     method<&toInt64>("DoubleToInt64QTX(value as double) as Int64"),
     method<SignedToDouble{&toDouble}>("Int64ToDoubleQTX(value as Int64) as double"),
     method<&withoutBits>("BitClearQTX(value as UInt64, mask as UInt64) as UInt64"),
-    method<&bitCount>("BitCountQTX(value as UInt64) as Integer"),
+    method<&tuned::bitCount, &bitCount>(processor.countsBits, "BitCountQTX(value as UInt64) as Integer"),
     method<&highWord>("HiWordQTX(i as integer) as integer"),
     method<&lowWord>("LoWordQTX(i as integer) as integer"),
     method<&shiftBits>("ArithmeticShiftQTX(value as UInt64, count as Integer) as UInt64"),

@@ -68,6 +68,31 @@ concept Takes = requires {
 static_assert(Takes<CheckedDeclaration<void (*)(REALobject)>, "Clear">);
 static_assert(!Takes<CheckedDeclaration<void (*)(REALobject)>, "Clear as Boolean">);
 
+// Two forms of a function: of one type, so that the declaration fits both.
+struct Forms {
+  static double tuned(double x) noexcept { return x + x; }
+  static double portable(double x) noexcept { return 2 * x; }
+  static double throwing(double x) { return x; }
+  static float narrower(float x) noexcept { return x; }
+};
+template <auto tuned, auto portable>
+concept AreForms = requires(DeclarationOf<portable> declaration) {
+  method<tuned, portable>(true, declaration);
+};
+static_assert(AreForms<&Forms::tuned, &Forms::portable>);
+static_assert(!AreForms<&Forms::narrower, &Forms::portable>);
+static_assert(!AreForms<&Forms::throwing, &Forms::portable>);
+
+TEST(MethodRecord, HoldsTheFormThatCanRun) {
+  for (const bool canRun : {false, true}) {
+    const REALmethodDefinition record =
+        method<&Forms::tuned, &Forms::portable>(canRun, "A(x as Double) as Double");
+    EXPECT_EQ(record.function, canRun ? entryOf<&Forms::tuned>() : entryOf<&Forms::portable>());
+    EXPECT_STREQ(record.declaration, "A(x as Double) as Double");
+    EXPECT_EQ(record.flags, 4u);
+  }
+}
+
 // Properties. A getter's and a setter's functions are read off their types alone.
 struct Accessors {
   static double getDouble(REALobject, RBInteger) { return 0; }

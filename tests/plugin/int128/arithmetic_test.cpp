@@ -140,6 +140,30 @@ TEST(Division, DoesNotFault) {
   EXPECT_EQ(Int128(-7) % Int128(2), Int128(-1));
 }
 
+// Quotient digits whose estimate is too big, and quotients at their ends: the dividend is put together from a
+// quotient, a divisor and a remainder, each of them with many ones or zeros.
+TEST(Division, UndoesMultiplication) {
+  RandomBits random;
+  const auto word = [&] {
+    const std::uint64_t shape = random.word();
+    const std::uint64_t ones = ~std::uint64_t{0} >> (shape & 63);
+    if (shape >> 6 & 1) return ones << (shape >> 7 & 63);
+    return ones - (random.word() & 3);
+  };
+  int wrong = 0;
+  for (int i = 0; i < 1'000'000; ++i) {
+    const NativeUInt128 divisor = random.word() & 1 ? NativeUInt128{word()} << 64 | word() : word();
+    if (divisor == 0) continue;
+    const NativeUInt128 quotient = divisor >> 64 ? word() % (~NativeUInt128{0} / divisor) : word();
+    const NativeUInt128 remainder = (i & 1 ? divisor - 1 - (random.word() & 1) : word()) % divisor;
+    const NativeUInt128 dividend = quotient * divisor + remainder;
+    const auto found = divide(UInt128::fromBits(dividend), UInt128::fromBits(divisor));
+    const bool right = found.quotient.bits() == quotient && found.remainder.bits() == remainder;
+    if (!right && ++wrong <= 5) ADD_FAILURE() << hex(dividend) << " by " << hex(divisor);
+  }
+  EXPECT_EQ(wrong, 0);
+}
+
 TEST(Division, WorksWithoutTheInstruction) {
   const auto check = [](std::uint64_t high, std::uint64_t low, std::uint64_t divisor) {
     const NativeUInt128 dividend = NativeUInt128{high} << 64 | low;
@@ -152,6 +176,13 @@ TEST(Division, WorksWithoutTheInstruction) {
   for (int i = 0; i < 1'000'000; ++i) {
     const auto divisor = static_cast<std::uint64_t>(random.ofAnyWidth() >> 64 | 1);
     if (!check(random.word() % divisor, random.word(), divisor)) return;
+  }
+  // Digits of ones, which are estimated two too big.
+  for (int i = 0; i < 100'000; ++i) {
+    const std::uint64_t divisor = std::uint64_t{1} << 63 | ~std::uint64_t{0} >> (32 + (random.word() & 31));
+    const std::uint64_t below = random.word() & 7;
+    if (!check(divisor - 1 - below, ~(random.word() & 7), divisor)) return;
+    if (!check((divisor - 1) >> (random.word() & 31), random.word() & 7, divisor + below)) return;
   }
   for (const NativeUInt128 a : corners()) {
     for (const NativeUInt128 b : corners()) {

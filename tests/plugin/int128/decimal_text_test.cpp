@@ -78,6 +78,28 @@ TEST(DecimalText, GoesBothWaysForAllDigitCounts) {
   for (const NativeUInt128 bits : corners()) checkRoundTrip(bits);
 }
 
+// Up to eight digits are computed in parts side by side: each part, with the others at either end.
+TEST(DecimalText, WritesEveryPartOfShortNumbers) {
+  int wrong = 0;
+  const auto check = [&](std::uint64_t value) {
+    const std::string expected = std::to_string(value);
+    wrong += textOf(UInt128(value)) != expected;
+    wrong += textOf(-Int128(value)) != (value == 0 ? "0" : "-" + expected);
+  };
+  for (std::uint64_t part = 0; part < 10'000; ++part) {
+    for (const std::uint64_t other : {0, 1, 9, 10, 99, 100, 999, 1000, 5050, 9999}) {
+      check(part * 10'000 + other);
+      check(other * 10'000 + part);
+      for (const std::uint64_t above : {1, 99'999'999}) {
+        check(above * 100'000'000 + part * 10'000 + other);
+        check((above * 100'000'000 + other * 10'000 + part) * 100);
+      }
+    }
+  }
+  for (std::uint64_t value = 0; value < 100'000'000; value += 97) check(value);
+  EXPECT_EQ(wrong, 0);
+}
+
 // Where the digits are cut in two: on both sides of the multiples of 10^19.
 TEST(DecimalText, GoesBothWaysAroundMultiplesOfTenTo19) {
   const std::uint64_t tenTo19 = 10'000'000'000'000'000'000u;

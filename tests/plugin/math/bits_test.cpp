@@ -6,17 +6,30 @@
 #include <random>
 #include <vector>
 
+#include "math/processor.h"
+
 namespace qtx {
 namespace {
 
 constexpr std::uint64_t topBit = std::uint64_t{1} << 63;
 
 TEST(BitCount, CountsTheLow32Bits) {
-  EXPECT_EQ(bitCount(0), 0);
-  EXPECT_EQ(bitCount(0b1011), 3);
-  EXPECT_EQ(bitCount(UINT64_MAX), 32);
-  EXPECT_EQ(bitCount(0xFFFFFFFF00000000), 0);
-  EXPECT_EQ(bitCount(std::uint64_t{1} << 32), 0);
+  std::vector<std::int64_t (*)(std::uint64_t) noexcept> forms = {&bitCount};
+  if (thisProcessor().countsBits) forms.push_back(&tuned::bitCount);
+  for (const auto count : forms) {
+    EXPECT_EQ(count(0), 0);
+    EXPECT_EQ(count(0b1011), 3);
+    EXPECT_EQ(count(UINT64_MAX), 32);
+    EXPECT_EQ(count(0xFFFFFFFF00000000), 0);
+    EXPECT_EQ(count(std::uint64_t{1} << 32), 0);
+    std::mt19937_64 random(1);
+    for (int i = 0; i < 100'000; ++i) {
+      const std::uint64_t value = random();
+      std::int64_t expected = 0;
+      for (int bit = 0; bit < 32; ++bit) expected += static_cast<std::int64_t>(value >> bit & 1);
+      ASSERT_EQ(count(value), expected) << std::hex << value;
+    }
+  }
 }
 
 TEST(Shift, TakesCountsModulo64InBothDirections) {
@@ -94,9 +107,27 @@ TEST(Rotation, AgreesWithTheModelOnEveryField) {
   }
 }
 
+// Counts of every size, by every width: what the reciprocals of the widths are exact for, and what not.
+TEST(Rotation, TakesEveryCountModuloTheWidth) {
+  std::mt19937_64 random(3);
+  for (std::int64_t width = 2; width <= 32; ++width) {
+    for (int i = 0; i < 2000; ++i) {
+      const std::uint64_t value = random();
+      const std::int64_t count = static_cast<std::int64_t>(random()) >> (random() & 63);
+      for (const std::int64_t near :
+           {count, count - count % width, count - count % width - (count > 0 ? 1 : -1)}) {
+        ASSERT_EQ(rotateField(value, near, 0, width), modelRotation(value, near, 0, width))
+            << std::hex << value << std::dec << " by " << near << " in " << width;
+      }
+    }
+  }
+}
+
 TEST(Rotation, IsDefinedForEveryArgument) {
-  const std::int64_t limits[] = {INT64_MIN, INT64_MIN + 1, -33,      -1, 0, 1, 2, 31, 32,
-                                 33,        INT64_MAX - 1, INT64_MAX};
+  constexpr std::int64_t large = std::int64_t{1} << 50;
+  const std::int64_t limits[] = {
+      INT64_MIN, INT64_MIN + 1, -large - 1, -large,    1 - large,     -33,      -1, 0, 1, 2, 30, 31, 32,
+      33,        large - 1,     large,      large + 1, INT64_MAX - 1, INT64_MAX};
   for (const std::int64_t count : limits) {
     for (const std::int64_t offset : limits) {
       for (const std::int64_t width : limits) {

@@ -8,7 +8,11 @@
 #include <string>
 
 #include "frame/fake_host.h"
+#include "frame/records.h"
+#include "math/bits.h"
 #include "math/function_table.h"
+#include "math/half_float.h"
+#include "math/processor.h"
 
 namespace qtx {
 namespace {
@@ -53,6 +57,18 @@ TEST(FunctionTable, Holds62DifferentFunctions) {
     names.insert(name);
   }
   EXPECT_EQ(names.size(), 62u);
+}
+
+TEST(FunctionTable, HoldsTheFormsForThisProcessor) {
+  const auto holds = [](std::string_view name, REALproc function) {
+    return std::ranges::any_of(mathFunctions(), [&](const REALmethodDefinition& record) {
+      return std::string_view(record.declaration).starts_with(name) && record.function == function;
+    });
+  };
+  const bool halves = thisProcessor().convertsHalfFloats, bits = thisProcessor().countsBits;
+  EXPECT_TRUE(holds("ConvertToFloat16QTX(", halves ? entryOf<&tuned::toHalf>() : entryOf<&toHalf>()));
+  EXPECT_TRUE(holds("ConvertFromFloat16QTX(", halves ? entryOf<&tuned::fromHalf>() : entryOf<&fromHalf>()));
+  EXPECT_TRUE(holds("BitCountQTX(", bits ? entryOf<&tuned::bitCount>() : entryOf<&bitCount>()));
 }
 
 // At arguments where no two of the functions agree. Read at run time, since compilers round their own results

@@ -1,17 +1,40 @@
-// Half-precision conversion: the examples, every half number, and a sample of Singles with every exponent.
+// Half-precision conversion in all its forms: the examples, every half number, and a sample of Singles with
+// every exponent.
 #include "math/half_float.h"
 
 #include <gtest/gtest.h>
 
+#include <cfenv>
 #include <limits>
 #include <random>
+#include <vector>
 
 #include "half_float_model.h"
+#include "math/processor.h"
 
 namespace qtx {
 namespace {
 
-TEST(HalfFloat, TruncatesWhatIsNarrowed) {
+// The portable forms, and those for the processor where it can run them.
+struct Form {
+  const char* name;
+  std::uint16_t (*narrow)(float) noexcept;
+  float (*widen)(std::uint16_t) noexcept;
+};
+class HalfFloat : public testing::TestWithParam<Form> {
+ protected:
+  static std::uint16_t toHalf(float x) { return GetParam().narrow(x); }
+  static float fromHalf(std::uint16_t half) { return GetParam().widen(half); }
+};
+std::vector<Form> forms() {
+  std::vector<Form> all = {{"portable", &toHalf, &fromHalf}};
+  if (thisProcessor().convertsHalfFloats) all.push_back({"tuned", &tuned::toHalf, &tuned::fromHalf});
+  return all;
+}
+INSTANTIATE_TEST_SUITE_P(Forms, HalfFloat, testing::ValuesIn(forms()),
+                         [](const auto& form) { return form.param.name; });
+
+TEST_P(HalfFloat, TruncatesWhatIsNarrowed) {
   const auto single = [](std::uint32_t bits) { return std::bit_cast<float>(bits); };
   const float infinity = std::numeric_limits<float>::infinity();
   const struct {
@@ -50,7 +73,7 @@ TEST(HalfFloat, TruncatesWhatIsNarrowed) {
   }
 }
 
-TEST(HalfFloat, WidensEveryHalfExactlyAndBack) {
+TEST_P(HalfFloat, WidensEveryHalfExactlyAndBack) {
   for (unsigned i = 0; i < 0x10000; ++i) {
     const auto half = static_cast<std::uint16_t>(i);
     const float wide = fromHalf(half);
@@ -69,7 +92,7 @@ TEST(HalfFloat, WidensEveryHalfExactlyAndBack) {
 
 // For each sign and exponent, the fractions around every change of the half's fraction would be too many: a
 // random one, and its neighbours, for each of the top ten bits.
-TEST(HalfFloat, NarrowsASampleOfEveryExponentAndTopFraction) {
+TEST_P(HalfFloat, NarrowsASampleOfEveryExponentAndTopFraction) {
   std::mt19937 random(1);
   for (std::uint32_t top = 0; top < 1u << 19; ++top) {
     const auto low = static_cast<std::uint32_t>(random()) & 0x1FFF;
@@ -78,6 +101,27 @@ TEST(HalfFloat, NarrowsASampleOfEveryExponentAndTopFraction) {
       const auto x = std::bit_cast<float>(bits);
       ASSERT_EQ(toHalf(x), modelToHalf(x)) << std::hex << bits;
     }
+  }
+}
+
+// A program may have set any.
+TEST_P(HalfFloat, IsTheSameInEveryRoundingMode) {
+  const auto results = [] {
+    std::vector<std::uint32_t> all;
+    for (std::uint32_t top = 0; top < 0x10000; ++top) {
+      all.push_back(std::bit_cast<std::uint32_t>(fromHalf(static_cast<std::uint16_t>(top))));
+      for (const std::uint32_t rest : {0u, 1u, 0x1FFFu, 0x2000u, 0xFFFFu}) {
+        all.push_back(toHalf(std::bit_cast<float>(top << 16 | rest)));
+      }
+    }
+    return all;
+  };
+  const auto expected = results();
+  for (const int mode : {FE_DOWNWARD, FE_UPWARD, FE_TOWARDZERO}) {
+    ASSERT_EQ(std::fesetround(mode), 0);
+    const auto found = results();
+    std::fesetround(FE_TONEAREST);
+    EXPECT_TRUE(found == expected) << mode;
   }
 }
 
