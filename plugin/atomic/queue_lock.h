@@ -8,9 +8,8 @@
 namespace qtx {
 
 // A mutex that needs no initialisation and no destruction, so that host threads may still use it while the
-// process ends. Who finds it taken tries a little longer, because its holders are quick, and then sleeps
-// until it is left. As with std::mutex, whoever asks first need not get it first, and who asks for it twice
-// waits forever.
+// process ends. Who finds it taken sleeps until it is left; to try for a while first has not been faster. As
+// with std::mutex, whoever asks first need not get it first, and who asks for it twice waits forever.
 class QueueLock {
  public:
   void lock() {
