@@ -2,19 +2,22 @@
 #include "atomic/queue_lock.h"
 
 #include <condition_variable>
+#include <cstddef>
 #include <mutex>
+#include <new>
 
 namespace qtx {
 
 namespace {
 
-// Where the threads sleep. Never destroyed.
+// Where the threads sleep. Never destroyed, and not on the heap, so that waiting cannot fail.
 struct Sleepers {
   std::mutex mutex;
   std::condition_variable left;
 };
 Sleepers& sleepers() {
-  static Sleepers& all = *new Sleepers;
+  alignas(Sleepers) static std::byte place[sizeof(Sleepers)];
+  static Sleepers& all = *new (place) Sleepers;
   return all;
 }
 

@@ -17,6 +17,7 @@ using Lock = std::lock_guard<QueueLock>;
 
 void inThreads(int count, const auto& body) {
   std::vector<std::thread> threads;
+  threads.reserve(static_cast<std::size_t>(count));
   for (int i = 0; i < count; ++i) threads.emplace_back(body);
   for (std::thread& thread : threads) thread.join();
 }
