@@ -5,6 +5,7 @@
 #include <mutex>
 #include <utility>
 
+#include "atomic/queue_lock.h"
 #include "atomic/queue_store.h"
 #include "frame/array_access.h"
 #include "frame/records.h"
@@ -15,21 +16,14 @@ namespace {
 // The instance data is a pointer to the elements.
 QueueStore*& storeOf(REALobject self) { return instanceData<QueueStore*>(self, atomicQueueClass); }
 
-// One mutex for all queues: what works on two of them needs no order of locking. Made with the first queue,
-// and never destroyed, because host threads may still run when the process ends.
-std::mutex& queueMutex() {
-  static std::mutex& mutex = *new std::mutex;
-  return mutex;
-}
-using Lock = std::lock_guard<std::mutex>;
+// One lock for all queues: what works on two of them needs no order of locking.
+constinit QueueLock queueLock;
+using Lock = std::lock_guard<QueueLock>;
 
 // Host operations run under the lock. A reference dropped there may destroy its object: that may be another
 // queue, whose Deinitializer takes no lock, but a host destructor that uses a queue would wait for itself.
 
-void makeStore(REALobject self) {
-  queueMutex();
-  storeOf(self) = new QueueStore;
-}
+void makeStore(REALobject self) { storeOf(self) = new QueueStore; }
 
 // The elements, to be asked for under the lock. A queue whose initializer ran out of memory gets them now.
 QueueStore& elementsOf(REALobject self) {
@@ -50,25 +44,25 @@ void Deinitializer(REALobject self) {
 
 void clear(REALobject self) {
   Trace("void clear(REALobject)");
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   elementsOf(self).clear();
 }
 
 void Insert(REALobject self, REALobject value) {
   Trace("void Insert(REALobject, REALobject)");
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   elementsOf(self).insertAtFront(REALObject(value));
 }
 
 void Push(REALobject self, REALobject value) {
   Trace("void Push(REALobject, REALobject)");
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   elementsOf(self).append(REALObject(value));
 }
 
 REALobject PopFirst(REALobject self) {
   Trace("REALobject PopFirst(REALobject)");
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   QueueStore& elements = elementsOf(self);
   if (elements.size() == 0) return nullptr;
   const REALobject value = elements[0].get();
@@ -78,7 +72,7 @@ REALobject PopFirst(REALobject self) {
 
 REALobject PopLast(REALobject self) {
   Trace("REALobject PopLast(REALobject)");
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   QueueStore& elements = elementsOf(self);
   if (elements.size() == 0) return nullptr;
   const REALobject value = elements[elements.size() - 1].get();
@@ -90,7 +84,7 @@ REALarrayObject Values(REALobject self) {
   Trace("REALarrayObject Values(REALobject)");
   const REALarray array = REALCreateArray(arrayElement::object, -1);
   const auto objects = reinterpret_cast<REALarrayObject>(array);
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   const QueueStore* elements = storeOf(self);
   if (!array || !elements) return objects;
   for (std::size_t i = 0; i < elements->size(); ++i) {
@@ -105,7 +99,7 @@ REALarrayObject Values(REALobject self) {
 void Add(REALobject self, REALobject other) {
   Trace("void Add(REALobject, REALobject)");
   if (!other) return;
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   QueueStore& elements = elementsOf(self);
   const QueueStore& source = elementsOf(other);
   // Those present now: a queue added to itself grows while it is read.
@@ -124,7 +118,7 @@ void AddA(REALobject self, REALarrayObject values) {
     RaiseException("UnsupportedOperationException", "Failed to access array.");
     return;
   }
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   QueueStore& elements = elementsOf(self);
   for (std::size_t i = 0; i < count; ++i) {
     REALobject value;
@@ -146,7 +140,7 @@ RBInteger Operator_Compare(REALobject self, REALobject other) {
   if (self == other) return 0;
   if (refuseNil(other, "Other is nil")) return 0;
 
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   const QueueStore& mine = elementsOf(self);
   const QueueStore& theirs = elementsOf(other);
   if (mine.size() != theirs.size()) return mine.size() < theirs.size() ? -1 : 1;
@@ -161,13 +155,13 @@ RBInteger Operator_Compare(REALobject self, REALobject other) {
 
 RBInteger getCount(REALobject self, RBInteger) {
   Trace("RBInteger getCount(REALobject, long)");
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   return static_cast<RBInteger>(elementsOf(self).size());
 }
 
 REALobject getTopValue(REALobject self, RBInteger) {
   Trace("REALobject getTopValue(REALobject, long)");
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   const QueueStore& elements = elementsOf(self);
   return elements.size() > 0 ? elements[elements.size() - 1].get() : nullptr;
 }
@@ -176,7 +170,7 @@ REALobject getTopValue(REALobject self, RBInteger) {
 // Host programs rely on it.
 void setTopValue(REALobject self, RBInteger, REALobject value) {
   Trace("void setTopValue(REALobject, long, REALobject)");
-  const Lock lock(queueMutex());
+  const Lock lock(queueLock);
   QueueStore& elements = elementsOf(self);
   const REALObject top(value);
   if (elements.size() == 0) {

@@ -1,7 +1,6 @@
 // The host met, and the records adapted to it and registered.
 #include "frame/registration.h"
 
-#include <cstdio>
 #include <cstring>
 #include <new>
 
@@ -63,11 +62,9 @@ void giveScope(std::uint32_t& flags) {
 REALmoduleDefinition* module = nullptr;
 
 char* copyOfModuleName() {
-  char name[100] = {};
-  std::snprintf(name, sizeof name - 1, "%s%s", "Math", "GlobalsQTX");
-  const std::size_t size = std::strlen(name) + 1;
-  auto* copy = new (std::nothrow) char[size];
-  return copy ? static_cast<char*>(std::memcpy(copy, name, size)) : nullptr;
+  constexpr char name[] = "MathGlobalsQTX";
+  auto* copy = new (std::nothrow) char[sizeof name];
+  return copy ? static_cast<char*>(std::memcpy(copy, name, sizeof name)) : nullptr;
 }
 
 void registerModule(std::span<REALmethodDefinition> functions) {

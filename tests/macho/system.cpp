@@ -56,6 +56,7 @@ int lock(Mutex* mutex) { return pthread_mutex_lock(mutex->get()); }
 int unlock(Mutex* mutex) { return pthread_mutex_unlock(mutex->get()); }
 int wait(Condition* condition, Mutex* mutex) { return pthread_cond_wait(condition->get(), mutex->get()); }
 int broadcast(Condition* condition) { return pthread_cond_broadcast(condition->get()); }
+int signal(Condition* condition) { return pthread_cond_signal(condition->get()); }
 unsigned threadNumber(pthread_t) { return static_cast<unsigned>(syscall(SYS_gettid)); }
 
 // The Mac's numbers of the clocks.
@@ -244,6 +245,7 @@ const std::unordered_map<std::string, void*>& table() {
       {"_vfprintf", address(machoVfprintf)},
       // Threads.
       {"_pthread_cond_broadcast", address(broadcast)},
+      {"_pthread_cond_signal", address(signal)},
       {"_pthread_cond_wait", address(wait)},
       {"_pthread_mach_thread_np", address(threadNumber)},
       {"_pthread_mutex_lock", address(lock)},

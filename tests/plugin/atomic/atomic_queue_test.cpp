@@ -546,7 +546,7 @@ TEST(AtomicQueueOutOfMemory, LeavesTheQueueAsItWas) {
     const REALobject argument = fromQueue ? one.self : memory.values[7];
     EXPECT_EQ(memory.failEach([&] { member(full.self, argument); },
                               [&] {
-                                EXPECT_EQ(full.contents(), before) << "and the mutex is free";
+                                EXPECT_EQ(full.contents(), before) << "and the lock is free";
                                 EXPECT_EQ(memory.host.object(full.self).references, 1);
                                 EXPECT_EQ(memory.host.object(memory.values[7]).references, 2);
                               }),
@@ -581,7 +581,7 @@ TEST(AtomicQueueOutOfMemory, KeepsWhatWasAddedBefore) {
   memory.arrays.release(array);
 }
 
-// The elements' owner and their storage; before them, with the first queue of all, the mutex.
+// The elements' owner and their storage.
 TEST(AtomicQueueOutOfMemory, MakesAFailedInitializationGood) {
   OutOfMemory memory;
   const REALclassDefinition* record = memory.host.findClass("AtomicQueueQTX");
@@ -594,8 +594,7 @@ TEST(AtomicQueueOutOfMemory, MakesAFailedInitializationGood) {
     return data;
   };
   const auto isEmpty = [&] { EXPECT_EQ(dataOf(self), nullptr); };
-  EXPECT_EQ(memory.failEach([&] { initialize(self); }, isEmpty),
-            2);  // the mutex stays when the next one fails
+  EXPECT_EQ(memory.failEach([&] { initialize(self); }, isEmpty), 2);
   destroy(self);
   EXPECT_EQ(memory.failEach([&] { initialize(self); }, isEmpty), 2);
   destroy(self);
