@@ -2,9 +2,9 @@
 #include "frame/array_access.h"
 
 #include <cstring>
+#include <utility>
 
 #include "frame/debug_log.h"
-#include "frame/host_operations.h"
 #include "frame/raise.h"
 #include "frame/reference.h"
 
@@ -57,13 +57,27 @@ bool TestArray(REALarrayInteger array) {
       !matches("ubound wrong", upperBound, testUpperBound)) {
     return false;
   }
-  const void* elements = fieldAt<const void*>(array, arrayShape::storage);
+  const void* elements = detail::storageOf(array);
   if (!elements) {
     Trace("data is nil");
     return false;
   }
   return matches("Index 0 failed", fieldAt<std::int64_t>(elements, 0), testValue0) &&
          matches("Index 9 failed", fieldAt<std::int64_t>(elements, 9 * sizeof(std::int64_t)), testValue9);
+}
+
+void raiseOutOfBounds(long long index, RBInteger upperBound) {
+  const auto count = static_cast<unsigned long long>(upperBound) + 1;  // the bound may be the greatest there is
+  RaiseOutOfBoundsException(index, static_cast<long long>(count), "index", "");
+}
+
+// Stores an element that lies within the bounds.
+void readElement(REALarrayDouble array, long long index, double* out) {
+  if (const void* elements = directElements(reinterpret_cast<REALarray>(array))) {
+    *out = fieldAt<double>(elements, static_cast<std::size_t>(index) * sizeof(double));
+  } else if (const DoubleGetter get = REALGetArrayValueDouble(array)) {
+    *out = get(array, index);
+  }
 }
 
 // The test runs once; a thread that comes while it runs waits for the outcome instead of taking it for a
@@ -91,28 +105,31 @@ bool mayReadDirectly() {
 }  // namespace
 
 const void* directElements(REALarray array) {
-  return mayReadDirectly() ? fieldAt<const void*>(array, arrayShape::storage) : nullptr;
+  return mayReadDirectly() ? detail::storageOf(array) : nullptr;
 }
 
-bool REALGetArrayValue(REALarrayDouble array, long long index, double* out, bool raises) {
+void REALGetArrayValue(REALarrayDouble array, long long index, double* out) {
   if (!array) {
     Trace("REALGetArrayValue", "Array is nil");
-    return true;
+    return;
   }
-  const auto handle = reinterpret_cast<REALarray>(array);
-  const RBInteger upperBound = REALGetArrayUBound(handle);
+  const RBInteger upperBound = REALGetArrayUBound(reinterpret_cast<REALarray>(array));
   if (index < 0 || index > upperBound) {
-    const auto count =
-        static_cast<unsigned long long>(upperBound) + 1;  // the bound may be the greatest there is
-    if (raises) RaiseOutOfBoundsException(index, static_cast<long long>(count), "index", "");
-    return false;
+    raiseOutOfBounds(index, upperBound);
+  } else {
+    readElement(array, index, out);
   }
-  if (const void* elements = directElements(handle)) {
-    *out = fieldAt<double>(elements, static_cast<std::size_t>(index) * sizeof(double));
-  } else if (const DoubleGetter get = REALGetArrayValueDouble(array)) {
-    *out = get(array, index);
+}
+
+double ElementReader::readOtherwise(REALarrayDouble array, long long index, RBInteger upperBound) {
+  double value = 0.0;
+  if (index <= upperBound) {
+    readElement(array, index, &value);
+    readsDirectly_ = mayReadDirectly();
+  } else if (!std::exchange(hasRaised_, true)) {
+    raiseOutOfBounds(index, upperBound);
   }
-  return true;
+  return value;
 }
 
 }  // namespace qtx
