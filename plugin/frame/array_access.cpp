@@ -1,6 +1,7 @@
 // The self-test of array memory, and reading elements by its outcome.
 #include "frame/array_access.h"
 
+#include <atomic>
 #include <cstring>
 #include <utility>
 
@@ -83,7 +84,7 @@ void readElement(REALarrayDouble array, long long index, double* out) {
 // The test runs once; a thread that comes while it runs waits for the outcome instead of taking it for a
 // failure. Called from within the test itself, as by a host operation that runs a program's code, it has run
 // and has not passed.
-bool mayReadDirectly() {
+bool testOnce() {
   static thread_local bool running = false;
   if (running) return false;
   static const bool success = [] {
@@ -99,6 +100,15 @@ bool mayReadDirectly() {
     }
     return TestArray(reinterpret_cast<REALarrayInteger>(array.borrow()));
   }();
+  return success;
+}
+
+// Once it has passed, asking costs a load: there is nothing else that another thread would have to see.
+bool mayReadDirectly() {
+  static constinit std::atomic<bool> hasPassed{false};
+  if (hasPassed.load(std::memory_order_relaxed)) [[likely]] return true;
+  const bool success = testOnce();
+  if (success) hasPassed.store(true, std::memory_order_relaxed);
   return success;
 }
 
@@ -125,7 +135,7 @@ double ElementReader::readOtherwise(REALarrayDouble array, long long index, RBIn
   double value = 0.0;
   if (index <= upperBound) {
     readElement(array, index, &value);
-    readsDirectly_ = mayReadDirectly();
+    if (mayReadDirectly()) upperBoundOf_ = REALGetArrayUBound.resolve();
   } else if (!std::exchange(hasRaised_, true)) {
     raiseOutOfBounds(index, upperBound);
   }

@@ -39,21 +39,21 @@ class ElementReader {
   // The element, or 0 where it cannot be read. Other code of the program may shorten the array while it is
   // read; of all indexes that are outside, the first raises. The array is not nil, the index not negative.
   double operator()(REALarrayDouble array, long long index) {
-    const RBInteger upperBound = REALGetArrayUBound(reinterpret_cast<REALarray>(array));
-    if (index <= upperBound && readsDirectly_) [[likely]] {
-      if (const void* elements = detail::storageOf(array)) [[likely]] {
-        double value;
-        std::memcpy(&value, static_cast<const double*>(elements) + index, sizeof value);
-        return value;
-      }
-    }
-    return readOtherwise(array, index, upperBound);
+    const auto handle = reinterpret_cast<REALarray>(array);
+    if (!upperBoundOf_) [[unlikely]] return readOtherwise(array, index, REALGetArrayUBound(handle));
+    const RBInteger upperBound = upperBoundOf_(handle);
+    const void* const elements = detail::storageOf(array);
+    if (index > upperBound || !elements) [[unlikely]] return readOtherwise(array, index, upperBound);
+    double value;
+    std::memcpy(&value, static_cast<const double*>(elements) + index, sizeof value);
+    return value;
   }
 
  private:
   double readOtherwise(REALarrayDouble array, long long index, RBInteger upperBound);
 
-  bool readsDirectly_ = false;  // not before the first element within the bounds
+  // Null until an element within the bounds has shown that memory may be read directly.
+  RBInteger (*upperBoundOf_)(REALarray) = nullptr;
   bool hasRaised_ = false;
 };
 

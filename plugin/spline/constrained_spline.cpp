@@ -16,8 +16,6 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 
 constexpr std::size_t stride = ConstrainedSpline::stride;
 
-std::size_t roundUp(std::size_t value, std::size_t unit) { return (value + unit - 1) / unit * unit; }
-
 // Four coefficients for each interval, those of interval 1 first. Always inlined, so that it becomes code for
 // the vectors that the calling function may use; the results are the same bits.
 __attribute__((always_inline)) inline void computeCubics(const double* x, const double* y, std::size_t n,
@@ -106,21 +104,21 @@ std::size_t ConstrainedSpline::size(std::size_t n) {
 }
 
 std::size_t ConstrainedSpline::guideSize(std::size_t n) {
+  if (KnotIndex::isOneNode(n)) return 0;
   return roundUp(GuideTable::size(n - 1) * sizeof(std::uint32_t), line * sizeof(double)) / sizeof(double);
 }
 
 ConstrainedSpline::ConstrainedSpline(const double* x, const double* y, std::size_t n, double* storage)
     : x_(x), index_(n), owned_(storage ? nullptr : new double[size(n)]) {
   // Index, table and the first interval's cubic begin at a cache line.
-  void* start = storage ? storage : owned_.get();
-  std::size_t room = size(n) * sizeof(double);
-  double* const maxima = static_cast<double*>(std::align(line * sizeof(double), 1, start, room));
+  const auto start = reinterpret_cast<std::uintptr_t>(storage ? storage : owned_.get());
+  double* const maxima = reinterpret_cast<double*>(roundUp(start, line * sizeof(double)));
   double* const table = maxima + index_.size();
   double* const cubics = table + guideSize(n) + line;
   coefficients_ = cubics - stride;
 
   index_.fill(x, maxima);
-  if (index_.isAscending()) {
+  if (guideSize(n) > 0 && index_.isAscending()) {
     const std::size_t entries = GuideTable::size(n - 1);
     guide_.fill(x + 1, n - 1, new (table) std::uint32_t[entries]);
   }

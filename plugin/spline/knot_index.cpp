@@ -8,8 +8,6 @@ namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-std::size_t roundUp(std::size_t value, std::size_t unit) { return (value + unit - 1) / unit * unit; }
-
 // A NaN behind or before another value makes this false.
 bool ascend(const double* values, std::size_t count) {
   PairOfFlags ascending = {-1, -1};

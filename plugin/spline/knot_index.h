@@ -7,6 +7,8 @@
 
 namespace qtx {
 
+inline std::size_t roundUp(std::size_t value, std::size_t unit) { return (value + unit - 1) / unit * unit; }
+
 // Two doubles compared at once, in the compilers' own notation for every processor: their optimizers leave
 // these loops scalar.
 using Pair __attribute__((vector_size(16))) = double;
@@ -37,6 +39,9 @@ class KnotIndex {
  public:
   // For n ≥ 2 points.
   explicit KnotIndex(std::size_t n);
+
+  // So few knots that they are all counted at once, which is as fast as any search.
+  static bool isOneNode(std::size_t n) { return n - 1 <= fanout; }
 
   // The doubles that fill wants to write, a multiple of 16.
   std::size_t size() const { return size_; }

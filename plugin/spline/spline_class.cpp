@@ -6,6 +6,10 @@
 #include <new>
 #include <utility>
 
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
+
 #include "frame/array_access.h"
 #include "frame/host_operations.h"
 #include "frame/records.h"
@@ -36,6 +40,14 @@ struct Points : Sequence {
 struct Curve : Sequence {
   Sequence b, c, d;
   ConstrainedSpline spline;
+
+  Curve(const Sequence& x, const Sequence& y, double* storage)
+      : Sequence{}, spline(x.first, y.first, x.size, storage) {
+    const double* coefficients = spline.coefficients();
+    for (Sequence* sequence : {static_cast<Sequence*>(this), &b, &c, &d}) {
+      *sequence = {coefficients++, x.size, ConstrainedSpline::stride};
+    }
+  }
 };
 
 // The instance data, handed over as zeros. No sequence exists before the constructor has passed its size
@@ -58,7 +70,16 @@ struct FreeBlock {
 };
 template <typename Kind>
 void* blockOf(std::size_t doubles) {
-  return operator new(sizeof(Kind) + doubles * sizeof(double));
+  const std::size_t size = sizeof(Kind) + doubles * sizeof(double);
+  void* const block = operator new(size);
+#if defined(__linux__)
+  // Taking over fresh memory by small pages costs more than computing a long curve that fills it.
+  constexpr std::size_t largePage = std::size_t{2} << 20;
+  const std::size_t start = roundUp(reinterpret_cast<std::uintptr_t>(block), largePage);
+  const std::size_t end = (reinterpret_cast<std::uintptr_t>(block) + size) / largePage * largePage;
+  if (size >= 8 * largePage) madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
+#endif
+  return block;
 }
 template <typename Kind>
 double* behind(void* block) {
@@ -102,29 +123,24 @@ RBInteger upperBoundOf(REALarrayDouble array) {
 
 using OwnedPoints = std::unique_ptr<Points, FreeBlock<Points>>;
 
-OwnedPoints readPoints(REALarrayDouble X, REALarrayDouble Y, std::size_t n) {
-  void* const block = blockOf<Points>(2 * n);
-  OwnedPoints points(new (block) Points);
-  double* const x = behind<Points>(block);
-  double* const y = x + n;
+// Not inlined, so that all it needs stays in registers between the host's calls.
+__attribute__((noinline)) void readInto(double* x, double* y, REALarrayDouble X, REALarrayDouble Y,
+                                        std::size_t n) {
   ElementReader read;
   for (std::size_t i = 0; i < n; ++i) {
     x[i] = read(X, static_cast<long long>(i));
     y[i] = read(Y, static_cast<long long>(i));
   }
-  static_cast<Sequence&>(*points) = {x, n};
-  points->y = {y, n};
-  return points;
 }
 
-Curve* makeCurve(const double* x, const double* y, std::size_t n) {
-  void* const block = blockOf<Curve>(ConstrainedSpline::size(n));
-  auto* const curve = new (block) Curve{{}, {}, {}, {}, {x, y, n, behind<Curve>(block)}};
-  const double* coefficients = curve->spline.coefficients();
-  for (Sequence* sequence : {static_cast<Sequence*>(curve), &curve->b, &curve->c, &curve->d}) {
-    *sequence = {coefficients++, n, ConstrainedSpline::stride};
-  }
-  return curve;
+OwnedPoints readPoints(REALarrayDouble X, REALarrayDouble Y, std::size_t n) {
+  void* const block = blockOf<Points>(2 * n);
+  OwnedPoints points(new (block) Points);
+  double* const x = behind<Points>(block);
+  readInto(x, x + n, X, Y, n);
+  static_cast<Sequence&>(*points) = {x, n};
+  points->y = {x + n, n};
+  return points;
 }
 
 void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
@@ -146,7 +162,8 @@ void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
   data.x = points.release();
   if (n < 3) return;
 
-  Curve* const curve = makeCurve(data.x->first, data.y->first, n);
+  void* const block = blockOf<Curve>(ConstrainedSpline::size(n));
+  auto* const curve = new (block) Curve(*data.x, *data.y, behind<Curve>(block));
   data.a = curve;
   data.b = &curve->b;
   data.c = &curve->c;
