@@ -68,7 +68,8 @@ bool TestArray(REALarrayInteger array) {
 }
 
 void raiseOutOfBounds(long long index, RBInteger upperBound) {
-  const auto count = static_cast<unsigned long long>(upperBound) + 1;  // the bound may be the greatest there is
+  const auto count =
+      static_cast<unsigned long long>(upperBound) + 1;  // the bound may be the greatest there is
   RaiseOutOfBoundsException(index, static_cast<long long>(count), "index", "");
 }
 
@@ -106,7 +107,8 @@ bool testOnce() {
 // Once it has passed, asking costs a load: there is nothing else that another thread would have to see.
 bool mayReadDirectly() {
   static constinit std::atomic<bool> hasPassed{false};
-  if (hasPassed.load(std::memory_order_relaxed)) [[likely]] return true;
+  if (hasPassed.load(std::memory_order_relaxed)) [[likely]]
+    return true;
   const bool success = testOnce();
   if (success) hasPassed.store(true, std::memory_order_relaxed);
   return success;
@@ -114,9 +116,7 @@ bool mayReadDirectly() {
 
 }  // namespace
 
-const void* directElements(REALarray array) {
-  return mayReadDirectly() ? detail::storageOf(array) : nullptr;
-}
+const void* directElements(REALarray array) { return mayReadDirectly() ? detail::storageOf(array) : nullptr; }
 
 void REALGetArrayValue(REALarrayDouble array, long long index, double* out) {
   if (!array) {

@@ -40,10 +40,12 @@ class ElementReader {
   // read; of all indexes that are outside, the first raises. The array is not nil, the index not negative.
   double operator()(REALarrayDouble array, long long index) {
     const auto handle = reinterpret_cast<REALarray>(array);
-    if (!upperBoundOf_) [[unlikely]] return readOtherwise(array, index, REALGetArrayUBound(handle));
+    if (!upperBoundOf_) [[unlikely]]
+      return readOtherwise(array, index, REALGetArrayUBound(handle));
     const RBInteger upperBound = upperBoundOf_(handle);
     const void* const elements = detail::storageOf(array);
-    if (index > upperBound || !elements) [[unlikely]] return readOtherwise(array, index, upperBound);
+    if (index > upperBound || !elements) [[unlikely]]
+      return readOtherwise(array, index, upperBound);
     double value;
     std::memcpy(&value, static_cast<const double*>(elements) + index, sizeof value);
     return value;

@@ -22,14 +22,15 @@ void GuideTable::fill(const double* knots, std::size_t count, std::uint32_t* ent
   std::uint32_t passed = 0;
   std::int32_t bucket = -1;  // of the knot before
   std::fill_n(entries, spare, passed);
-  // The bucket's own entry stands; up to `spare` behind it are written already, and are overwritten as long as
-  // knots lie in buckets further left. So evenly spread knots take no branch that could be mispredicted.
+  // The bucket's own entry stands; up to `spare` behind it are written already, and are overwritten as long
+  // as knots lie in buckets further left. So evenly spread knots take no branch that could be mispredicted.
   const auto fillGap = [&](std::int32_t to) {
     for (std::int32_t i = bucket + 1 + std::int32_t{spare}; i < to; ++i) entries[i] = passed;
   };
   for (std::size_t i = group - 1; i < count; i += group) {
     const std::int32_t next = bucketOf(knots[i]);
-    if (next > bucket + std::int32_t{spare}) [[unlikely]] fillGap(next + 1);
+    if (next > bucket + std::int32_t{spare}) [[unlikely]]
+      fillGap(next + 1);
     bucket = next;
     passed = std::min(static_cast<std::uint32_t>(i + 1), mostPassed);
     std::fill_n(entries + bucket + 1, spare, passed);

@@ -10,11 +10,11 @@ namespace qtx {
 // table holds for each bucket how many knots can be passed over for every coordinate in it.
 //
 // Why no rounding can lead past the knot that is looked for: the bucket of a value is computed by a
-// subtraction, a product with a positive factor, two limits and a truncation. Each of these, as it is rounded,
-// keeps order: of two values, the smaller never gets the greater result. So a knot whose bucket lies before
-// that of the coordinate is less than the coordinate, whatever the bucket's exact border is. All knots passed
-// over are such knots or lie before one. How many lie behind the first one that is not passed over does not
-// matter here: who does not find the interval near it has to search by other means.
+// subtraction, a product with a positive factor, two limits and a truncation. Each of these, as it is
+// rounded, keeps order: of two values, the smaller never gets the greater result. So a knot whose bucket lies
+// before that of the coordinate is less than the coordinate, whatever the bucket's exact border is. All knots
+// passed over are such knots or lie before one. How many lie behind the first one that is not passed over
+// does not matter here: who does not find the interval near it has to search by other means.
 class GuideTable {
  public:
   // The knots to look at, from the start on.
@@ -24,8 +24,8 @@ class GuideTable {
   static std::size_t size(std::size_t knots) { return bucketsFor(knots) + spare; }
 
   // knots: ascending, none of them NaN. entries: room for size(count), which is kept in use. Without effect
-  // where the knots' range allows no table: infinite or empty, or beyond what a double holds. Then, and before,
-  // nothing but isFilled may be called.
+  // where the knots' range allows no table: infinite or empty, or beyond what a double holds. Then, and
+  // before, nothing but isFilled may be called.
   void fill(const double* knots, std::size_t count, std::uint32_t* entries);
   bool isFilled() const { return entries_ != nullptr; }
 
