@@ -77,7 +77,7 @@ void* blockOf(std::size_t doubles) {
   constexpr std::size_t largePage = std::size_t{2} << 20;
   const std::size_t start = roundUp(reinterpret_cast<std::uintptr_t>(block), largePage);
   const std::size_t end = (reinterpret_cast<std::uintptr_t>(block) + size) / largePage * largePage;
-  if (size >= 8 * largePage) madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
+  if (size >= 2 * largePage) madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
 #endif
   return block;
 }
@@ -87,19 +87,19 @@ double* behind(void* block) {
 }
 
 template <typename Kind>
-void free(Sequence* sequence) {
+void release(Sequence* sequence) {
   if (sequence && sequence != &noElements) FreeBlock<Kind>()(static_cast<Kind*>(sequence));
 }
 
 void releaseCoefficients(SplineData& data) {
-  free<Curve>(data.a);
+  release<Curve>(data.a);
   data.a = data.b = data.c = data.d = nullptr;
 }
 
 // Of an earlier construction, nothing is left: the object has one set of sequences at a time.
 void empty(SplineData& data) {
   releaseCoefficients(data);
-  free<Points>(data.x);
+  release<Points>(data.x);
   data.x = data.y = data.a = data.b = data.c = data.d = &noElements;
 }
 
