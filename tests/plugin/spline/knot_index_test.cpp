@@ -47,7 +47,8 @@ TEST(KnotIndex, FindsWhatTheScanFindsAmongHardKnots) {
   for (const std::size_t n : {3, 17, 18, 100, 1000, 4099}) {
     for (int kind = 0; kind < hardKinds; ++kind) {
       const Values x = hardKnots(static_cast<Hard>(kind), n, generator);
-      ASSERT_NO_FATAL_FAILURE(expectSameIntervals(x, bordersOf(x, generator, n))) << "kind " << kind;
+      ASSERT_NO_FATAL_FAILURE(expectSameIntervals(x, bordersOf(x, generator, std::min<std::size_t>(n, 200))))
+          << "kind " << kind;
     }
   }
 }
