@@ -1,10 +1,11 @@
 // The self-test of array memory, and reading elements by its outcome.
 #include "frame/array_access.h"
 
+#include <atomic>
 #include <cstring>
+#include <utility>
 
 #include "frame/debug_log.h"
-#include "frame/host_operations.h"
 #include "frame/raise.h"
 #include "frame/reference.h"
 
@@ -57,7 +58,7 @@ bool TestArray(REALarrayInteger array) {
       !matches("ubound wrong", upperBound, testUpperBound)) {
     return false;
   }
-  const void* elements = fieldAt<const void*>(array, arrayShape::storage);
+  const void* elements = detail::storageOf(array);
   if (!elements) {
     Trace("data is nil");
     return false;
@@ -66,10 +67,29 @@ bool TestArray(REALarrayInteger array) {
          matches("Index 9 failed", fieldAt<std::int64_t>(elements, 9 * sizeof(std::int64_t)), testValue9);
 }
 
+void raiseOutOfBounds(long long index, RBInteger upperBound) {
+  const auto count =
+      static_cast<unsigned long long>(upperBound) + 1;  // the bound may be the greatest there is
+  RaiseOutOfBoundsException(index, static_cast<long long>(count), "index", "");
+}
+
+// Stores an element that lies within the bounds.
+void readElement(REALarrayDouble array, long long index, double* out) {
+  if (const void* elements = directElements(reinterpret_cast<REALarray>(array))) {
+    *out = fieldAt<double>(elements, static_cast<std::size_t>(index) * sizeof(double));
+  } else if (const DoubleGetter get = REALGetArrayValueDouble(array)) {
+    *out = get(array, index);
+  }
+}
+
+// What the test has shown; once it is known, asking costs a load. No other memory depends on it.
+enum class Outcome : signed char { unknown, failed, passed };
+constinit std::atomic<Outcome> outcome{Outcome::unknown};
+
 // The test runs once; a thread that comes while it runs waits for the outcome instead of taking it for a
 // failure. Called from within the test itself, as by a host operation that runs a program's code, it has run
 // and has not passed.
-bool mayReadDirectly() {
+bool testOnce() {
   static thread_local bool running = false;
   if (running) return false;
   static const bool success = [] {
@@ -85,34 +105,41 @@ bool mayReadDirectly() {
     }
     return TestArray(reinterpret_cast<REALarrayInteger>(array.borrow()));
   }();
+  outcome.store(success ? Outcome::passed : Outcome::failed, std::memory_order_relaxed);
   return success;
+}
+
+bool mayReadDirectly() {
+  const Outcome known = outcome.load(std::memory_order_relaxed);
+  return known == Outcome::unknown ? testOnce() : known == Outcome::passed;
 }
 
 }  // namespace
 
-const void* directElements(REALarray array) {
-  return mayReadDirectly() ? fieldAt<const void*>(array, arrayShape::storage) : nullptr;
-}
+const void* directElements(REALarray array) { return mayReadDirectly() ? detail::storageOf(array) : nullptr; }
 
-bool REALGetArrayValue(REALarrayDouble array, long long index, double* out, bool raises) {
+void REALGetArrayValue(REALarrayDouble array, long long index, double* out) {
   if (!array) {
     Trace("REALGetArrayValue", "Array is nil");
-    return true;
+    return;
   }
-  const auto handle = reinterpret_cast<REALarray>(array);
-  const RBInteger upperBound = REALGetArrayUBound(handle);
+  const RBInteger upperBound = REALGetArrayUBound(reinterpret_cast<REALarray>(array));
   if (index < 0 || index > upperBound) {
-    const auto count =
-        static_cast<unsigned long long>(upperBound) + 1;  // the bound may be the greatest there is
-    if (raises) RaiseOutOfBoundsException(index, static_cast<long long>(count), "index", "");
-    return false;
+    raiseOutOfBounds(index, upperBound);
+  } else {
+    readElement(array, index, out);
   }
-  if (const void* elements = directElements(handle)) {
-    *out = fieldAt<double>(elements, static_cast<std::size_t>(index) * sizeof(double));
-  } else if (const DoubleGetter get = REALGetArrayValueDouble(array)) {
-    *out = get(array, index);
+}
+
+double ElementReader::readOtherwise(REALarrayDouble array, long long index, RBInteger upperBound) {
+  double value = 0.0;
+  if (index <= upperBound) {
+    readElement(array, index, &value);
+    if (mayReadDirectly()) upperBoundOf_ = REALGetArrayUBound.resolve();
+  } else if (!std::exchange(hasRaised_, true)) {
+    raiseOutOfBounds(index, upperBound);
   }
-  return true;
+  return value;
 }
 
 }  // namespace qtx

@@ -2,7 +2,9 @@
 // look as expected, through the host otherwise.
 #pragma once
 
-#include "frame/host_interface.h"
+#include <cstring>
+
+#include "frame/host_operations.h"
 
 namespace qtx {
 
@@ -11,13 +13,50 @@ constexpr std::size_t elementCount(RBInteger upperBound) {
   return upperBound < 0 ? 0 : static_cast<std::size_t>(upperBound) + 1;
 }
 
-// Stores element `index` of the array in *out. A nil array leaves *out as it is; an index outside 0 … upper
-// bound raises "OutOfBoundsException" and does too, and is the one case in which the result is false. A
-// caller that reads on after one exception wants no second: `raises` is false then.
-bool REALGetArrayValue(REALarrayDouble array, long long index, double* out, bool raises = true);
-
 // The array's elements, eight bytes each; null where memory may not be read directly or the array has none.
 // Runs the self-test if it has not run.
 const void* directElements(REALarray array);
+
+// Stores element `index` of the array in *out. A nil array leaves *out as it is; an index outside 0 … upper
+// bound raises "OutOfBoundsException" and does too.
+void REALGetArrayValue(REALarrayDouble array, long long index, double* out);
+
+namespace detail {
+
+// Where the array object points to its elements: read anew for each, because the host may move them.
+inline const void* storageOf(const void* array) {
+  const void* elements;
+  std::memcpy(&elements, static_cast<const char*>(array) + arrayShape::storage, sizeof elements);
+  return elements;
+}
+
+}  // namespace detail
+
+// Reads many elements as REALGetArrayValue reads one, the upper bound asked for each time. Only what cannot
+// change meanwhile is found out once: whether memory may be read directly.
+class ElementReader {
+ public:
+  // The element, or 0 where it cannot be read. Other code of the program may shorten the array while it is
+  // read; of all indexes that are outside, the first raises. The array is not nil, the index not negative.
+  double operator()(REALarrayDouble array, long long index) {
+    const auto handle = reinterpret_cast<REALarray>(array);
+    if (!upperBoundOf_) [[unlikely]]
+      return readOtherwise(array, index, REALGetArrayUBound(handle));
+    const RBInteger upperBound = upperBoundOf_(handle);
+    const void* const elements = detail::storageOf(array);
+    if (index > upperBound || !elements) [[unlikely]]
+      return readOtherwise(array, index, upperBound);
+    double value;
+    std::memcpy(&value, static_cast<const double*>(elements) + index, sizeof value);
+    return value;
+  }
+
+ private:
+  double readOtherwise(REALarrayDouble array, long long index, RBInteger upperBound);
+
+  // Null until an element within the bounds has shown that memory may be read directly.
+  RBInteger (*upperBoundOf_)(REALarray) = nullptr;
+  bool hasRaised_ = false;
+};
 
 }  // namespace qtx

@@ -12,6 +12,7 @@
 #include <cstddef>
 #include <memory>
 
+#include "spline/guide_table.h"
 #include "spline/knot_index.h"
 
 namespace qtx {
@@ -21,11 +22,15 @@ namespace qtx {
 // outlive it. Zero-width intervals have infinite or NaN coefficients.
 class ConstrainedSpline {
  public:
-  ConstrainedSpline(const double* x, const double* y, std::size_t n);
+  // How many doubles a curve through n points is stored in: about 4.3 a point.
+  static std::size_t size(std::size_t n);
+
+  // storage: room for size(n) doubles, which is kept in use. Without one, the curve allocates it.
+  ConstrainedSpline(const double* x, const double* y, std::size_t n, double* storage = nullptr);
 
   // Left of x[1] the first interval's cubic, right of x[n − 1] the last one's.
   double operator()(double at) const {
-    const double* cubic = coefficients() + stride * index_.find(x_, at);
+    const double* cubic = coefficients_ + stride * intervalOf(at);
     const double a = cubic[0], b = cubic[1], c = cubic[2], d = cubic[3];
     return d * at * at * at + (c * at * at + (b * at + a));
   }
@@ -36,12 +41,29 @@ class ConstrainedSpline {
   const double* coefficients() const { return coefficients_; }
 
  private:
-  static constexpr std::size_t alignment = 8;  // doubles in a cache line
+  static constexpr std::size_t line = 8;  // doubles in a cache line
+  static std::size_t guideSize(std::size_t n);
+
+  // Most searches end where the guide table leads; the index finds what lies elsewhere, and what no table
+  // covers.
+  std::size_t intervalOf(double at) const {
+    if (guide_.isFilled()) {
+      const std::size_t start = guide_.start(at);
+      // The cubics of most of the window, while its knots are fetched and compared.
+      const double* const cubics = coefficients_ + stride * (1 + start);
+      for (std::size_t i = 0; i < 3; ++i) __builtin_prefetch(cubics + line * i);
+      const std::size_t below = countBelow<GuideTable::window>(x_ + 1 + start, at);
+      if (below < GuideTable::window) [[likely]]
+        return 1 + start + below;
+    }
+    return index_.find(x_, at);
+  }
 
   const double* x_;
-  KnotIndex index_;
-  std::unique_ptr<double[]> storage_;  // one allocation for the index and the coefficients
   const double* coefficients_;
+  GuideTable guide_;
+  KnotIndex index_;
+  std::unique_ptr<double[]> owned_;
 };
 
 }  // namespace qtx

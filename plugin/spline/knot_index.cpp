@@ -8,10 +8,8 @@ namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-std::size_t roundUp(std::size_t value, std::size_t unit) { return (value + unit - 1) / unit * unit; }
-
 // A NaN behind or before another value makes this false.
-bool isAscending(const double* values, std::size_t count) {
+bool ascend(const double* values, std::size_t count) {
   PairOfFlags ascending = {-1, -1};
   std::size_t i = 1;
   for (; i + 1 < count; i += 2) ascending &= loadPair(values + i - 1) <= loadPair(values + i);
@@ -53,17 +51,22 @@ void KnotIndex::fill(const double* x, double* maxima) {
   double* level = maxima + (size_ - levelSizes_[depth_ - 1]);
   std::size_t entries = (knots_ + leafSize() - 1) / leafSize();
   double running = -infinity;
+  ascending_ = true;  // so far
   if (leafSize() == 1) {
     for (std::size_t i = 0; i < entries; ++i) {
-      if (!(knots[i] <= running)) running = knots[i] == knots[i] ? knots[i] : infinity;
+      if (knots[i] >= running) {
+        running = knots[i];
+      } else {
+        ascending_ = false;
+        if (knots[i] != knots[i]) running = infinity;
+      }
       level[i] = running;
     }
   } else {
-    ascending_ = true;  // so far
     for (std::size_t i = 0; i < entries; ++i) {
       const double* const leaf = knots + i * fanout;
       const std::size_t count = std::min(fanout, knots_ - i * fanout);
-      ascending_ = ascending_ && running <= leaf[0] && isAscending(leaf, count);
+      ascending_ = ascending_ && running <= leaf[0] && ascend(leaf, count);
       level[i] = running = ascending_ ? leaf[count - 1] : maximum(leaf, count, running);
     }
     // Whatever lies behind all knots belongs to the last of them: no search runs off the end of a level.

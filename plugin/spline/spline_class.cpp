@@ -3,8 +3,12 @@
 
 #include <atomic>
 #include <memory>
-#include <optional>
+#include <new>
 #include <utility>
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 #include "frame/array_access.h"
 #include "frame/host_operations.h"
@@ -21,49 +25,92 @@ struct Sequence {
   std::size_t stride = 1;
 };
 
-// The X or Y values as they were given.
-struct PointSequence : Sequence {
-  std::unique_ptr<double[]> storage;
-  bool isLeftBehind = false;
-  const PointSequence* nextLeftBehind = nullptr;
+// Stands for every sequence without elements, so that a spline has its sequences before there is memory for
+// what is in them.
+constinit Sequence noElements;
+
+// X and, within, Y as they were given.
+struct Points : Sequence {
+  Sequence y;
+  bool areLeftBehind = false;
+  const Points* nextLeftBehind = nullptr;
 };
 
-// The constant coefficients, and the curve that all four coefficient sequences lie in.
-struct CurveSequence : Sequence {
-  std::optional<ConstrainedSpline> curve;
+// The constant coefficients and, within, the others and the curve that all of them are of.
+struct Curve : Sequence {
+  Sequence b, c, d;
+  ConstrainedSpline spline;
+
+  Curve(const Sequence& x, const Sequence& y, double* storage)
+      : Sequence{}, spline(x.first, y.first, x.size, storage) {
+    const double* coefficients = spline.coefficients();
+    for (Sequence* sequence : {static_cast<Sequence*>(this), &b, &c, &d}) {
+      *sequence = {coefficients++, x.size, ConstrainedSpline::stride};
+    }
+  }
 };
 
 // The instance data, handed over as zeros. No sequence exists before the constructor has passed its size
 // check.
 struct SplineData {
-  CurveSequence* a;
-  Sequence *b, *c, *d;
-  PointSequence *x, *y;
+  Sequence *a, *b, *c, *d, *x, *y;
   std::int64_t count;  // the host program may set it, which changes nothing else
 };
 static_assert(sizeof(SplineData) == 56 && offsetof(SplineData, count) == 48);
 
 SplineData& dataOf(REALobject self) { return instanceData<SplineData>(self, splineClass); }
 
+// Points and Curve each lie in one block of memory with the doubles that they are made of, behind them.
 template <typename Kind>
-void release(Kind*& sequence) {
-  delete sequence;
-  sequence = nullptr;
+struct FreeBlock {
+  void operator()(Kind* kind) const {
+    kind->~Kind();
+    operator delete(kind);
+  }
+};
+template <typename Kind>
+void* blockOf(std::size_t doubles) {
+  const std::size_t size = sizeof(Kind) + doubles * sizeof(double);
+  void* const block = operator new(size);
+#if defined(__linux__)
+  // Taking over fresh memory by small pages costs more than computing a long curve that fills it.
+  constexpr std::size_t largePage = std::size_t{2} << 20;
+  const std::size_t start = roundUp(reinterpret_cast<std::uintptr_t>(block), largePage);
+  const std::size_t end = (reinterpret_cast<std::uintptr_t>(block) + size) / largePage * largePage;
+  if (size >= 2 * largePage) madvise(reinterpret_cast<void*>(start), end - start, MADV_HUGEPAGE);
+#endif
+  return block;
+}
+template <typename Kind>
+double* behind(void* block) {
+  return reinterpret_cast<double*>(static_cast<char*>(block) + sizeof(Kind));
+}
+
+template <typename Kind>
+void release(Sequence* sequence) {
+  if (sequence && sequence != &noElements) FreeBlock<Kind>()(static_cast<Kind*>(sequence));
 }
 
 void releaseCoefficients(SplineData& data) {
-  release(data.a);
-  release(data.b);
-  release(data.c);
-  release(data.d);
+  release<Curve>(data.a);
+  data.a = data.b = data.c = data.d = nullptr;
+}
+
+// Of an earlier construction, nothing is left: the object has one set of sequences at a time.
+void empty(SplineData& data) {
+  releaseCoefficients(data);
+  release<Points>(data.x);
+  data.x = data.y = data.a = data.b = data.c = data.d = &noElements;
 }
 
 // The destructor releases the coefficients only: a spline's points stay for the life of the process. They are
 // chained here, so that a leak checker, which finds them in use, reports whatever else should be lost.
-std::atomic<const PointSequence*> leftBehind{nullptr};
+std::atomic<const Points*> leftBehind{nullptr};
 
-void leaveBehind(PointSequence* points) {
-  if (!points || std::exchange(points->isLeftBehind, true)) return;
+void leaveBehind(Sequence* sequence) {
+  if (!sequence || sequence == &noElements) return;
+  auto* const points = static_cast<Points*>(sequence);
+  if (std::exchange(points->areLeftBehind, true)) return;
   points->nextLeftBehind = leftBehind.load(std::memory_order_relaxed);
   while (!leftBehind.compare_exchange_weak(points->nextLeftBehind, points, std::memory_order_release,
                                            std::memory_order_relaxed)) {
@@ -74,6 +121,28 @@ RBInteger upperBoundOf(REALarrayDouble array) {
   return array ? REALGetArrayUBound(reinterpret_cast<REALarray>(array)) : -1;
 }
 
+using OwnedPoints = std::unique_ptr<Points, FreeBlock<Points>>;
+
+// Not inlined, so that all it needs stays in registers between the host's calls.
+__attribute__((noinline)) void readInto(double* x, double* y, REALarrayDouble X, REALarrayDouble Y,
+                                        std::size_t n) {
+  ElementReader read;
+  for (std::size_t i = 0; i < n; ++i) {
+    x[i] = read(X, static_cast<long long>(i));
+    y[i] = read(Y, static_cast<long long>(i));
+  }
+}
+
+OwnedPoints readPoints(REALarrayDouble X, REALarrayDouble Y, std::size_t n) {
+  void* const block = blockOf<Points>(2 * n);
+  OwnedPoints points(new (block) Points);
+  double* const x = behind<Points>(block);
+  readInto(x, x + n, X, Y, n);
+  static_cast<Sequence&>(*points) = {x, n};
+  points->y = {x + n, n};
+  return points;
+}
+
 void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
   const RBInteger upperBound = upperBoundOf(X);
   if (upperBound != upperBoundOf(Y)) {
@@ -81,44 +150,30 @@ void Constructor(REALobject self, REALarrayDouble X, REALarrayDouble Y) {
     return;
   }
   SplineData& data = dataOf(self);
-  // Of an earlier construction, nothing is left: the object has one set of sequences at a time.
-  releaseCoefficients(data);
-  release(data.x);
-  release(data.y);
-
+  empty(data);
   data.count = static_cast<std::int64_t>(static_cast<std::uint64_t>(upperBound) + 1);
-  data.x = new PointSequence;
-  data.y = new PointSequence;
-  data.a = new CurveSequence;
-  data.b = new Sequence;
-  data.c = new Sequence;
-  data.d = new Sequence;
-
   const std::size_t n = elementCount(upperBound);
-  for (PointSequence* points : {data.x, data.y}) {
-    points->storage.reset(new double[n]());
-    points->first = points->storage.get();
-  }
-  // An array that shrinks meanwhile ends in zeros, and in one exception.
-  bool within = true;
-  for (std::size_t i = 0; i < n; ++i) {
-    within &= REALGetArrayValue(X, static_cast<long long>(i), &data.x->storage[i], within);
-    within &= REALGetArrayValue(Y, static_cast<long long>(i), &data.y->storage[i], within);
-  }
-  data.x->size = data.y->size = n;
+  if (n == 0) return;
+  if (n > SIZE_MAX / 128) throw std::bad_alloc();  // sizes in bytes would overflow
+
+  OwnedPoints points = readPoints(X, Y, n);
+  empty(data);  // the host may have run code of the program that constructed this object
+  data.y = &points->y;
+  data.x = points.release();
   if (n < 3) return;
 
-  const double* coefficients = data.a->curve.emplace(data.x->first, data.y->first, n).coefficients();
-  for (Sequence* sequence : {static_cast<Sequence*>(data.a), data.b, data.c, data.d}) {
-    *sequence = {coefficients++, n, ConstrainedSpline::stride};
-  }
+  void* const block = blockOf<Curve>(ConstrainedSpline::size(n));
+  auto* const curve = new (block) Curve(*data.x, *data.y, behind<Curve>(block));
+  data.a = curve;
+  data.b = &curve->b;
+  data.c = &curve->c;
+  data.d = &curve->d;
 }
 
 void SplineDestructor(REALobject self) noexcept {
   SplineData& data = dataOf(self);
   releaseCoefficients(data);
   leaveBehind(data.x);
-  leaveBehind(data.y);
 }
 
 double refuseUninitialized() {
@@ -140,13 +195,13 @@ double element(REALobject self, RBInteger index) {
 }
 
 double calcY(REALobject self, double x) {
-  const SplineData& data = dataOf(self);
-  if (!data.a || !data.b || !data.c || !data.d) return refuseUninitialized();
-  if (!data.a->curve) {  // there were fewer than three points
+  const Sequence* const a = dataOf(self).a;  // all four are there, or none
+  if (!a) return refuseUninitialized();
+  if (a->size == 0) {  // there were fewer than three points
     RaiseException("UnsupportedOperationException", "empty array");
     return 0.0;
   }
-  return (*data.a->curve)(x);
+  return static_cast<const Curve*>(a)->spline(x);
 }
 
 REALproperty properties[] = {fieldProperty<&SplineData::count>("count", "Integer")};

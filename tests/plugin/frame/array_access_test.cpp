@@ -177,15 +177,51 @@ TEST(ArrayValue, ComesFromTheHostWhereThereIsNoStorage) {
   EXPECT_EQ(getterCalls, 1);
 }
 
-TEST(ArrayValue, OutsideTheBoundsRaisesOnlyWhereThatIsWanted) {
+TEST(ElementReader, RaisesOnceForAllThatIsOutside) {
   FakeHost host;
   offerArrays(host);
   Doubles array({1, 2, 3});
-  double value = 7;
-  EXPECT_FALSE(REALGetArrayValue(array.handle<REALarrayDouble>(), 3, &value, false));
+  ElementReader read;
+  EXPECT_EQ(read(array.handle<REALarrayDouble>(), 3), 0);
+  EXPECT_EQ(host.takeRaised().message, "The parameter index  is too big. Range is 0 to 2, but value is 3.");
+  EXPECT_EQ(host.lookUps["RuntimeArrayCreateSingleDimBoundedArray"], 0) << "outside needs no self-test";
+  EXPECT_EQ(read(array.handle<REALarrayDouble>(), 4), 0);
+  EXPECT_EQ(read(array.handle<REALarrayDouble>(), 1), 2);
+  EXPECT_EQ(read(array.handle<REALarrayDouble>(), 3), 0);
   EXPECT_TRUE(host.raised.empty());
-  EXPECT_TRUE(REALGetArrayValue(array.handle<REALarrayDouble>(), 1, &value, false));
-  EXPECT_EQ(value, 2);
+  EXPECT_EQ(getterCalls, 0);
+}
+
+// The host may shorten an array, move its storage or take it away between any two elements.
+TEST(ElementReader, LooksAtTheArrayAnewForEachElement) {
+  FakeHost host;
+  offerArrays(host);
+  Doubles array({1, 2, 3});
+  const auto handle = array.handle<REALarrayDouble>();
+  ElementReader read;
+  EXPECT_EQ(read(handle, 0), 1);
+  std::vector<std::int64_t> elsewhere;
+  for (const double value : {10.0, 20.0, 30.0}) elsewhere.push_back(std::bit_cast<std::int64_t>(value));
+  array.put(arrayShape::storage, elsewhere.data());
+  EXPECT_EQ(read(handle, 1), 20);
+  array.put(arrayShape::storage, static_cast<void*>(nullptr));
+  EXPECT_EQ(read(handle, 2), 3);
+  EXPECT_EQ(getterCalls, 1);
+  array.put(arrayShape::storage, elsewhere.data());
+  EXPECT_EQ(read(handle, 2), 30);
+  array.operationUpperBound = 1;
+  EXPECT_EQ(read(handle, 2), 0);
+  EXPECT_EQ(host.takeRaised().message, "The parameter index  is too big. Range is 0 to 1, but value is 2.");
+}
+
+TEST(ElementReader, GivesZeroWhereTheHostHasNoGetter) {
+  FakeHost host;
+  offerArrays(host);
+  host.withhold("RuntimeArrayCreateSingleDimBoundedArray");
+  Doubles array({4.5});
+  ElementReader read;
+  host.withhold("PluginDoubleArrayGetProc");
+  EXPECT_EQ(read(array.handle<REALarrayDouble>(), 0), 0);
 }
 
 // The self-test makes an array, and what the host does then may read one itself.

@@ -94,6 +94,36 @@ TEST(ConstrainedSpline, HasTheFormulasBits) {
   }
 }
 
+// Both ways to search, at the places where one hands over to the other.
+TEST(ConstrainedSpline, HasTheFormulasBitsBetweenHardKnots) {
+  Generator generator(10);
+  std::vector<std::size_t> sizes{100, 1000, 4099};
+  for (std::size_t n = 3; n < 40; ++n) sizes.push_back(n);
+  for (const std::size_t n : sizes) {
+    for (int kind = 0; kind < hardKinds; ++kind) {
+      const Values x = hardKnots(static_cast<Hard>(kind), n, generator);
+      const Values y = generator.knots(Generator::Kind::ascending, n);
+      ASSERT_NO_FATAL_FAILURE(expectSameCurves(x, y, bordersOf(x, generator, std::min<std::size_t>(n, 400))))
+          << n << " points, kind " << kind;
+    }
+  }
+}
+
+// One knot of many out of order, at each place.
+TEST(ConstrainedSpline, HasTheFormulasBitsAroundASingleOddKnot) {
+  Generator generator(11);
+  for (const std::size_t n : {19, 40}) {
+    for (const double odd : {nan, infinity, -infinity, 1e9, -1e9}) {
+      for (std::size_t place = 0; place < n; ++place) {
+        Values x = hardKnots(Hard::even, n, generator);
+        x[place] = odd;
+        const Values y = generator.knots(Generator::Kind::shuffled, n);
+        ASSERT_NO_FATAL_FAILURE(expectSameCurves(x, y, bordersOf(x, generator, n))) << odd << " at " << place;
+      }
+    }
+  }
+}
+
 // The hash is that of x86-64; every other processor, compiler and optimization has to arrive at it.
 TEST(ConstrainedSpline, HasTheSameBitsOnEveryProcessor) {
   std::mt19937_64 engine(3);

@@ -42,6 +42,42 @@ TEST(KnotIndex, FindsWhatTheScanFinds) {
   }
 }
 
+TEST(KnotIndex, FindsWhatTheScanFindsAmongHardKnots) {
+  Generator generator(4);
+  for (const std::size_t n : {3, 17, 18, 100, 1000, 4099}) {
+    for (int kind = 0; kind < hardKinds; ++kind) {
+      const Values x = hardKnots(static_cast<Hard>(kind), n, generator);
+      ASSERT_NO_FATAL_FAILURE(expectSameIntervals(x, bordersOf(x, generator, std::min<std::size_t>(n, 200))))
+          << "kind " << kind;
+    }
+  }
+}
+
+// What only a search among ascending knots may rely on.
+TEST(KnotIndex, KnowsWhetherTheKnotsAscend) {
+  const auto ascends = [](const Values& x) {
+    KnotIndex index(x.size());
+    std::unique_ptr<double[]> maxima(new double[index.size()]);
+    index.fill(x.data(), maxima.get());
+    return index.isAscending();
+  };
+  for (const std::size_t n : {3, 9, 17, 18, 33, 34, 300}) {
+    Values x(n);
+    for (std::size_t i = 0; i < n; ++i) x[i] = static_cast<double>(i / 2);
+    EXPECT_TRUE(ascends(x)) << n;
+    for (std::size_t place = 1; place < n; ++place) {
+      Values odd = x;
+      odd[place] = nan;
+      EXPECT_FALSE(ascends(odd)) << "NaN at " << place << " of " << n;
+      if (place == 1) continue;
+      odd[place] = x[place - 1] - 0.5;
+      EXPECT_FALSE(ascends(odd)) << "a step down to " << place << " of " << n;
+    }
+    x[0] = nan;
+    EXPECT_TRUE(ascends(x)) << "the first point ends no interval";
+  }
+}
+
 // One odd knot at each place in turn, among knots in order.
 TEST(KnotIndex, FindsAroundASingleOddKnot) {
   for (const std::size_t n : {3, 17, 18, 40, 300}) {
