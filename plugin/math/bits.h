@@ -14,7 +14,7 @@ constexpr std::int64_t bitCount(std::uint64_t value) noexcept {
   return std::popcount(static_cast<std::uint32_t>(value));
 }
 
-// Forms for processors that have an instruction for it (math/processor.h).
+// Forms for processors that have an instruction for it (frame/processor.h).
 namespace tuned {
 #if defined(__x86_64__)
 __attribute__((target("popcnt"))) inline std::int64_t bitCount(std::uint64_t value) noexcept {

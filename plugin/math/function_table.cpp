@@ -3,6 +3,7 @@
 
 #include <cmath>
 
+#include "frame/processor.h"
 #include "frame/records.h"
 #include "math/bits.h"
 #include "math/currency.h"
@@ -13,7 +14,6 @@
 #include "math/luhn_functions.h"
 #include "math/normal_quantile_functions.h"
 #include "math/number_comparison_functions.h"
-#include "math/processor.h"
 #include "math/random_draws_functions.h"
 
 namespace qtx {
@@ -32,17 +32,15 @@ REALmethodDefinition library(DeclarationOf<function> declaration) {
   return methodRecord<function>(reinterpret_cast<REALproc>(function), declaration);
 }
 
-const Processor processor = thisProcessor();
-
 REALmethodDefinition functions[] = {
     method<&Random_NormalDistribution>(
         "RandomNormalDistributionQTX(Mean as Double, StdDev as Double) as double"),
     method<&Random_PoissonDistribution>("RandomPoissonDistributionQTX(Mean as Integer) as Integer"),
     method<&Random_ExponentialDistribution>("RandomExponentialDistributionQTX(lambda as Double) as double"),
     method<&NormInv>("NormInvQTX(p as Double, mu as double = 0.0, sigma as double = 1.0) as double"),
-    method<&tuned::toHalf, &toHalf>(processor.convertsHalfFloats,
+    method<&tuned::toHalf, &toHalf>(thisProcessor().convertsHalfFloats,
                                     "ConvertToFloat16QTX(Number as Single) as UInt16"),
-    method<&tuned::fromHalf, &fromHalf>(processor.convertsHalfFloats,
+    method<&tuned::fromHalf, &fromHalf>(thisProcessor().convertsHalfFloats,
                                         "ConvertFromFloat16QTX(Number as UInt16) as Single"),
     method<&IsValidCreditCardNumber>("IsValidCreditCardNumberQTX(Number as String) as boolean"),
     method<&addCurrency>("CurrencyAddQTX(value1 as Currency, value2 as Currency) as Currency"),
@@ -55,7 +53,8 @@ REALmethodDefinition functions[] = {
     method<&toInt64>("DoubleToInt64QTX(value as double) as Int64"),
     method<SignedToDouble{&toDouble}>("Int64ToDoubleQTX(value as Int64) as double"),
     method<&withoutBits>("BitClearQTX(value as UInt64, mask as UInt64) as UInt64"),
-    method<&tuned::bitCount, &bitCount>(processor.countsBits, "BitCountQTX(value as UInt64) as Integer"),
+    method<&tuned::bitCount, &bitCount>(thisProcessor().countsBits,
+                                        "BitCountQTX(value as UInt64) as Integer"),
     method<&highWord>("HiWordQTX(i as integer) as integer"),
     method<&lowWord>("LoWordQTX(i as integer) as integer"),
     method<&shiftBits>("ArithmeticShiftQTX(value as UInt64, count as Integer) as UInt64"),

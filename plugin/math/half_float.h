@@ -44,7 +44,7 @@ constexpr float fromHalf(std::uint16_t half) noexcept {
   return std::bit_cast<float>(bits | sign);
 }
 
-// Forms for processors that have instructions for it (math/processor.h). The instructions give the same but
+// Forms for processors that have instructions for it (frame/processor.h). The instructions give the same but
 // for rare numbers, which fall to the forms above: what is truncated never becomes infinite, and a NaN
 // becomes a quiet one or loses its payload. Functions this short take no longer than an empty one while their
 // code lies in one line of the cache.

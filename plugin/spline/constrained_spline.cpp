@@ -5,9 +5,7 @@
 #include <limits>
 #include <new>
 
-#if defined(__x86_64__)
-#include <cpuid.h>
-#endif
+#include "frame/processor.h"
 
 namespace qtx {
 namespace {
@@ -80,21 +78,6 @@ __attribute__((target("avx"))) void computeCubicsWide(const double* x, const dou
                                                       double* cubics) {
   computeCubics(x, y, n, cubics);
 }
-
-// Whether processor and system know the wider vectors.
-bool hasWideVectors() {
-  static const bool answer = [] {
-    unsigned a, b, c, d;
-    if (!__get_cpuid(1, &a, &b, &c, &d)) return false;
-    constexpr unsigned needed = bit_AVX | bit_OSXSAVE;
-    if ((c & needed) != needed) return false;
-    unsigned low, high;
-    asm("xgetbv" : "=a"(low), "=d"(high) : "c"(0));
-    constexpr unsigned savedBySystem = 0b110;  // vectors, and their upper halves
-    return (low & savedBySystem) == savedBySystem;
-  }();
-  return answer;
-}
 #endif
 
 }  // namespace
@@ -124,7 +107,7 @@ ConstrainedSpline::ConstrainedSpline(const double* x, const double* y, std::size
   }
   std::fill(cubics - stride, cubics, 0.0);
 #if defined(__x86_64__)
-  if (hasWideVectors()) {
+  if (thisProcessor().hasWideVectors) {
     computeCubicsWide(x, y, n, cubics);
     return;
   }

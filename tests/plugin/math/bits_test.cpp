@@ -6,7 +6,7 @@
 #include <random>
 #include <vector>
 
-#include "math/processor.h"
+#include "frame/processor.h"
 
 namespace qtx {
 namespace {

@@ -8,11 +8,11 @@
 #include <string>
 
 #include "frame/fake_host.h"
+#include "frame/processor.h"
 #include "frame/records.h"
 #include "math/bits.h"
 #include "math/function_table.h"
 #include "math/half_float.h"
-#include "math/processor.h"
 
 namespace qtx {
 namespace {

@@ -5,9 +5,9 @@
 #include <thread>
 #include <vector>
 
+#include "frame/processor.h"
 #include "half_float_model.h"
 #include "math/half_float.h"
-#include "math/processor.h"
 
 int main() {
   std::atomic<unsigned> nextBlock{0};

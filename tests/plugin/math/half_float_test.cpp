@@ -9,8 +9,8 @@
 #include <random>
 #include <vector>
 
+#include "frame/processor.h"
 #include "half_float_model.h"
-#include "math/processor.h"
 
 namespace qtx {
 namespace {

@@ -4,9 +4,12 @@
 namespace qtx {
 
 struct Processor {
-  bool convertsHalfFloats, countsBits;
+  bool countsBits = false;
+  bool hasWideVectors = false;  // of four doubles
+  bool convertsHalfFloats = false;
 };
 
-Processor thisProcessor();
+// Asked once.
+const Processor& thisProcessor();
 
 }  // namespace qtx
