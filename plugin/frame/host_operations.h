@@ -27,8 +27,7 @@ class HostOperation<Result(Arguments...)> {
   Function resolve() {
     void* entry = entry_.load(std::memory_order_relaxed);
     if (entry == nullptr) [[unlikely]] {
-      entry = find_(name_);
-      entry_.store(entry, std::memory_order_relaxed);
+      entry = search();
     }
     return reinterpret_cast<Function>(entry);
   }
@@ -39,6 +38,13 @@ class HostOperation<Result(Arguments...)> {
   }
 
  private:
+  // Out of line: every call of the operation has this once.
+  [[gnu::noinline, gnu::cold]] void* search() {
+    void* const entry = find_(name_);
+    entry_.store(entry, std::memory_order_relaxed);
+    return entry;
+  }
+
   const char* name_;
   LookUp find_;
   std::atomic<void*> entry_{nullptr};
