@@ -25,9 +25,10 @@ class HostOperation<Result(Arguments...)> {
 
   // The entry point, or null.
   Function resolve() {
-    void* const entry = entry_.load(std::memory_order_relaxed);
-    if (entry == nullptr) [[unlikely]]
-      return lookUpNow();
+    void* entry = entry_.load(std::memory_order_relaxed);
+    if (entry == nullptr) [[unlikely]] {
+      entry = search();
+    }
     return reinterpret_cast<Function>(entry);
   }
 
@@ -37,11 +38,11 @@ class HostOperation<Result(Arguments...)> {
   }
 
  private:
-  // Out of line: calls are many, and look-ups few.
-  __attribute__((noinline)) Function lookUpNow() {
+  // Out of line: every call of the operation has this once.
+  [[gnu::noinline, gnu::cold]] void* search() {
     void* const entry = find_(name_);
     entry_.store(entry, std::memory_order_relaxed);
-    return reinterpret_cast<Function>(entry);
+    return entry;
   }
 
   const char* name_;

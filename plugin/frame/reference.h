@@ -33,7 +33,8 @@ class Reference {
     unlock(std::exchange(handle_, other.release()));
     return *this;
   }
-  ~Reference() { unlock(handle_); }
+  // Always inline: whoever called it, if only while unwinding, would have to keep the handle in memory.
+  [[gnu::always_inline]] ~Reference() { unlock(handle_); }
 
   explicit operator bool() const { return handle_ != nullptr; }
   Handle borrow() const { return handle_; }                              // while this object lives

@@ -1,8 +1,8 @@
 // Text and data views of host strings.
 #include "frame/text_bridge.h"
 
-#include <algorithm>
 #include <cstring>
+#include <memory>
 #include <new>
 
 #include "frame/debug_log.h"
@@ -12,35 +12,60 @@
 
 namespace qtx {
 
-namespace {
+// The views of a string that are not its own bytes, or that are but needed a look at each first.
+class rbText::OtherViews {
+ public:
+  OtherViews(Reference<REALstring> string, std::uint32_t source, std::string_view bytes);
 
-// The host string's own bytes. They need not be NUL-terminated, but the host keeps one readable byte behind
-// them.
-std::string_view hostBytes(REALstring string, bool traced = false) {
-  const char* bytes = REALGetStringContents(string);
-  const RBInteger length = LenB(string);
-  if (bytes) return {bytes, static_cast<std::size_t>(std::max<RBInteger>(length, 0))};
-  if (traced && length != 0) Trace("data is NULL, so size fixed to zero.");
-  return "";
-}
-
-}  // namespace
-
-rbText::rbText(REALstring string) {
-  if (!string) return;
-  string_ = Reference<REALstring>::to(string);
-  state_ = ASCIIState::unknown;
-  if (!REALGetStringEncoding.resolve()) {
-    sourceEncoding_ = encoding::macRoman;
-    return;
+  std::string_view view(Form form) {
+    const bool wantsUTF8 = form == Form::utf8 || (form == Form::plain && source_ == encoding::utf8);
+    View& wanted = wantsUTF8 ? utf8_ : ascii_;
+    fill(wanted);
+    return {wanted.text, static_cast<std::size_t>(wanted.length)};
   }
-  sourceEncoding_ = REALGetStringEncoding(string);
-  switch (sourceEncoding_) {
+
+ private:
+  struct View {
+    std::uint32_t encoding;
+    long long length = -1;    // −1: not computed yet
+    const char* text = "";    // never null
+    bool terminated = false;  // the byte behind the text is known to be NUL
+    REALstringData data = {};
+    bool dispose = false;  // data must be handed back
+    std::unique_ptr<char[]> copy = {};
+
+    ~View() {
+      if (dispose) REALDisposeStringData(&data);
+    }
+    void show(std::string_view bytes) {
+      length = static_cast<long long>(bytes.size());
+      text = bytes.data();
+    }
+  };
+  enum class ASCIIState { pure = 1, unknown = 2, impure = 3 };
+
+  // Settles whether the text is pure ASCII; if so, both views are the host string's own bytes.
+  void CheckASCII();
+  void guessEncoding();
+  void fill(View& view);
+  void convert(View& view);
+  void terminate(View& view);
+
+  View ascii_{encoding::ascii};
+  View utf8_{encoding::utf8};
+  Reference<REALstring> string_;  // given back before the data that was made of it
+  std::uint32_t source_;
+  ASCIIState state_ = ASCIIState::unknown;
+};
+
+rbText::OtherViews::OtherViews(Reference<REALstring> string, std::uint32_t source, std::string_view bytes)
+    : string_(std::move(string)), source_(source) {
+  switch (source) {
     case encoding::ascii:
-      viewHostBytes(ascii_);
+      ascii_.show(bytes);
       [[fallthrough]];
     case encoding::utf8:
-      viewHostBytes(utf8_);
+      utf8_.show(bytes);
       break;
     case encoding::utf16:
     case encoding::utf32:
@@ -50,102 +75,85 @@ rbText::rbText(REALstring string) {
     case encoding::utf32LittleEndian:
       state_ = ASCIIState::impure;
       break;
-    case encoding::none: {
+    case encoding::none:
       CheckASCII();
-      const std::string_view bytes = hostBytes(string);
-      if (bytes.empty()) {
-        utf8_ = View();
-        ascii_ = View();
-      } else if (state_ == ASCIIState::impure) {
-        // Bytes of no known encoding are given one to be converted from: whatever the host takes 0 for.
-        Reference guessed(
-            REALBuildUnicodeString(bytes.data(), static_cast<long long>(bytes.size()), encoding::macRoman));
-        if (guessed) {
-          string_ = std::move(guessed);
-          sourceEncoding_ = REALGetStringEncoding(string_.borrow());
-        }
-      }
+      if (state_ == ASCIIState::impure) guessEncoding();
       break;
-    }
     default:
       break;
   }
 }
 
-rbText::~rbText() {
-  if (frontGuard_ != guardWord) Trace("Check1 in rbText invalid", frontGuard_);
-  if (backGuard_ != guardWord) Trace("Check2 in rbText invalid", backGuard_);
-  string_ = {};  // before the data that was made of it
-  for (View* view : {&utf8_, &ascii_}) {
-    if (view->dispose) REALDisposeStringData(&view->data);
-  }
-}
-
-void rbText::viewHostBytes(View& view) {
-  const std::string_view bytes = hostBytes(string_.borrow());
-  view.length = static_cast<long long>(bytes.size());
-  view.text = bytes.empty() ? "" : bytes.data();
-  view.terminated = bytes.empty();
-}
-
-void rbText::CheckASCII() {
+void rbText::OtherViews::CheckASCII() {
   if (state_ != ASCIIState::unknown) return;
-  if (isASCII(rbData(string_.borrow()).bytes())) {
-    state_ = ASCIIState::pure;
-    for (View* view : {&ascii_, &utf8_}) {
-      if (view->length < 0) viewHostBytes(*view);  // what has been viewed stays as long as the object
-    }
+  const rbData data(string_.borrow());
+  state_ = isASCII(data.bytes()) ? ASCIIState::pure : ASCIIState::impure;
+  if (state_ == ASCIIState::impure) return;
+  for (View* view : {&ascii_, &utf8_}) {
+    if (view->length < 0) view->show(data.bytes());  // what has been viewed stays as long as the object
+  }
+}
+
+// Bytes of no known encoding are given one to be converted from: whatever the host takes 0 for.
+void rbText::OtherViews::guessEncoding() {
+  const std::string_view bytes = hostBytes(string_.borrow());
+  Reference guessed(
+      REALBuildUnicodeString(bytes.data(), static_cast<long long>(bytes.size()), encoding::macRoman));
+  if (!guessed) return;
+  // The builder's reference is kept, and none added: a host may be unable to.
+  string_ = std::move(guessed);
+  source_ = REALGetStringEncoding(string_.borrow());
+}
+
+void rbText::OtherViews::fill(View& view) {
+  if (view.length < 0) CheckASCII();
+  if (view.length < 0) convert(view);
+  if (!view.terminated) terminate(view);
+}
+
+void rbText::OtherViews::convert(View& view) {
+  view.length = 0;
+  if (REALGetStringData(string_.borrow(), view.encoding, &view.data)) {
+    view.dispose = true;
+    if (view.data.data && view.data.length >= 1) view.show({view.data.data, view.data.length});
   } else {
-    state_ = ASCIIState::impure;
+    Trace("REALGetStringData failed.");
   }
 }
 
-void rbText::fill(View& view, std::uint32_t encoding) {
-  if (view.length < 0 && string_) CheckASCII();
-  if (view.length < 0) {
-    view.length = 0;
-    view.terminated = true;
-    if (string_ && state_ != ASCIIState::pure) {
-      if (REALGetStringData(string_.borrow(), encoding, &view.data)) {
-        view.dispose = true;
-        if (view.data.data && view.data.length >= 1) {
-          view.text = view.data.data;
-          view.length = static_cast<long long>(view.data.length);
-          view.terminated = false;
-        }
-      } else {
-        Trace("REALGetStringData failed.");
-      }
-    }
-  }
-  terminate(view);
-}
-
-void rbText::terminate(View& view) {
-  if (view.terminated) return;
+void rbText::OtherViews::terminate(View& view) {
   view.terminated = true;
   const auto length = static_cast<std::size_t>(view.length);
   if (view.text[length] == 0) return;
   Trace("String is not zero terminated. Fixed.");
   view.copy.reset(new (std::nothrow) char[length + 4]());
-  if (!view.copy) {
+  if (view.copy) {
+    std::memcpy(view.copy.get(), view.text, length);
+    view.text = view.copy.get();
+  } else {
     Trace("Out of memory");
-    view.text = "";
-    view.length = 0;
-    return;
+    view.show("");
   }
-  std::memcpy(view.copy.get(), view.text, length);
-  view.text = view.copy.get();
 }
 
-const char* rbText::GetUTF8() {
-  fill(utf8_, encoding::utf8);
-  return utf8_.text;
+rbText::OtherViews* rbText::makeOther(Reference<REALstring> string, std::uint32_t source,
+                                      std::string_view bytes) {
+  auto* made = new (std::nothrow) OtherViews(std::move(string), source, bytes);
+  if (!made) {
+    if (bytes.data()[bytes.size()] != 0) Trace("String is not zero terminated. Fixed.");
+    Trace("Out of memory");
+  }
+  return made;
 }
 
-void rbText::ConvertASCII() { fill(ascii_, encoding::ascii); }
+std::string_view rbText::viewOther(OtherViews* views, Form form) { return views ? views->view(form) : ""; }
 
-std::string_view rbText::plain() { return sourceEncoding_ == encoding::utf8 ? utf8() : ascii(); }
+void rbText::remove(OtherViews* views) { delete views; }
+
+void rbText::reportDamage(std::uint64_t frontGuard, std::uint64_t backGuard) {
+  if (frontGuard != guardWord) Trace("Check1 in rbText invalid", frontGuard);
+  if (backGuard != guardWord) Trace("Check2 in rbText invalid", backGuard);
+}
 
 rbData::rbData(REALstring string) {
   if (!string) return;

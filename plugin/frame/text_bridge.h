@@ -1,65 +1,98 @@
 // Crosses between host strings and bytes: text views on the way in, new host strings on the way out.
 #pragma once
 
-#include <memory>
 #include <string_view>
 
+#include "frame/debug_log.h"
 #include "frame/reference.h"
 
 namespace qtx {
 
+// The host string's own bytes, none where the host has no bytes or no length. They need not be
+// NUL-terminated, but the host keeps one readable byte behind them.
+inline std::string_view hostBytes(REALstring string, bool traced = false) {
+  const char* bytes = REALGetStringContents(string);
+  const RBInteger length = LenB(string);
+  if (bytes && length > 0) [[likely]] {
+    return {bytes, static_cast<std::size_t>(length)};
+  }
+  if (traced && !bytes && length != 0) Trace("data is NULL, so size fixed to zero.");
+  return "";
+}
+
 // A host string viewed as NUL-terminated UTF-8 or ASCII text. Views are valid as long as the object. Never
 // fails: what cannot be had is empty text.
+//
+// Strings in UTF-8 and ASCII, which are nearly all, are viewed where they lie. That is always inline, and no
+// function is handed the object's address, so that the compiler can keep all of it in registers. Whatever
+// other views take is a part of its own, made only where it is needed.
 class rbText {
  public:
-  explicit rbText(REALstring string);
-  ~rbText();
+  [[gnu::always_inline]] explicit rbText(REALstring string) {
+    if (!string) return;
+    string_ = Reference<REALstring>::to(string);
+    source_ = REALGetStringEncoding(string);  // 0, Mac Roman, where the host does not tell
+    if (source_ == encoding::utf8 || source_ == encoding::ascii) [[likely]] {
+      bytes_ = hostBytes(string);
+    } else {
+      other_ = makeOther(std::move(string_), source_, bytes_);
+    }
+  }
+  [[gnu::always_inline]] ~rbText() {
+    if (frontGuard_ != guardWord || backGuard_ != guardWord) [[unlikely]] {
+      reportDamage(frontGuard_, backGuard_);
+    }
+    if (other_) [[unlikely]] {
+      remove(other_);
+    }
+  }
   rbText(const rbText&) = delete;
   rbText& operator=(const rbText&) = delete;
 
   // The text in UTF-8; never null, empty text at worst. The length in bytes does not count the terminating
   // NUL.
-  const char* GetUTF8();
-  std::string_view utf8() { return {GetUTF8(), static_cast<std::size_t>(utf8_.length)}; }
+  const char* GetUTF8() { return utf8().data(); }
+  std::string_view utf8() { return view<Form::utf8>(); }
 
   // Fills the ASCII view.
-  void ConvertASCII();
-  std::string_view ascii() {
-    ConvertASCII();
-    return {ascii_.text, static_cast<std::size_t>(ascii_.length)};
-  }
+  void ConvertASCII() { ascii(); }
+  std::string_view ascii() { return view<Form::ascii>(); }
 
   // The text as it is where the string is UTF-8 or ASCII, converted to ASCII otherwise: for parsers that
   // refuse every other character anyway.
-  std::string_view plain();
+  std::string_view plain() { return view<Form::plain>(); }
 
  private:
-  enum class ASCIIState { pure = 1, unknown = 2, impure = 3 };
+  enum class Form { utf8, ascii, plain };
+  class OtherViews;
 
-  struct View {
-    long long length = -1;    // −1: not computed yet
-    const char* text = "";    // never null
-    bool terminated = false;  // the byte behind the text is known to be NUL
-    REALstringData data = {};
-    bool dispose = false;  // data must be handed back
-    std::unique_ptr<char[]> copy;
-  };
+  template <Form form>
+  [[gnu::always_inline]] std::string_view view() {
+    const bool inThatForm = form != Form::ascii || source_ == encoding::ascii;
+    if (!other_ && inThatForm && *(bytes_.data() + bytes_.size()) == 0) [[likely]] {
+      return bytes_;
+    }
+    if (!other_ && string_) {
+      other_ = makeOther(std::move(string_), source_, bytes_);
+      bytes_ = "";
+    }
+    return viewOther(other_, form);
+  }
 
-  // Settles whether the text is pure ASCII; if so, both views are the host string's own bytes.
-  void CheckASCII();
-  void viewHostBytes(View& view);
-  void fill(View& view, std::uint32_t encoding);
-  void terminate(View& view);
+  // Null where there is no memory.
+  static OtherViews* makeOther(Reference<REALstring> string, std::uint32_t source, std::string_view bytes);
+  static std::string_view viewOther(OtherViews* views, Form form);
+  static void remove(OtherViews* views);
+  static void reportDamage(std::uint64_t frontGuard, std::uint64_t backGuard);
 
   static constexpr std::uint64_t guardWord = 0x51545854;  // 'QTXT'
 
   std::uint64_t frontGuard_ =
       guardWord;  // first and last members: a caller that writes past an object is noticed
   Reference<REALstring> string_;
-  View utf8_;
-  View ascii_;
-  ASCIIState state_ = ASCIIState::pure;
-  std::uint32_t sourceEncoding_ = encoding::ascii;
+  std::uint32_t source_ = encoding::ascii;
+  std::string_view bytes_ = "";  // the string's own, if it is UTF-8 or ASCII
+  OtherViews* other_ = nullptr;  // once it is needed; has the string then
   std::uint64_t backGuard_ = guardWord;
 };
 

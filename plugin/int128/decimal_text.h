@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "frame/digit_words.h"
 #include "int128/wide_integer.h"
 
 namespace qtx {
@@ -19,7 +20,34 @@ std::string_view int128_to_string(Int128 value, DecimalBuffer& buffer);
 // "  -42xyz" is −42, and "", "abc" and "- 5" are 0. Read as unsigned, a "-" is skipped: "-5" is 5.
 template <typename Value>
 Value parseDecimal(std::string_view text);
-extern template UInt128 parseDecimal<UInt128>(std::string_view);
-extern template Int128 parseDecimal<Int128>(std::string_view);
+
+namespace detail {
+
+// Of any length, with any prefix.
+template <typename Value>
+Value parseAnyDecimal(std::string_view text);
+extern template UInt128 parseAnyDecimal<UInt128>(std::string_view);
+extern template Int128 parseAnyDecimal<Int128>(std::string_view);
+
+// Takes digits from `at`, of which there are fewer than eight until `end`.
+inline std::uint32_t takeShort(const char*& at, const char* end) {
+  std::uint32_t value = 0;
+  for (; at != end && digitWords::digitOf(*at) <= 9; ++at) value = value * 10 + digitWords::digitOf(*at);
+  return value;
+}
+
+}  // namespace detail
+
+// Short numbers, the most frequent, are read where they are wanted.
+template <typename Value>
+Value parseDecimal(std::string_view text) {
+  if (text.size() < 8) {
+    const char* at = text.data();
+    const char* const end = at + text.size();
+    const std::uint32_t value = detail::takeShort(at, end);
+    if (at == end) return Value::fromBits(value);
+  }
+  return detail::parseAnyDecimal<Value>(text);
+}
 
 }  // namespace qtx

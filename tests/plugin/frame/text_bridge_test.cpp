@@ -318,6 +318,184 @@ TEST(Text, IsEmptyWhereThereIsNoMemoryToTerminateIt) {
   });
 }
 
+// A host that writes down what it is asked, of strings that it passes to the fake host's own operations.
+class WritingHost : public FakeHost {
+ public:
+  WritingHost() {
+    calls.clear();
+    offer(
+        "REALLockString", +[](REALstring string) {
+          calls.push_back("lock");
+          current->lock(string);
+        });
+    offer(
+        "REALUnlockString", +[](REALstring string) {
+          calls.push_back("unlock");
+          current->unlock(string);
+        });
+    offer(
+        "REALGetStringEncoding", +[](REALstring string) {
+          calls.push_back("encoding");
+          return current->string(string).encoding;
+        });
+    offer(
+        "StringGetCString", +[](REALstring string) -> const char* {
+          calls.push_back("bytes");
+          return current->string(string).bytes.data();
+        });
+    offer(
+        "LenB( s as string ) as integer", +[](REALstring string) {
+          calls.push_back("length");
+          return static_cast<RBInteger>(current->bytesOf(string).size());
+        });
+    offer(
+        "REALBuildStringWithEncoding", +[](const char* bytes, std::int32_t length, std::uint32_t encoding) {
+          calls.push_back("build " + std::to_string(encoding));
+          return current->makeString({bytes, static_cast<std::size_t>(length)}, encoding);
+        });
+    offer(
+        "PluginGetStringData", +[](REALstring string, std::uint32_t encoding, REALstringData* out) {
+          calls.push_back("convert " + std::to_string(encoding));
+          const std::string_view bytes = current->bytesOf(string);
+          auto* copy = new char[bytes.size() + 1];
+          std::memcpy(copy, bytes.data(), bytes.size());
+          copy[bytes.size()] = current->terminator;
+          *out = {copy, bytes.size(), encoding, copy};
+          return true;
+        });
+    offer(
+        "PluginDisposeStringData", +[](REALstringData* data) {
+          calls.push_back("dispose");
+          delete[] static_cast<char*>(data->reserved);
+          *data = {};
+        });
+  }
+
+  static inline Strings calls;
+};
+
+struct AskedRow {
+  std::uint32_t encoding;
+  std::string_view bytes;
+  std::vector<std::string_view (rbText::*)()> views;
+  Strings asked;
+};
+const auto asUTF8 = &rbText::utf8, asASCII = &rbText::ascii, asItIs = &rbText::plain;
+
+const AskedRow askedRows[] = {
+    {encoding::utf8, "12", {}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    {encoding::utf8, "12", {asUTF8, asItIs, asUTF8}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    {encoding::utf8, "\xC3\x9F", {asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    {encoding::utf8, "", {asUTF8, asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    {encoding::ascii, "12", {}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    {encoding::ascii, "12", {asUTF8, asASCII, asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    {encoding::ascii, "\x80", {asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    // Whether it is ASCII is looked up under a reference of its own.
+    {encoding::utf8,
+     "12",
+     {asASCII, asUTF8, asASCII},
+     {"lock", "encoding", "bytes", "length", "lock", "bytes", "length", "unlock", "unlock"}},
+    {encoding::utf8,
+     "\xC3\x9F",
+     {asUTF8, asASCII},
+     {"lock", "encoding", "bytes", "length", "lock", "bytes", "length", "unlock", "convert 1536", "unlock",
+      "dispose"}},
+    {encoding::macRoman, "12", {}, {"lock", "encoding", "unlock"}},
+    {encoding::macRoman,
+     "12",
+     {asItIs, asUTF8},
+     {"lock", "encoding", "lock", "bytes", "length", "unlock", "unlock"}},
+    {encoding::isoLatin1,
+     "\x80",
+     {asItIs, asUTF8},
+     {"lock", "encoding", "lock", "bytes", "length", "unlock", "convert 1536", "convert 134217984", "unlock",
+      "dispose", "dispose"}},
+    {encoding::utf16, "1 ", {}, {"lock", "encoding", "unlock"}},
+    {encoding::utf16, "1 ", {asItIs}, {"lock", "encoding", "convert 1536", "unlock", "dispose"}},
+    {encoding::utf32BigEndian,
+     "1   ",
+     {asUTF8, asUTF8},
+     {"lock", "encoding", "convert 134217984", "unlock", "dispose"}},
+    {encoding::none, "12", {}, {"lock", "encoding", "lock", "bytes", "length", "unlock", "unlock"}},
+    {encoding::none,
+     "12",
+     {asItIs, asUTF8},
+     {"lock", "encoding", "lock", "bytes", "length", "unlock", "unlock"}},
+    {encoding::none,
+     "\x80",
+     {asUTF8},
+     {"lock", "encoding", "lock", "bytes", "length", "unlock", "bytes", "length", "build 0", "unlock",
+      "encoding", "convert 134217984", "unlock", "dispose"}},
+};
+
+TEST(Text, AsksTheHostForNoMoreThanItNeeds) {
+  for (const char terminator : {'\0', '9'}) {
+    WritingHost host;
+    host.terminator = terminator;
+    for (const AskedRow& row : askedRows) {
+      withString(host, row.bytes, row.encoding, [&](REALstring string) {
+        host.calls.clear();
+        {
+          rbText text(string);
+          for (const auto view : row.views) EXPECT_EQ((text.*view)(), row.bytes);
+        }
+        EXPECT_EQ(host.calls, row.asked) << row.encoding << " " << row.bytes;
+      });
+    }
+  }
+}
+
+TEST(Text, AsksTheHostNothingForANullString) {
+  WritingHost host;
+  rbText(nullptr).plain();
+  EXPECT_EQ(host.calls, Strings());
+}
+
+// Whatever of it is asked for, and however often.
+void expectNoViews(FakeHost& host, std::uint32_t encoding, const std::string& log) {
+  withString(host, "1234", encoding, [&](REALstring string) {
+    rbText(string).plain();  // looks the operations up
+    bool empty = true;
+    EXPECT_EQ(logOf([&] {
+                const FailAllocationsOf failing(1, 1000);
+                rbText text(string);
+                for (int i = 0; i < 2; ++i) {
+                  for (const auto view : {asUTF8, asASCII, asItIs}) empty &= (text.*view)().empty();
+                }
+              }),
+              log)
+        << encoding;
+    EXPECT_TRUE(empty) << encoding;
+  });
+}
+
+TEST(Text, IsEmptyWhereThereIsNoMemoryForOtherViews) {
+  FakeHost host;
+  debugging = true;
+  for (const auto encoding : {encoding::utf16, encoding::macRoman, encoding::none}) {
+    expectNoViews(host, encoding, "QTX Debug: Out of memory\n");
+  }
+  host.terminator = '9';
+  for (const auto encoding : {encoding::utf8, encoding::ascii}) {
+    expectNoViews(host, encoding,
+                  "QTX Debug: String is not zero terminated. Fixed.\nQTX Debug: Out of memory\n");
+  }
+}
+
+TEST(Text, IsReadWhereItLiesWithoutMemory) {
+  FakeHost host;
+  for (const auto encoding : {encoding::utf8, encoding::ascii}) {
+    withString(host, "1234", encoding, [&](REALstring string) {
+      rbText(string).plain();  // looks the operations up
+      const long before = livingAllocations();
+      rbText text(string);
+      const std::string_view view = text.plain();
+      EXPECT_EQ(livingAllocations(), before);
+      EXPECT_EQ(view, "1234");
+    });
+  }
+}
+
 TEST(Text, ReportsDamagedGuardWords) {
   FakeHost host;
   debugging = true;

@@ -204,13 +204,34 @@ TEST(DecimalText, OfAMegabyteIsReadModulo2To128) {
   checkParse<Int128>(std::string(1 << 20, ' ') + "-9");
 }
 
+// Every byte in every place of runs of digits of every length: ends the number there, or is a digit.
 TEST(DecimalText, StaysAtOneByteOfDifference) {
-  // Every byte in every place of a run of digits: ends the number there, or is a digit.
-  for (std::size_t place = 0; place < 40; ++place) {
-    for (int byte = 0; byte < 256; ++byte) {
-      std::string text = "1234567890123456789012345678901234567890";
-      text[place] = static_cast<char>(byte);
-      checkParse<Int128>(text);
+  const std::string digits = "98765432101234567890123456789012345678909876543210123456789012345";
+  for (std::size_t length = 0; length <= 64; ++length) {
+    std::string text = digits.substr(0, length);
+    checkParse<Int128>(text);
+    checkParse<UInt128>(text);
+    for (char& place : text) {
+      const char before = place;
+      for (int byte = 0; byte < 256; ++byte) {
+        place = static_cast<char>(byte);
+        checkParse<Int128>(text);
+      }
+      place = before;
+    }
+  }
+}
+
+TEST(DecimalText, OfEveryLengthIsReadBehindEveryPrefix) {
+  RandomBits random;
+  for (const char* prefix : {"", "-", "+", " ", "\t -", "        ", "                -", "--", "-+", "- "}) {
+    for (std::size_t length = 0; length <= 64; ++length) {
+      std::string text = prefix;
+      for (std::size_t i = 0; i < length; ++i) text += static_cast<char>('0' + random.word() % 10);
+      for (const char* suffix : {"", " ", ".5", "x", "\xFF", "                  1"}) {
+        checkParse<Int128>(text + suffix);
+        checkParse<UInt128>(text + suffix);
+      }
     }
   }
 }

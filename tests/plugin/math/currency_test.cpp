@@ -7,6 +7,7 @@
 #include <ostream>
 #include <random>
 #include <string>
+#include <vector>
 
 namespace qtx {
 
@@ -135,6 +136,47 @@ ParsedCurrency modelParse(std::string text) {
   return {std::stoll((negative ? "-" : "") + digits)};
 }
 
+// The text is copied to memory of exactly that size, so that a read past either end is noticed.
+void check(const std::string& text) {
+  const std::vector<char> exact(text.begin(), text.end());
+  ASSERT_EQ(parseCurrency({exact.data(), exact.size()}), modelParse(text)) << text;
+}
+
+// Every length, the point in every place or nowhere, with and without a sign.
+TEST(ParseCurrency, AgreesWithTheModelWhereverThePointIs) {
+  const std::string digits = "1234567890987654321012345";
+  for (std::size_t length = 0; length <= digits.size(); ++length) {
+    for (const char* sign : {"", "-", "+", "-+", "+-"}) {
+      const std::string text = sign + digits.substr(0, length);
+      check(text);
+      for (std::size_t place = 0; place <= text.size(); ++place) {
+        const std::string one = text.substr(0, place) + "." + text.substr(place);
+        check(one);
+        for (std::size_t second = place; second <= one.size(); ++second) {
+          check(one.substr(0, second) + "." + one.substr(second));
+        }
+      }
+    }
+  }
+}
+
+TEST(ParseCurrency, AgreesWithTheModelOnEveryByteInEveryPlace) {
+  for (const std::string_view digits :
+       {"0", "10", "1.5", "1.50", "12.34", "123.456", "1234.567", "1234.5678", "12345678", "123456789.01",
+        "12345678901234567", "000000000000012.3456", "922337203685477.580", "922337203685477.5807",
+        "-922337203685477.5807", "-12.3", "0000000000000000012.3", "00000000000000000012.3"}) {
+    std::string text(digits);
+    for (char& place : text) {
+      const char before = place;
+      for (int byte = 0; byte < 256; ++byte) {
+        place = static_cast<char>(byte);
+        check(text);
+      }
+      place = before;
+    }
+  }
+}
+
 TEST(ParseCurrency, AgreesWithTheModelOnRandomText) {
   std::mt19937 random(4);
   const auto pick = [&](std::string_view from) { return from[random() % from.size()]; };
@@ -146,7 +188,7 @@ TEST(ParseCurrency, AgreesWithTheModelOnRandomText) {
       const auto kind = random() % 40;
       text += kind == 0 ? pick(std::string_view("x ,/:-+\0\xC3", 9)) : kind < 4 ? '.' : pick("0123456789");
     }
-    ASSERT_EQ(parseCurrency(text), modelParse(text)) << text;
+    check(text);
   }
 }
 
@@ -164,7 +206,7 @@ TEST(ParseCurrency, AgreesWithTheModelAroundTheLimits) {
     if (random() % 8 == 0) text.insert(0, "0");
     if (random() % 8 == 0) text += "x";
     if (random() % 4 == 0) text.insert(0, "-");
-    ASSERT_EQ(parseCurrency(text), modelParse(text)) << text;
+    check(text);
   }
 }
 
