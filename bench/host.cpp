@@ -36,15 +36,19 @@ Array* arrayAt(Handle handle) {
   return reinterpret_cast<Array*>(handle);
 }
 
-REALclassDefinition* classes[16];
+struct Class {
+  std::string_view name;
+  const REALclassDefinition* record;
+};
+Class classes[16];
 std::size_t classCount = 0;
-REALclassDefinition otherClass = {};  // of exceptions
+const REALclassDefinition otherClass = {};  // of exceptions
 REALmoduleDefinition* module = nullptr;
 std::atomic<std::int64_t> raised = 0;
 
-REALclassDefinition* classNamed(std::string_view name) {
+const REALclassDefinition* classNamed(std::string_view name) {
   for (std::size_t i = 0; i < classCount; ++i) {
-    if (name == classes[i]->name) return classes[i];
+    if (name == classes[i].name) return classes[i].record;
   }
   return nullptr;
 }
@@ -126,7 +130,7 @@ double getDouble(REALarrayDouble array, RBInteger index) { return arrayAt(array)
 
 void registerClass(REALclassDefinition* record) {
   record->dataOffset = dataOffset;
-  classes[classCount++] = record;
+  classes[classCount++] = {record->name, record};
 }
 void raise(REALobject) { ++raised; }
 
@@ -174,7 +178,8 @@ REALproc find(const REALmethodDefinition* records, std::size_t count, std::strin
 }
 const REALclassDefinition& classWith(std::string_view name) {
   const REALclassDefinition* record = classNamed(name);
-  return record ? *record : (fail("the library has no", name), otherClass);
+  if (!record) fail("the library has no", name);
+  return *record;
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
-// A host that does the least that a host must: strings, objects and arrays with reference counts. The library is
-// opened as users get it and entered through its records. All contenders call the operations through the same
-// pointers, and nothing of them can be inlined: they are defined elsewhere.
+// A host that does the least that a host must: strings, objects and arrays with reference counts. The library
+// is opened as users get it and entered through its records. All contenders call the operations through the
+// same pointers, and nothing of them can be inlined: they are defined elsewhere.
 #pragma once
 
 #include <atomic>

@@ -101,11 +101,12 @@ Subject arithmetic(const std::string& what, const std::string& operation, Binary
                    int otherWidth) {
   const std::string name = Kind::name;
   return {.name = name + " " + what, .contenders = [=] {
-            return contendersOf(operatorOf(name, operation),
-                                {{"compiler's __int128", &peer<typename Kind::Native, typename Kind::Native, Operation>},
-                                 {"Boost", &peer<typename Kind::Native, typename Kind::Boost, Operation>},
-                                 {"limit", limit}},
-                                operands((name + "QTX").c_str(), width, otherWidth));
+            return contendersOf(
+                operatorOf(name, operation),
+                {{"compiler's __int128", &peer<typename Kind::Native, typename Kind::Native, Operation>},
+                 {"Boost", &peer<typename Kind::Native, typename Kind::Boost, Operation>},
+                 {"limit", limit}},
+                operands((name + "QTX").c_str(), width, otherWidth));
           }};
 }
 
@@ -114,7 +115,8 @@ void addDivisions(std::vector<Subject>& all) {
   for (const int divisor : {64, 100}) {
     const std::string bits = " of 126 bits by " + std::to_string(divisor);
     all.push_back(arithmetic<Kind, std::divides>("division" + bits, "Divide", Kind::quotient, 126, divisor));
-    all.push_back(arithmetic<Kind, std::modulus>("remainder" + bits, "Modulo", Kind::remainder, 126, divisor));
+    all.push_back(
+        arithmetic<Kind, std::modulus>("remainder" + bits, "Modulo", Kind::remainder, 126, divisor));
   }
 }
 

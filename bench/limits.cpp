@@ -1,5 +1,5 @@
-// Compiled for the processor of this machine, and linked last: of inline functions that other files have as well, the
-// linker keeps the first.
+// Compiled for the processor of this machine, and linked last: of inline functions that other files have as
+// well, the linker keeps the first.
 #include "limits.h"
 
 #if defined(__x86_64__)
@@ -24,7 +24,8 @@ inline std::uint64_t valueOf(__m128i digits) {
 inline bool load(const char* text, std::size_t count, __m128i& digits) {
   const auto mask = static_cast<__mmask16>(0xFFFFu << (16 - count));
   // What lies before the text is not read, only counted from.
-  const auto start = reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(text) - (16 - count));
+  const auto* const start =
+      reinterpret_cast<const void*>(reinterpret_cast<std::uintptr_t>(text) - (16 - count));
   digits = _mm_maskz_sub_epi8(mask, _mm_maskz_loadu_epi8(mask, start), _mm_set1_epi8('0'));
   return _mm_cmpgt_epu8_mask(digits, _mm_set1_epi8(9)) == 0;
 }
@@ -59,7 +60,8 @@ inline bool parseCurrency(const char* text, std::size_t length, std::int64_t& va
   const unsigned count = point + decimals;
   const __mmask32 taken = isDigit & static_cast<__mmask32>((std::uint64_t{1} << (count + 1)) - 1);
   const __m256i packed = _mm256_maskz_compress_epi8(taken, digits);
-  const auto places = static_cast<__mmask32>(((std::uint64_t{1} << count) - 1) << (32 - count - (4 - decimals)));
+  const auto places =
+      static_cast<__mmask32>(((std::uint64_t{1} << count) - 1) << (32 - count - (4 - decimals)));
   const __m256i aligned = _mm256_maskz_expand_epi8(places, packed);
   const std::uint64_t high = valueOf(_mm256_castsi256_si128(aligned));
   const UInt128 magnitude = UInt128{high} * 10000000000000000 + valueOf(_mm256_extracti128_si256(aligned, 1));
@@ -94,7 +96,7 @@ UInt128 parseAll(const char* at, const char* end) {
   while (at != end && (*at == ' ' || (*at >= '\t' && *at <= '\r'))) ++at;
   if (at != end && (*at == '-' || *at == '+')) negative = *at++ == '-';
   UInt128 value = 0;
-  if (!parse(at, static_cast<std::size_t>(end - at), value)) {
+  if (end - at < 6 || !parse(at, static_cast<std::size_t>(end - at), value)) {
     value = 0;
     for (; at != end && *at >= '0' && *at <= '9'; ++at) value = value * 10 + static_cast<unsigned>(*at - '0');
   }
@@ -142,18 +144,33 @@ constexpr Pairs makePairs() {
 }
 constexpr Pairs pairs = makePairs();
 
-inline char* writeDigits(char* end, std::uint64_t value) {
-  for (; value >= 100; value /= 100) std::memcpy(end -= 2, pairs.text + value % 100 * 2, 2);
-  if (value >= 10) {
-    std::memcpy(end -= 2, pairs.text + value * 2, 2);
-  } else {
-    *--end = static_cast<char>('0' + value);
-  }
-  return end;
+inline void write2(char* at, unsigned value) { std::memcpy(at, pairs.text + 2 * value, 2); }
+inline void write4(char* at, unsigned value) {
+  write2(at, value / 100);
+  write2(at + 2, value % 100);
 }
-inline char* writeAllDigits(char* end, std::uint64_t value, int count) {
-  for (; count > 1; count -= 2, value /= 100) std::memcpy(end -= 2, pairs.text + value % 100 * 2, 2);
-  if (count) *--end = static_cast<char>('0' + value);
+inline void write8(char* at, unsigned value) {
+  write4(at, value / 10000);
+  write4(at + 4, value % 10000);
+}
+inline void write16(char* at, std::uint64_t value) {
+  write8(at, static_cast<unsigned>(value / 100000000));
+  write8(at + 8, static_cast<unsigned>(value % 100000000));
+}
+// As many as there are, to the left of an end.
+inline char* writeDigits(char* end, std::uint64_t value) {
+  for (; value >= 10000; value /= 10000) write4(end -= 4, static_cast<unsigned>(value % 10000));
+  const auto rest = static_cast<unsigned>(value);
+  if (rest >= 1000) {
+    write4(end -= 4, rest);
+  } else if (rest >= 100) {
+    write2(end -= 2, rest % 100);
+    *--end = static_cast<char>('0' + rest / 100);
+  } else if (rest >= 10) {
+    write2(end -= 2, rest);
+  } else {
+    *--end = static_cast<char>('0' + rest);
+  }
   return end;
 }
 
@@ -163,14 +180,15 @@ struct Division {
 
 #if defined(__x86_64__)
 
-inline std::uint64_t divide(std::uint64_t high, std::uint64_t low, std::uint64_t divisor, std::uint64_t& rest) {
+inline std::uint64_t divide(std::uint64_t high, std::uint64_t low, std::uint64_t divisor,
+                            std::uint64_t& rest) {
   std::uint64_t quotient;
   asm("divq %[divisor]" : "=a"(quotient), "=d"(rest) : "a"(low), "d"(high), [divisor] "r"(divisor) : "cc");
   return quotient;
 }
 
-// By one or two division instructions; for wide divisors after Knuth (The Art of Computer Programming 4.3.1), with the
-// quotient's only word estimated from the divisor's upper 64 bits.
+// By one or two division instructions; for wide divisors after Knuth (The Art of Computer Programming 4.3.1),
+// with the quotient's only word estimated from the divisor's upper 64 bits.
 inline Division divide(UInt128 a, UInt128 b) {
   const auto high = static_cast<std::uint64_t>(a >> 64), low = static_cast<std::uint64_t>(a);
   const auto bHigh = static_cast<std::uint64_t>(b >> 64), bLow = static_cast<std::uint64_t>(b);
@@ -199,9 +217,7 @@ inline Division divide(UInt128 a, UInt128 b) {
 
 #else
 
-inline Division divide(UInt128 a, UInt128 b) {
-  return b == 0 ? Division{0, a} : Division{a / b, a % b};
-}
+inline Division divide(UInt128 a, UInt128 b) { return b == 0 ? Division{0, a} : Division{a / b, a % b}; }
 
 #endif
 
@@ -220,11 +236,11 @@ REALstring textOfInt128(REALobject self, RBInteger) {
   const auto value = read<Int128>(self);
   char text[40];
   char *const end = text + sizeof text, *start = end;
-  constexpr std::uint64_t unit = 1000000000000000000;  // 18 digits
+  constexpr std::uint64_t unit = 10000000000000000;  // 16 digits
   UInt128 rest = magnitude(value);
   while (rest >> 64) {
     const Division parts = divide(rest, unit);
-    start = writeAllDigits(start, static_cast<std::uint64_t>(parts.remainder), 18);
+    write16(start -= 16, static_cast<std::uint64_t>(parts.remainder));
     rest = parts.quotient;
   }
   start = writeDigits(start, static_cast<std::uint64_t>(rest));
@@ -343,6 +359,24 @@ void splineCoefficients(std::size_t n, const double* __restrict x, const double*
     }
     slope[0] = slope[count];
   }
+}
+
+double splineValue(const Intervals& intervals, const double* cubic, double at) {
+  const std::size_t last = intervals.n - 1;
+  std::size_t i = 1;
+  if (last > 8) i = intervals.table[static_cast<std::size_t>((at - intervals.x[0]) * intervals.scale)];
+#if defined(__AVX512F__)
+  const __m512d limit = _mm512_set1_pd(at);
+  for (;;) {
+    const unsigned below = _mm512_cmp_pd_mask(limit, _mm512_loadu_pd(intervals.x + i), _CMP_GT_OQ);
+    i += static_cast<unsigned>(__builtin_popcount(below));
+    if (below != 0xFF) break;
+  }
+#else
+  while (i < last && at > intervals.x[i]) ++i;
+#endif
+  const double* const k = cubic + 4 * (i < last ? i : last);
+  return k[3] * at * at * at + (k[2] * at * at + (k[1] * at + k[0]));
 }
 
 }  // namespace bench::limits

@@ -1,6 +1,6 @@
-// The least that a subject can cost: the calls of the host that are asked for, and the computation written out with
-// the best instructions of the machine that builds this. As users' processors may lack them, the library has to do
-// without, or to ask first.
+// The least that a subject can cost: the calls of the host that are asked for, and the computation written
+// out with the best instructions of the machine that builds this. As users' processors may lack them, the
+// library has to do without, or to ask first.
 #pragma once
 
 #include "host.h"
@@ -26,7 +26,19 @@ REALobject remainderSigned(REALobject a, REALobject b);
 REALobject divideUnsigned(REALobject a, REALobject b);
 REALobject remainderUnsigned(REALobject a, REALobject b);
 
-// The coefficients of the n - 1 intervals of a curve from its points, four to an interval, from the one before the first on.
+// The coefficients of the n - 1 intervals of a curve from its points, four to an interval, from the one
+// before the first on.
 void splineCoefficients(std::size_t n, const double* x, const double* y, double* cubic);
+
+// The first i from 1 to n - 1 with not (at > x[i]), or n - 1: an interval's number. The search begins in a
+// table of n + 1 equal steps, each with the number of an interval that is not behind the step's first
+// coordinate's.
+struct Intervals {
+  const double* x;  // with room for 8 more
+  std::size_t n;
+  const std::uint32_t* table;
+  double scale;  // steps per unit of x
+};
+double splineValue(const Intervals& intervals, const double* cubic, double at);
 
 }  // namespace bench::limits

@@ -1,6 +1,6 @@
-// Opens one library in a process that has opened nothing else, lets it register if it is one of ours, and prints the
-// nanoseconds that this took: load_once LIBRARY [enter]. Uses nothing of the C++ runtime, which is thus linked, or not,
-// as the build wants.
+// Opens one library in a process that has opened nothing else, lets it register if it is one of ours, and
+// prints the nanoseconds that this took: load_once LIBRARY [enter]. Uses nothing of the C++ runtime, which is
+// thus linked, or not, as the build wants.
 #include <dlfcn.h>
 #include <stdio.h>
 #include <string.h>

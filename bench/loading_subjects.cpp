@@ -8,13 +8,16 @@ namespace bench {
 namespace {
 
 Contender loading(std::string name, std::vector<std::string> command) {
-  return {std::move(name),
-          [command](std::size_t calls) {
-            double nanoseconds = 0;
-            for (std::size_t i = 0; i < calls; ++i) nanoseconds += std::strtod(run(command).output.c_str(), nullptr);
-            return nanoseconds * 1e-9;
-          },
-          [command](std::size_t) { return std::string(run(command).output.empty() ? "not loaded" : "loaded"); }, 1};
+  return {
+      std::move(name),
+      [command](std::size_t calls) {
+        double nanoseconds = 0;
+        for (std::size_t i = 0; i < calls; ++i)
+          nanoseconds += std::strtod(run(command).output.c_str(), nullptr);
+        return nanoseconds * 1e-9;
+      },
+      [command](std::size_t) { return std::string(run(command).output.empty() ? "not loaded" : "loaded"); },
+      1};
 }
 
 Subject loadingInto(const char* name, const char* program) {

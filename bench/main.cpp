@@ -1,7 +1,8 @@
-// The benchmark: measures the subjects in several processes, one after the other, and makes a table of the medians.
+// The benchmark: measures the subjects in several processes, one after the other, and makes a table of the
+// medians.
 //
-// A process is what is repeated because where its code and data happen to lie makes some of its subjects faster and
-// others slower for as long as it runs. Ratios are those of the medians over the processes.
+// A process is what is repeated because where its code and data happen to lie makes some of its subjects
+// faster and others slower for as long as it runs. Ratios are those of the medians over the processes.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -58,8 +59,8 @@ std::vector<std::size_t> chosen(const std::vector<std::string>& names) {
   return indices;
 }
 
-// In a measuring process: one line per subject and contender. Threads have been started, as in any host; the C++
-// library counts references more cheaply before that.
+// In a measuring process: one line per subject and contender. Threads have been started, as in any host; the
+// C++ library counts references more cheaply before that.
 void measureHere(const std::vector<std::size_t>& indices, std::FILE* out) {
   std::thread([] {}).join();
   load(libraryPath.c_str());
@@ -72,7 +73,8 @@ void measureHere(const std::vector<std::size_t>& indices, std::FILE* out) {
 }
 
 // Runs this program once more, to measure, and adds what it prints to the rows.
-void measureInAProcess(std::vector<std::string> command, std::map<std::size_t, Row>& rows, const std::string& progress) {
+void measureInAProcess(std::vector<std::string> command, std::map<std::size_t, Row>& rows,
+                       const std::string& progress) {
   std::vector<char*> arguments;
   for (std::string& each : command) arguments.push_back(each.data());
   arguments.push_back(nullptr);
@@ -121,7 +123,8 @@ int main(int argc, char** argv) {
   app.add_option("--processes", processes, "How many processes measure, one after the other")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
-  app.add_flag("--quick", quick, "Each contender once, in one process: compares the results; the times mean nothing");
+  app.add_flag("--quick", quick,
+               "Each contender once, in one process: compares the results; the times mean nothing");
   app.add_option("--data", data, "Writes all that was measured to this file, as lines separated by tabs");
   app.add_option("--library", libraryPath, "The library to measure")->check(CLI::ExistingFile);
   app.add_flag("--write-docs", writeDocs, "Writes the table and the pictures of docs/performance.md");
@@ -157,13 +160,16 @@ int main(int argc, char** argv) {
   std::vector<Row> rows;
   for (auto& [index, row] : measured) rows.push_back(std::move(row));
 
+  if (quick) {
+    for (const Row& row : rows) writeAgreement(std::cout, row);
+  }
   std::ostringstream table;
   table << machine() << ".\n"
         << "Measured by `./qtx bench";
   for (int i = 1; i < argc; ++i) table << " " << argv[i];
   table << "`, in " << processes << (processes == 1 ? " process.\n\n" : " processes.\n\n");
   writeTable(table, rows);
-  std::cout << table.str();
+  if (!quick) std::cout << table.str();
 
   const std::string results = QTX_BINARY_DIR "/bench.tsv";
   if (writeDocs && data.empty()) data = results;

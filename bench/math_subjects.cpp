@@ -44,9 +44,7 @@ std::uint16_t narrowByImath(float value) { return imath_float_to_half(value); }
 
 // --- Bits ---
 
-Inputs<std::uint64_t> words() {
-  return inputs<std::uint64_t>(sampleCount, std::mt19937_64(4));
-}
+Inputs<std::uint64_t> words() { return inputs<std::uint64_t>(sampleCount, std::mt19937_64(4)); }
 RBInteger countByStandard(std::uint64_t value) { return std::popcount(static_cast<std::uint32_t>(value)); }
 
 Inputs<std::uint64_t, RBInteger, RBInteger, RBInteger> rotations() {
@@ -96,14 +94,14 @@ double quantileByBoost(double p, double mu, double sigma) {
 
 // Acklam's approximation and one step of Halley's method, without a look at the far ends.
 double quantileByFormula(double p, double mu, double sigma) {
-  static constexpr double a[] = {-39.69683028665376, 220.9460984245205, -275.9285104469687,
+  static constexpr double a[] = {-39.69683028665376, 220.9460984245205,  -275.9285104469687,
                                  138.3577518672690,  -30.66479806614716, 2.506628277459239};
-  static constexpr double b[] = {-54.47609879822406, 161.5858368580409, -155.6989798598866,
+  static constexpr double b[] = {-54.47609879822406, 161.5858368580409,  -155.6989798598866,
                                  66.80131188771972,  -13.28068155288572, 1};
   static constexpr double c[] = {-0.007784894002430293, -0.3223964580411365, -2.400758277161838,
                                  -2.549732539343734,    4.374664141464968,   2.938163982698783};
-  static constexpr double d[] = {0, 0.007784695709041462, 0.3224671290700398, 2.445134137142996,
-                                 3.754408661907416, 1};
+  static constexpr double d[] = {
+      0, 0.007784695709041462, 0.3224671290700398, 2.445134137142996, 3.754408661907416, 1};
   const auto polynomial = [](const double(&k)[6], double x) {
     return ((((k[0] * x + k[1]) * x + k[2]) * x + k[3]) * x + k[4]) * x + k[5];
   };
@@ -139,15 +137,16 @@ Contender drawing(std::string name, Result (*draw)(Arguments...), std::tuple<Arg
   };
   return all;
 }
-// Bare means a distribution made for each draw, as is prescribed, on a generator without a lock.
+// A distribution kept from draw to draw, or made for each, which is prescribed; both on a generator without a
+// lock.
 template <typename Result, typename... Arguments>
 Subject draws(std::string name, std::string declaration, std::tuple<Arguments...> arguments,
-              Result (*kept)(Arguments...), Result (*bare)(Arguments...), double tolerance) {
+              Result (*kept)(Arguments...), Result (*anew)(Arguments...), double tolerance) {
   return {.name = std::move(name),
           .contenders =
               [=] {
                 return std::vector{drawing("own", function<Result(Arguments...)>(declaration), arguments),
-                                   drawing("std's, kept", kept, arguments), drawing("limit", bare, arguments)};
+                                   drawing("std (kept)", kept, arguments), drawing("std", anew, arguments)};
               },
           .same = within(tolerance),
           .prescribed = true};
@@ -157,20 +156,20 @@ double normalKept(double mean, double deviation) {
   static std::normal_distribution<double> all(mean, deviation);
   return all(engine());
 }
-double normalBare(double mean, double deviation) {
+double normalAnew(double mean, double deviation) {
   return std::normal_distribution<double>(mean, deviation)(engine());
 }
 double exponentialKept(double lambda) {
   static std::exponential_distribution<double> all(lambda);
   return all(engine());
 }
-double exponentialBare(double lambda) { return std::exponential_distribution<double>(lambda)(engine()); }
+double exponentialAnew(double lambda) { return std::exponential_distribution<double>(lambda)(engine()); }
 template <RBInteger mean>
 RBInteger poissonKept(RBInteger) {
   static std::poisson_distribution<std::int32_t> all(mean);
   return all(engine());
 }
-RBInteger poissonBare(RBInteger mean) {
+RBInteger poissonAnew(RBInteger mean) {
   return std::poisson_distribution<std::int32_t>(static_cast<double>(mean))(engine());
 }
 
@@ -205,8 +204,9 @@ std::vector<Subject> mathSubjects() {
       functionSubject<std::uint16_t, float>("ConvertToFloat16QTX", "ConvertToFloat16QTX(", &singles,
                                             {{"Imath", &narrowByImath}, {"limit", &limits::toHalf}},
                                             &exactSingles),
-      functionSubject<RBInteger, std::uint64_t>("BitCountQTX", "BitCountQTX(", &words,
-                                                {{"std::popcount", &countByStandard}, {"limit", &limits::bitCount}}),
+      functionSubject<RBInteger, std::uint64_t>(
+          "BitCountQTX", "BitCountQTX(", &words,
+          {{"std::popcount", &countByStandard}, {"limit", &limits::bitCount}}),
       functionSubject<std::uint64_t, std::uint64_t, RBInteger, RBInteger, RBInteger>(
           "BitwiseRotateQTX", "BitwiseRotateQTX(", &rotations,
           {{"plain function", &rotatePlainly}, {"limit", &limits::rotate}}),
@@ -215,13 +215,13 @@ std::vector<Subject> mathSubjects() {
       functionSubject<double, double>("SinQTX", "SinQTX(", &coordinates, {{"std::sin", &sinOfLibrary}}),
       std::move(quantile),
       draws<double, double, double>("RandomNormalDistributionQTX", "RandomNormalDistributionQTX(", {1.0, 2.0},
-                                    &normalKept, &normalBare, 0.1),
+                                    &normalKept, &normalAnew, 0.1),
       draws<double, double>("RandomExponentialDistributionQTX", "RandomExponentialDistributionQTX(", {2.0},
-                            &exponentialKept, &exponentialBare, 0.03),
-      draws<RBInteger, RBInteger>("RandomPoissonDistributionQTX, mean 4", "RandomPoissonDistributionQTX(", {4},
-                                  &poissonKept<4>, &poissonBare, 0.03),
-      draws<RBInteger, RBInteger>("RandomPoissonDistributionQTX, mean 100", "RandomPoissonDistributionQTX(", {100},
-                                  &poissonKept<100>, &poissonBare, 0.01),
+                            &exponentialKept, &exponentialAnew, 0.03),
+      draws<RBInteger, RBInteger>("RandomPoissonDistributionQTX, mean 4", "RandomPoissonDistributionQTX(",
+                                  {4}, &poissonKept<4>, &poissonAnew, 0.03),
+      draws<RBInteger, RBInteger>("RandomPoissonDistributionQTX, mean 100", "RandomPoissonDistributionQTX(",
+                                  {100}, &poissonKept<100>, &poissonAnew, 0.01),
       {.name = "AtomicIntegerQTX.Increment", .contenders = &counters},
   };
 }

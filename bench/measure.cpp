@@ -16,8 +16,8 @@ constexpr std::size_t maxRounds = 25;
 
 [[noreturn]] void fail(const Subject& subject, const Contender& contender, std::size_t input,
                        const std::string& what) {
-  std::fprintf(stderr, "qtx bench: %s: %s, input %zu: %s\n", labelOf(subject).c_str(),
-               contender.name.c_str(), input, what.c_str());
+  std::fprintf(stderr, "qtx bench: %s: %s, input %zu: %s\n", labelOf(subject).c_str(), contender.name.c_str(),
+               input, what.c_str());
   std::exit(1);
 }
 
@@ -45,8 +45,9 @@ std::size_t callsOfABatch(const Contender& contender) {
   }
 }
 
-// Within a process, what disturbs a single thread makes it slower, never faster: the least of the times is what it
-// takes undisturbed. Threads that meet disturb each other, which belongs to what they take; there it is the median.
+// Within a process, what disturbs a single thread makes it slower, never faster: the least of the times is
+// what it takes undisturbed. Threads that meet disturb each other, which belongs to what they take; there it
+// is the median.
 double typical(std::vector<double> times, int threads) {
   const auto at = times.begin() + (threads == 1 ? 0 : static_cast<std::ptrdiff_t>(times.size() / 2));
   std::nth_element(times.begin(), at, times.end());
@@ -73,7 +74,10 @@ Same within(double tolerance) {
 
 std::string labelOf(const Subject& subject) {
   std::string label = subject.name;
-  if (subject.size) label += ", " + std::to_string(subject.size) + " " + subject.unit;
+  if (subject.size) {
+    label += ", " + std::to_string(subject.size) + " " + subject.unit;
+    if (subject.size == 1) label.pop_back();
+  }
   if (subject.threads > 1) label += ", " + std::to_string(subject.threads) + " threads";
   return label;
 }

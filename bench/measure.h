@@ -15,8 +15,8 @@
 
 namespace bench {
 
-// Whoever does what a subject is about. The first of a subject is the library itself; one called "limit" is no
-// peer, but the least that this can cost: the same calls of the host, and the bare computation.
+// Whoever does what a subject is about. The first of a subject is the library itself; one called "limit" is
+// no peer, but the least that this can cost: the same calls of the host, and the bare computation.
 struct Contender {
   std::string name;
   // Seconds that so many calls take.
@@ -28,16 +28,17 @@ struct Contender {
 
 using Same = std::function<bool(const std::string& own, const std::string& other)>;
 bool exactly(const std::string& own, const std::string& other);
-// For results that are numbers, separated by spaces: an error relative to 1 or to the number, if that is greater.
+// For results that are numbers, separated by spaces: an error relative to 1 or to the number, if that is
+// greater.
 Same within(double tolerance);
 
 struct Subject {
   std::string name;
   std::function<std::vector<Contender>()> contenders;
-  std::int64_t size = 0;   // where costs are looked at as they grow …
-  const char* unit = "";   // … with so many of these
+  std::int64_t size = 0;  // where costs are looked at as they grow …
+  const char* unit = "";  // … with so many of these, in the plural
   int threads = 1;
-  double parts = 1;        // of a call, each of which the time is given for
+  double parts = 1;  // of a call, each of which the time is given for
   Same same = &exactly;
   bool prescribed = false;  // how it is computed is fixed, and is not the fastest way
   bool fewSamples = false;  // a single call takes long, and is a process of its own
@@ -79,8 +80,7 @@ std::string inWords(UInt128 value);
 std::string inWords(REALobject object);  // the 16 bytes of a 128-bit integer
 std::string inWords(REALstring string);
 template <typename Small>
-  requires(std::is_integral_v<Small> && sizeof(Small) < 8)
-std::string inWords(Small value) {
+requires(std::is_integral_v<Small> && sizeof(Small) < 8) std::string inWords(Small value) {
   return inWords(static_cast<std::int64_t>(value));
 }
 inline std::string inWords(float value) { return inWords(static_cast<double>(value)); }
@@ -108,7 +108,8 @@ Inputs<Argument> inputs(std::size_t count, Make make) {
   return inputs(std::move(all));
 }
 
-// A contender that is called with one input after the other. Others than those that are timed may be compared.
+// A contender that is called with one input after the other. Others than those that are timed may be
+// compared.
 template <typename Call, typename... Arguments>
 Contender contender(std::string name, Call call, Inputs<Arguments...> timed, Inputs<Arguments...> compared) {
   const auto time = [timed, call](std::size_t calls) {
@@ -131,7 +132,8 @@ Contender contender(std::string name, Call call, Inputs<Arguments...> timed, Inp
   return {std::move(name), time, result, compared->size()};
 }
 
-// Those of a function: all have its signature and are called through a pointer, as the host calls the library.
+// Those of a function: all have its signature and are called through a pointer, as the host calls the
+// library.
 template <typename Signature>
 struct Named {
   const char* name;
@@ -143,8 +145,7 @@ std::vector<Contender> contendersOf(Result (*own)(Arguments...),
                                     Inputs<Arguments...> timed, Inputs<Arguments...> compared = nullptr) {
   if (!compared) compared = timed;
   std::vector<Contender> all = {contender("own", opaque(own), timed, compared)};
-  for (const auto& each : others)
-    all.push_back(contender(each.name, opaque(each.function), timed, compared));
+  for (const auto& each : others) all.push_back(contender(each.name, opaque(each.function), timed, compared));
   return all;
 }
 

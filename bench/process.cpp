@@ -52,7 +52,8 @@ Finished run(const std::vector<std::string>& command, const std::string& input, 
   }
   std::rewind(output.get());
   char part[4096];
-  while (const std::size_t read = std::fread(part, 1, sizeof part, output.get())) finished.output.append(part, read);
+  while (const std::size_t read = std::fread(part, 1, sizeof part, output.get()))
+    finished.output.append(part, read);
   return finished;
 }
 

@@ -1,5 +1,5 @@
-// The queue: a queue of some length takes one value and gives one, over and over, by one thread or by several that
-// share it. What is counted is one Push, one PopFirst, and giving up the value that came out.
+// The queue: a queue of some length takes one value and gives one, over and over, by one thread or by several
+// that share it. What is counted is one Push, one PopFirst, and giving up the value that came out.
 #include <algorithm>
 #include <atomic>
 #include <barrier>
@@ -79,8 +79,8 @@ class LockFree {
   boost::lockfree::queue<REALobject> elements_{objectCount};
 };
 
-// A ring that never grows, under a lock that waits by trying again. A taker gets one more reference and the queue's is
-// dropped: these calls of the host are asked for.
+// A ring that never grows, under a lock that waits by trying again. A taker gets one more reference and the
+// queue's is dropped: these calls of the host are asked for.
 class Ring {
  public:
   ~Ring() {
@@ -131,7 +131,8 @@ struct QueueKind {
 QueueKind ownKind() {
   const char* const name = "AtomicQueueQTX";
   return {"own", [] { return host.newInstance("AtomicQueueQTX"); }, host.unlockObject,
-          method<void(REALobject, REALobject)>(name, "Push("), method<REALobject(REALobject)>(name, "PopFirst ")};
+          method<void(REALobject, REALobject)>(name, "Push("),
+          method<REALobject(REALobject)>(name, "PopFirst ")};
 }
 template <typename Queue>
 QueueKind kind(const char* name) {
@@ -230,7 +231,8 @@ Subject exchanges(std::size_t length, int threads) {
           .contenders =
               [=] {
                 std::vector<QueueKind> kinds = {ownKind(), kind<Deque<false>>("std::deque, copying out"),
-                                                kind<Deque<true>>("std::deque, moving out"), kind<Ring>("limit")};
+                                                kind<Deque<true>>("std::deque, moving out"),
+                                                kind<Ring>("limit")};
                 if (threads > 1) kinds.insert(kinds.end() - 1, kind<LockFree>("Boost lock-free"));
                 std::vector<Contender> all;
                 for (const QueueKind& each : kinds) {

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <fstream>
+#include <functional>
+#include <iterator>
 #include <ostream>
 #include <sstream>
 #include <thread>
@@ -25,7 +27,9 @@ double spread(const std::vector<double>& values) {
   return (*most - *least) / 2 / median(values);
 }
 
-std::string number(double value) { return fmt::format("{:.{}f}", value, value < 10 ? 2 : value < 100 ? 1 : 0); }
+std::string number(double value) {
+  return fmt::format("{:.{}f}", value, value < 10 ? 2 : value < 100 ? 1 : 0);
+}
 
 // Padded, so that it can be read as it is.
 void writeCells(std::ostream& out, const std::vector<std::vector<std::string>>& lines) {
@@ -37,12 +41,12 @@ void writeCells(std::ostream& out, const std::vector<std::vector<std::string>>& 
   for (std::size_t row = 0; row < lines.size(); ++row) {
     for (std::size_t i = 0; i < lines[row].size(); ++i) {
       out << (isText(i) ? fmt::format("| {:<{}} ", lines[row][i], widths[i])
-                         : fmt::format("| {:>{}} ", lines[row][i], widths[i]));
+                        : fmt::format("| {:>{}} ", lines[row][i], widths[i]));
     }
     out << "|\n";
     if (row > 0) continue;
     for (std::size_t i = 0; i < widths.size(); ++i) {
-      out << (isText(i) ? "|" : "|-") << std::string(widths[i] + 1, '-') << (isText(i) ? "-" : ":");
+      out << "|" << std::string(widths[i] + 1, '-') << (isText(i) ? "-" : ":");
     }
     out << "|\n";
   }
@@ -60,13 +64,17 @@ std::vector<std::string> cellsOf(const Row& row) {
   std::transform(own.begin(), own.end(), peer.begin(), std::back_inserter(ratios), std::divides());
   const double noise = spread(ratios);
   std::vector<std::string> cells = {labelOf(*row.subject) + (row.subject->prescribed ? " (*)" : ""),
-                                    number(median(own)), best + ", " + number(median(peer)),
-                                    number(median(own) / median(peer)), "", ""};
+                                    number(median(own)),
+                                    best + ", " + number(median(peer)),
+                                    number(median(own) / median(peer)),
+                                    "",
+                                    ""};
   if (const auto limit = row.nanoseconds.find("limit"); limit != row.nanoseconds.end()) {
     cells[4] = number(median(limit->second));
     cells[5] = number(median(own) / median(limit->second));
   }
-  cells.push_back(ratios.size() < 2 ? "" : fmt::format("{:.0f} %{}", noise * 100, noise > trustedSpread ? " (?)" : ""));
+  cells.push_back(
+      ratios.size() < 2 ? "" : fmt::format("{:.0f} %{}", noise * 100, noise > trustedSpread ? " (?)" : ""));
   return cells;
 }
 
@@ -77,6 +85,10 @@ void writeTable(std::ostream& out, const std::vector<Row>& rows) {
       {"Subject", "own, ns", "best peer, ns", "own/peer", "limit, ns", "own/limit", "spread"}};
   std::transform(rows.begin(), rows.end(), std::back_inserter(lines), &cellsOf);
   writeCells(out, lines);
+}
+
+void writeAgreement(std::ostream& out, const Row& row) {
+  out << labelOf(*row.subject) << ": " << fmt::format("{} agree\n", fmt::join(row.contenders, ", "));
 }
 
 void writeData(std::ostream& out, const std::vector<Row>& rows) {

@@ -10,7 +10,8 @@
 
 namespace bench {
 
-// Of one subject, the nanoseconds of each contender in each process. Contenders are in the order of their subject.
+// Of one subject, the nanoseconds of each contender in each process. Contenders are in the order of their
+// subject.
 struct Row {
   const Subject* subject;
   std::vector<std::string> contenders;
@@ -18,6 +19,9 @@ struct Row {
 };
 
 void writeTable(std::ostream& out, const std::vector<Row>& rows);
+
+// Where times mean nothing: a line that names the contenders, whose results agree.
+void writeAgreement(std::ostream& out, const Row& row);
 
 // subject, contender, size, threads, nanoseconds, spread: separated by tabs, a line each.
 void writeData(std::ostream& out, const std::vector<Row>& rows);

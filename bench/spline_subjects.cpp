@@ -1,10 +1,11 @@
-// The spline: its construction from the host's arrays, and its values at random and at rising x. The peers draw other
-// curves through the same points, so that values are compared at the points.
+// The spline: its construction from the host's arrays, and its values at random and at rising x. The peers
+// draw other curves through the same points, so that values are compared at the points.
 #include <gsl/gsl_interp.h>
 #include <math.h>  // Boost 1.74 wants isnan in the global namespace
 
 #include <algorithm>
 #include <boost/math/interpolators/pchip.hpp>
+#include <limits>
 #include <memory>
 #include <optional>
 #include <random>
@@ -21,20 +22,21 @@ struct CurveKind {
   REALobject (*make)();
   void (*construct)(REALobject, REALarrayDouble, REALarrayDouble);
   double (*valueAt)(REALobject, double);
+  bool isPeer;
 };
 
 CurveKind ownKind() {
   return {"own", [] { return host.newInstance("SplineQTX"); },
           method<void(REALobject, REALarrayDouble, REALarrayDouble)>("SplineQTX", "Constructor("),
-          method<double(REALobject, double)>("SplineQTX", "calc(")};
+          method<double(REALobject, double)>("SplineQTX", "calc("), false};
 }
 template <typename Curve>
-CurveKind kind(const char* name) {
+CurveKind kind(const char* name, bool isPeer = true) {
   return {name, [] { return reinterpret_cast<REALobject>(new Curve); },
           [](REALobject self, REALarrayDouble x, REALarrayDouble y) {
             reinterpret_cast<Curve*>(self)->construct(x, y);
           },
-          [](REALobject self, double x) { return (*reinterpret_cast<Curve*>(self))(x); }};
+          [](REALobject self, double x) { return (*reinterpret_cast<Curve*>(self))(x); }, isPeer};
 }
 
 struct Points {
@@ -88,54 +90,54 @@ class BoostPchip {
   std::optional<boost::math::interpolators::pchip<std::vector<double>>> curve_;
 };
 
-// The same curve as the library's. Its intervals are found in a table of as many equal steps, where most times the first
-// look is the last; the table is no part of the construction that is measured.
+// The same curve as the library's. The table for the search is no part of the construction that is measured.
 class Bare {
  public:
   void construct(REALarrayDouble x, REALarrayDouble y) {
-    const auto count = static_cast<std::size_t>(host.upperBoundOf(reinterpret_cast<REALarray>(x)) + 1);
-    x_.reset(new double[count]);
-    y_.reset(new double[count]);
-    cubic_.reset(new double[4 * count]);
-    count_ = readPoints(x, y, [&](std::size_t i, double xi, double yi) {
+    const auto n = static_cast<std::size_t>(host.upperBoundOf(reinterpret_cast<REALarray>(x)) + 1);
+    x_.reset(new double[n + padding]);
+    y_.reset(new double[n]);
+    cubic_.reset(new double[4 * n]);
+    readPoints(x, y, [&](std::size_t i, double xi, double yi) {
       x_[i] = xi;
       y_[i] = yi;
     });
-    limits::splineCoefficients(count_, x_.get(), y_.get(), cubic_.get());
-    table_.clear();
+    std::fill_n(x_.get() + n, padding, std::numeric_limits<double>::infinity());
+    limits::splineCoefficients(n, x_.get(), y_.get(), cubic_.get());
+    intervals_ = {x_.get(), n, nullptr, 0};
   }
   double operator()(double at) {
-    if (table_.empty()) [[unlikely]]
+    if (!intervals_.table) [[unlikely]]
       makeTable();
-    std::size_t i = table_[static_cast<std::size_t>((at - x_[0]) * scale_)];
-    while (at > x_[i] && i < count_ - 1) ++i;
-    const double* k = cubic_.get() + 4 * i;
-    return k[3] * at * at * at + (k[2] * at * at + (k[1] * at + k[0]));
+    return limits::splineValue(intervals_, cubic_.get(), at);
   }
 
  private:
+  static constexpr std::size_t padding = 8;
+
   void makeTable() {
-    const double range = x_[count_ - 1] - x_[0];
-    scale_ = static_cast<double>(2 * count_) / range;
-    std::size_t i = 1;
-    for (std::size_t step = 0; step <= 2 * count_; ++step) {
-      while (i < count_ - 1 && static_cast<double>(step) > (x_[i] - x_[0]) * scale_) ++i;
-      // One early where rounding might have gone the other way.
-      table_.push_back(static_cast<std::uint32_t>(i > 1 && !(x_[i - 1] < x_[0] + static_cast<double>(step) / scale_)
-                                                      ? i - 1
-                                                      : i));
+    const std::size_t n = intervals_.n;
+    intervals_.scale = static_cast<double>(n) / (x_[n - 1] - x_[0]);
+    table_.assign(n + 2, 1);
+    // The interval of the last knot before a step; the knot's own step is computed as a coordinate's will be.
+    for (std::size_t i = 1; i < n; ++i) {
+      const auto step = static_cast<std::size_t>((x_[i - 1] - x_[0]) * intervals_.scale);
+      table_[step + 1] = static_cast<std::uint32_t>(i);
     }
+    for (std::size_t step = 1; step < table_.size(); ++step)
+      table_[step] = std::max(table_[step], table_[step - 1]);
+    intervals_.table = table_.data();
   }
 
   std::unique_ptr<double[]> x_, y_, cubic_;
-  std::size_t count_ = 0;
-  double scale_ = 0;
   std::vector<std::uint32_t> table_;
+  limits::Intervals intervals_ = {};
 };
 
 std::vector<CurveKind> kinds() {
-  return {ownKind(), kind<Gsl<gsl_interp_cspline>>("GSL cspline"), kind<Gsl<gsl_interp_steffen>>("GSL steffen"),
-          kind<BoostPchip>("Boost pchip"), kind<Bare>("limit")};
+  return {ownKind(), kind<Gsl<gsl_interp_cspline>>("GSL cspline"),
+          kind<Gsl<gsl_interp_steffen>>("GSL steffen"), kind<BoostPchip>("Boost pchip"),
+          kind<Bare>("limit", false)};
 }
 
 // Irregularly spaced, mostly rising.
@@ -151,7 +153,8 @@ Points pointsOf(std::size_t n) {
   return points;
 }
 
-// Enough of them that the branch predictor cannot learn their order; or rising by a third of an interval at most.
+// Enough of them that the branch predictor cannot learn their order; or rising by a third of an interval at
+// most.
 Inputs<double> coordinatesIn(const Points& points, bool rising) {
   constexpr std::size_t count = 1 << 16;
   const double first = points.x.front(), last = points.x.back();
@@ -162,8 +165,9 @@ Inputs<double> coordinatesIn(const Points& points, bool rising) {
   });
 }
 // The first points: far from zero, a cubic in the absolute coordinate cannot be as exact as the peers'.
-Inputs<double> comparedPoints(const Points& points) {
-  return inputs<double>(std::min<std::size_t>(points.x.size() - 1, 50),
+constexpr std::size_t comparedCount = 50;
+Inputs<double> firstPoints(const Points& points) {
+  return inputs<double>(std::min(points.x.size() - 1, comparedCount),
                         [&points, i = std::size_t{0}]() mutable { return points.x[i++]; });
 }
 
@@ -172,14 +176,20 @@ Subject calc(std::size_t n, bool rising) {
           .contenders =
               [=] {
                 const Points points = pointsOf(n);
-                const auto timed = coordinatesIn(points, rising), compared = comparedPoints(points);
                 const REALarrayDouble x = arrayOf(points.x.data(), n), y = arrayOf(points.y.data(), n);
+                const auto timed = coordinatesIn(points, rising), compared = firstPoints(points);
+                // The limit is the same curve, and so the same everywhere.
+                const std::size_t comparedWithPeers = compared->size();
+                compared->insert(compared->end(), timed->begin(), timed->begin() + 1000);
                 std::vector<Contender> all;
                 for (const CurveKind& each : kinds()) {
                   const REALobject self = each.make();
                   each.construct(self, x, y);
-                  const auto call = [self, valueAt = opaque(each.valueAt)](double at) { return valueAt(self, at); };
+                  const auto call = [self, valueAt = opaque(each.valueAt)](double at) {
+                    return valueAt(self, at);
+                  };
                   all.push_back(contender(each.name, call, timed, compared));
+                  if (each.isPeer) all.back().inputs = comparedWithPeers;
                 }
                 return all;
               },
@@ -193,13 +203,14 @@ Subject construction(std::size_t n) {
           .contenders =
               [=] {
                 const Points points = pointsOf(n);
-                const auto compared = comparedPoints(points);
-                const auto arrays = inputs(
-                    std::vector{std::tuple(arrayOf(points.x.data(), n), arrayOf(points.y.data(), n))});
+                const auto compared = firstPoints(points);
+                const auto arrays =
+                    inputs(std::vector{std::tuple(arrayOf(points.x.data(), n), arrayOf(points.y.data(), n))});
                 std::vector<Contender> all;
                 for (const CurveKind& each : kinds()) {
                   const REALobject self = each.make();
-                  const auto call = [self, construct = opaque(each.construct)](REALarrayDouble x, REALarrayDouble y) {
+                  const auto call = [self, construct = opaque(each.construct)](REALarrayDouble x,
+                                                                               REALarrayDouble y) {
                     construct(self, x, y);
                     return 0;
                   };

@@ -15,7 +15,8 @@ using BoostInt128 = boost::multiprecision::int128_t;
 
 constexpr std::size_t sampleCount = 1000;
 
-// Random numbers of so many digits, that an Int128 can hold; 0 stands for all lengths, with a sign now and then.
+// Random numbers of so many digits, that an Int128 can hold; 0 stands for all lengths, with a sign now and
+// then.
 std::vector<std::string> numbers(int digits) {
   std::mt19937_64 engine(static_cast<unsigned>(digits));
   std::vector<std::string> all(sampleCount);
@@ -72,7 +73,8 @@ Subject fromText(int digits) {
                     {"digit by digit", &parseInto<&digitAtATime>},
                     {"Boost", &parseInto<&fromBoost>},
                     {"limit", &limits::int128FromText}};
-                if (digits && digits <= 19) all.insert(all.begin() + 2, {"std::from_chars", &parseInto<&fromChars>});
+                if (digits && digits <= 19)
+                  all.insert(all.begin() + 2, {"std::from_chars", &parseInto<&fromChars>});
                 std::vector<Contender> contenders;
                 for (const auto& each : all) {
                   const auto call = [self = host.newInstance("Int128QTX"),
@@ -95,7 +97,8 @@ REALstring toTextByFmt(REALobject self, RBInteger) {
 }
 REALstring toTextByToChars(REALobject self, RBInteger) {
   char text[40];
-  const char* end = std::to_chars(text, text + sizeof text, static_cast<std::uint64_t>(read<Int128>(self))).ptr;
+  const char* end =
+      std::to_chars(text, text + sizeof text, static_cast<std::uint64_t>(read<Int128>(self))).ptr;
   return built(text, static_cast<std::size_t>(end - text));
 }
 REALstring toTextByBoost(REALobject self, RBInteger) {
@@ -116,7 +119,8 @@ Subject toText(int digits) {
                 std::vector<Named<ToText>> others = {
                     {"fmt", &toTextByFmt}, {"Boost", &toTextByBoost}, {"limit", &limits::textOfInt128}};
                 if (digits <= 19) others.insert(others.begin(), {"std::to_chars", &toTextByToChars});
-                return contendersOf(getter<ToText>("Int128QTX", "stringValue"), others, inputs(std::move(objects)));
+                return contendersOf(getter<ToText>("Int128QTX", "stringValue"), others,
+                                    inputs(std::move(objects)));
               },
           .size = digits,
           .unit = "digits"};
