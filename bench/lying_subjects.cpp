@@ -9,7 +9,7 @@ Inputs<double> numbers() {
   return inputs<double>(4, [x = 0.5]() mutable { return x += 1; });
 }
 double down(double x) { return static_cast<double>(static_cast<int>(x)); }
-double downButOnce(double x) { return x > 3 ? x : down(x); }
+double downButOnce(double x) { return x > 4 ? x : down(x); }
 
 }  // namespace
 

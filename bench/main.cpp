@@ -130,7 +130,11 @@ int main(int argc, char** argv) {
   app.add_flag("--write-docs", writeDocs, "Writes the table and the pictures of docs/performance.md");
   app.add_flag("--list", listOnly, "Only lists the subjects");
   app.add_flag("--measure", measuring)->group("");  // what the measuring processes are told
-  CLI11_PARSE(app, argc, argv);
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? 0 : 2;
+  }
   if (listOnly) {
     list(std::cout);
     return 0;

@@ -10,9 +10,12 @@
 namespace bench {
 namespace {
 
-constexpr double batchSeconds = 0.002;  // long beside the clock's resolution, short beside a time slice
-constexpr double subjectSeconds = 0.25;
 constexpr std::size_t maxRounds = 25;
+
+// A batch is long beside the clock's resolution and short beside a time slice; but threads have to be
+// started, and to meet.
+double batchSeconds(const Subject& subject) { return subject.threads == 1 ? 0.002 : 0.02; }
+double subjectSeconds(const Subject& subject) { return subject.threads == 1 ? 0.25 : 1; }
 
 [[noreturn]] void fail(const Subject& subject, const Contender& contender, std::size_t input,
                        const std::string& what) {
@@ -35,12 +38,15 @@ void compare(const Subject& subject, const std::vector<Contender>& contenders) {
   }
 }
 
-std::size_t callsOfABatch(const Contender& contender) {
+// The least of three times, as other programs may have had the processor during one of them.
+std::size_t callsOfABatch(const Contender& contender, double batch) {
   std::size_t calls = 1;
   for (;;) {
-    const double seconds = contender.time(calls);
-    if (seconds >= batchSeconds) return calls;
-    const double missing = seconds > 0 ? batchSeconds / seconds : 8;
+    double seconds = contender.time(calls);
+    for (int again = 0; again < 2 && seconds < 10 * batch; ++again)
+      seconds = std::min(seconds, contender.time(calls));
+    if (seconds >= batch) return calls;
+    const double missing = seconds > 0 ? batch / seconds : 8;
     calls = static_cast<std::size_t>(static_cast<double>(calls) * std::clamp(missing * 1.1, 1.5, 8.0)) + 1;
   }
 }
@@ -86,14 +92,17 @@ std::vector<Measured> measure(const Subject& subject) {
   const std::vector<Contender> contenders = subject.contenders();
   compare(subject, contenders);
   std::vector<std::size_t> calls(contenders.size(), 1);
-  if (!quick && !subject.fewSamples)
-    std::transform(contenders.begin(), contenders.end(), calls.begin(), &callsOfABatch);
+  if (!quick && !subject.fewSamples) {
+    std::transform(contenders.begin(), contenders.end(), calls.begin(),
+                   [&](const Contender& each) { return callsOfABatch(each, batchSeconds(subject)); });
+  }
 
   // The order rotates, so that nobody always comes after the same other.
   std::vector<std::vector<double>> times(contenders.size());
   const std::size_t rounds = quick || subject.fewSamples ? 1 : maxRounds;
   const Stopwatch watch;
-  for (std::size_t round = 0; round < rounds && (round < 3 || watch.seconds() < subjectSeconds); ++round) {
+  for (std::size_t round = 0; round < rounds && (round < 3 || watch.seconds() < subjectSeconds(subject));
+       ++round) {
     for (std::size_t i = 0; i < contenders.size(); ++i) {
       const std::size_t at = (i + round) % contenders.size();
       times[at].push_back(contenders[at].time(calls[at]) / static_cast<double>(calls[at]));
