@@ -30,16 +30,15 @@ ratios = "< awk -F'\t' '\
     print (peer[k] > 0 && own[k] > 0 ? own[k] / peer[k] : \"NaN\") \"\\t\"\
           (limit[k] > 0 && own[k] > 0 ? own[k] / limit[k] : \"NaN\") \"\\t\" k } }' '".data."'"
 rows = int(system("awk -F'\t' '$2 == \"own\"' '".data."' | wc -l"))
-set terminal svg size 820, 80 + 17 * rows font "sans-serif,12"
+set terminal svg size 820, 70 + 16 * rows font "sans-serif,11"
 set output folder."/ratios.svg"
 set datafile separator tab
+set lmargin 58
 set logscale x
 set xrange [0.1:10]
 set yrange [-1:rows]
-set x2range [0.1:10]
-set logscale x2
-set xtics ("1/10" 0.1, "1/4" 0.25, "1/2" 0.5, "as long" 1, "twice" 2, "4 times" 4, "10 times" 10)
-set title "Time of the library beside its best peer (bars: green takes less, orange more) and beside the limit (dots)"
+set xtics ("1/10" 0.1, "1/4" 0.25, "1/2" 0.5, "1" 1, "2" 2, "4" 4, "10" 10)
+set title "Time of the library, divided by that of its best peer (bars) and by the limit (dots)" offset -25
 set key off
 clamp(r) = r < 0.1 ? 0.1 : r > 10 ? 10 : r
 plot ratios using (1):0:(clamp($1) < 1 ? clamp($1) : 1):(clamp($1) < 1 ? 1 : clamp($1)):($0 - 0.35):($0 + 0.35):($1 < 1 ? 0x2b8a3e : 0xe8590c):ytic(3) \
@@ -48,15 +47,17 @@ plot ratios using (1):0:(clamp($1) < 1 ? clamp($1) : 1):(clamp($1) < 1 ? 1 : cla
 set datafile separator whitespace
 set autoscale
 set xtics autofreq
-set key on
+set lmargin -1
 
 # --- How costs grow.
 
 contenders(subject) = system("awk -F'\t' '$1 == \"".subject."\" && !seen[$2]++ { printf \"\\\"%s\\\" \", $2 }' '".data."'")
 curve(subject, contender) = "< awk -F'\t' '$1 == \"".subject."\" && $2 == \"".contender."\" { print $3, $4, $5 }' '".data."'"
-set ylabel "nanoseconds"
+line(i) = word(names, i) eq "limit" ? 5 : i
+set ylabel "nanoseconds" offset 1
+set title offset 0
 
-set terminal svg size 820, 640 font "sans-serif,12"
+set terminal svg size 820, 620 font "sans-serif,12"
 set output folder."/spline.svg"
 set logscale xy
 set xlabel "points"
@@ -66,19 +67,22 @@ set multiplot layout 2, 2
 do for [each in "'SplineQTX.calc, random x' 'SplineQTX.calc, rising x' 'SplineQTX construction, per point'"] {
   names = contenders(each)
   set title each
-  plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype i title word(names, i)
+  if (each[1:14] ne "SplineQTX.calc") { set key on at screen 0.6, 0.35 left top }
+  plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype line(i) title word(names, i)
 }
 unset multiplot
+set key on at graph 0, screen 0.25 left top
+set bmargin 10
+set yrange [1:*]
 
-set terminal svg size 820, 340 font "sans-serif,12"
+set terminal svg size 820, 420 font "sans-serif,12"
 set output folder."/queue.svg"
 set multiplot layout 1, 2
 each = "AtomicQueueQTX, Push and PopFirst"
 names = contenders(each)
 set title "Push and PopFirst, one thread"
 set xlabel "elements in the queue"
-set yrange [1:*]
-plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype i title word(names, i)
+plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype line(i) title word(names, i)
 each = each." by threads"
 names = contenders(each)
 set title "Push and PopFirst, 1000 elements"
@@ -86,7 +90,7 @@ set xlabel "threads"
 unset logscale x
 set format x "%g"
 set xtics (2, 4, 8)
-plot for [i = 1:words(names)] curve(each, word(names, i)) using 2:3 with linespoints linetype i title word(names, i)
+plot for [i = 1:words(names)] curve(each, word(names, i)) using 2:3 with linespoints linetype line(i) title word(names, i)
 unset multiplot
 set autoscale
 unset logscale y
@@ -99,6 +103,6 @@ set yrange [0:*]
 do for [each in "'Int128 from text' 'Int128 to text'"] {
   names = contenders(each)
   set title each
-  plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype i title word(names, i)
+  plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype line(i) title word(names, i)
 }
 unset multiplot

@@ -20,23 +20,30 @@ namespace {
 struct CurveKind {
   const char* name;
   REALobject (*make)();
+  void (*destroy)(REALobject);
   void (*construct)(REALobject, REALarrayDouble, REALarrayDouble);
   double (*valueAt)(REALobject, double);
   bool isPeer;
 };
 
 CurveKind ownKind() {
-  return {"own", [] { return host.newInstance("SplineQTX"); },
+  return {"own",
+          [] { return host.newInstance("SplineQTX"); },
+          host.unlockObject,
           method<void(REALobject, REALarrayDouble, REALarrayDouble)>("SplineQTX", "Constructor("),
-          method<double(REALobject, double)>("SplineQTX", "calc("), false};
+          method<double(REALobject, double)>("SplineQTX", "calc("),
+          false};
 }
 template <typename Curve>
 CurveKind kind(const char* name, bool isPeer = true) {
-  return {name, [] { return reinterpret_cast<REALobject>(new Curve); },
+  return {name,
+          [] { return reinterpret_cast<REALobject>(new Curve); },
+          [](REALobject self) { delete reinterpret_cast<Curve*>(self); },
           [](REALobject self, REALarrayDouble x, REALarrayDouble y) {
             reinterpret_cast<Curve*>(self)->construct(x, y);
           },
-          [](REALobject self, double x) { return (*reinterpret_cast<Curve*>(self))(x); }, isPeer};
+          [](REALobject self, double x) { return (*reinterpret_cast<Curve*>(self))(x); },
+          isPeer};
 }
 
 struct Points {
@@ -183,10 +190,10 @@ Subject calc(std::size_t n, bool rising) {
                 compared->insert(compared->end(), timed->begin(), timed->begin() + 1000);
                 std::vector<Contender> all;
                 for (const CurveKind& each : kinds()) {
-                  const REALobject self = each.make();
-                  each.construct(self, x, y);
-                  const auto call = [self, valueAt = opaque(each.valueAt)](double at) {
-                    return valueAt(self, at);
+                  const std::shared_ptr<REALobjectStruct> curve(each.make(), each.destroy);
+                  each.construct(curve.get(), x, y);
+                  const auto call = [curve, valueAt = opaque(each.valueAt)](double at) {
+                    return valueAt(curve.get(), at);
                   };
                   all.push_back(contender(each.name, call, timed, compared));
                   if (each.isPeer) all.back().inputs = comparedWithPeers;
@@ -208,17 +215,17 @@ Subject construction(std::size_t n) {
                     inputs(std::vector{std::tuple(arrayOf(points.x.data(), n), arrayOf(points.y.data(), n))});
                 std::vector<Contender> all;
                 for (const CurveKind& each : kinds()) {
-                  const REALobject self = each.make();
-                  const auto call = [self, construct = opaque(each.construct)](REALarrayDouble x,
-                                                                               REALarrayDouble y) {
-                    construct(self, x, y);
+                  const std::shared_ptr<REALobjectStruct> curve(each.make(), each.destroy);
+                  const auto call = [curve, construct = opaque(each.construct)](REALarrayDouble x,
+                                                                                REALarrayDouble y) {
+                    construct(curve.get(), x, y);
                     return 0;
                   };
                   all.push_back(contender(each.name, call, arrays, arrays));
                   all.back().result = [=](std::size_t) {
                     call(std::get<0>(arrays->front()), std::get<1>(arrays->front()));
                     std::string values;
-                    for (const auto& [x] : *compared) values += inWords(each.valueAt(self, x)) + " ";
+                    for (const auto& [x] : *compared) values += inWords(each.valueAt(curve.get(), x)) + " ";
                     return values;
                   };
                 }
