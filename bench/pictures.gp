@@ -52,7 +52,8 @@ set lmargin -1
 # --- How costs grow.
 
 contenders(subject) = system("awk -F'\t' '$1 == \"".subject."\" && !seen[$2]++ { printf \"\\\"%s\\\" \", $2 }' '".data."'")
-curve(subject, contender) = "< awk -F'\t' '$1 == \"".subject."\" && $2 == \"".contender."\" { print $3, $4, $5 }' '".data."'"
+curve(subject, contender) = "< awk -F'\t' '$1 == \"".subject."\" && $2 == \"".contender."\" && $4 == 1 { print $3, $5 }' '".data."'"
+overThreads(subject, contender) = "< awk -F'\t' '$1 == \"".subject."\" && $2 == \"".contender."\" && $3 == 1000 { print $4, $5 }' '".data."'"
 line(i) = word(names, i) eq "limit" ? 5 : i
 set ylabel "nanoseconds" offset 1
 set title offset 0
@@ -68,7 +69,7 @@ do for [each in "'SplineQTX.calc, random x' 'SplineQTX.calc, rising x' 'SplineQT
   names = contenders(each)
   set title each
   if (each[1:14] ne "SplineQTX.calc") { set key on at screen 0.6, 0.35 left top }
-  plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype line(i) title word(names, i)
+  plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:2 with linespoints linetype line(i) title word(names, i)
 }
 unset multiplot
 set key on at graph 0, screen 0.25 left top
@@ -82,15 +83,13 @@ each = "AtomicQueueQTX, Push and PopFirst"
 names = contenders(each)
 set title "Push and PopFirst, one thread"
 set xlabel "elements in the queue"
-plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype line(i) title word(names, i)
-each = each." by threads"
-names = contenders(each)
+plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:2 with linespoints linetype line(i) title word(names, i)
 set title "Push and PopFirst, 1000 elements"
 set xlabel "threads"
 unset logscale x
 set format x "%g"
-set xtics (2, 4, 8)
-plot for [i = 1:words(names)] curve(each, word(names, i)) using 2:3 with linespoints linetype line(i) title word(names, i)
+set xtics (1, 2, 4, 8)
+plot for [i = 1:words(names)] overThreads(each, word(names, i)) using 1:2 with linespoints linetype line(i) title word(names, i)
 unset multiplot
 set autoscale
 unset logscale y
@@ -103,6 +102,6 @@ set yrange [0:*]
 do for [each in "'Int128 from text' 'Int128 to text'"] {
   names = contenders(each)
   set title each
-  plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:3 with linespoints linetype line(i) title word(names, i)
+  plot for [i = 1:words(names)] curve(each, word(names, i)) using 1:2 with linespoints linetype line(i) title word(names, i)
 }
 unset multiplot

@@ -226,14 +226,12 @@ std::string behaviourOf(const QueueKind& kind, int threads) {
 }
 
 Subject exchanges(std::size_t length, int threads) {
-  return {.name = threads == 1 ? "AtomicQueueQTX, Push and PopFirst"
-                               : "AtomicQueueQTX, Push and PopFirst by threads",
+  return {.name = "AtomicQueueQTX, Push and PopFirst",
           .contenders =
               [=] {
-                std::vector<QueueKind> kinds = {ownKind(), kind<Deque<false>>("std::deque, copying out"),
-                                                kind<Deque<true>>("std::deque, moving out"),
-                                                kind<Ring>("limit")};
-                if (threads > 1) kinds.insert(kinds.end() - 1, kind<LockFree>("Boost lock-free"));
+                const QueueKind kinds[] = {ownKind(), kind<Deque<false>>("std::deque, copying out"),
+                                           kind<Deque<true>>("std::deque, moving out"),
+                                           kind<LockFree>("Boost lock-free"), kind<Ring>("limit")};
                 std::vector<Contender> all;
                 for (const QueueKind& each : kinds) {
                   const auto queue = std::make_shared<Filled>(each, length);
