@@ -2,6 +2,8 @@
 // well, the linker keeps the first.
 #include "limits.h"
 
+#include <Imath/half.h>
+
 #if defined(__x86_64__)
 #include <immintrin.h>
 #endif
@@ -159,6 +161,11 @@ inline void write16(char* at, std::uint64_t value) {
 }
 // As many as there are, to the left of an end.
 inline char* writeDigits(char* end, std::uint64_t value) {
+  constexpr std::uint64_t sixteen = 10000000000000000;
+  if (value >= sixteen) {
+    write16(end -= 16, value % sixteen);
+    value /= sixteen;
+  }
   for (; value >= 10000; value /= 10000) write4(end -= 4, static_cast<unsigned>(value % 10000));
   const auto rest = static_cast<unsigned>(value);
   if (rest >= 1000) {
@@ -236,11 +243,16 @@ REALstring textOfInt128(REALobject self, RBInteger) {
   const auto value = read<Int128>(self);
   char text[40];
   char *const end = text + sizeof text, *start = end;
-  constexpr std::uint64_t unit = 10000000000000000;  // 16 digits
+  // Of what has 128 bits with a sign, a division by 10^19 leaves two words.
+  constexpr std::uint64_t unit = 10000000000000000000u, sixteen = 10000000000000000;
   UInt128 rest = magnitude(value);
-  while (rest >> 64) {
+  if (rest >= unit) {
     const Division parts = divide(rest, unit);
-    write16(start -= 16, static_cast<std::uint64_t>(parts.remainder));
+    const auto low = static_cast<std::uint64_t>(parts.remainder);
+    write16(start -= 16, low % sixteen);
+    const auto leading = static_cast<unsigned>(low / sixteen);
+    write2(start -= 2, leading % 100);
+    *--start = static_cast<char>('0' + leading / 100);
     rest = parts.quotient;
   }
   start = writeDigits(start, static_cast<std::uint64_t>(rest));
@@ -263,18 +275,12 @@ bool isValidCreditCardNumber(REALstring number) {
 #if defined(__F16C__)
 float fromHalf(std::uint16_t half) { return _cvtsh_ss(half); }
 std::uint16_t toHalf(float value) { return static_cast<std::uint16_t>(_cvtss_sh(value, _MM_FROUND_TO_ZERO)); }
-#elif defined(__aarch64__)
-float fromHalf(std::uint16_t half) {
-  __fp16 value;
-  std::memcpy(&value, &half, sizeof value);
-  return value;
-}
+#else
+float fromHalf(std::uint16_t half) { return imath_half_to_float(half); }
+// Rounded to nearest, and back by one step where that went too far.
 std::uint16_t toHalf(float value) {
-  const __fp16 nearest = static_cast<__fp16>(value);
-  std::uint16_t half;
-  std::memcpy(&half, &nearest, sizeof half);
-  const float back = nearest;
-  return static_cast<std::uint16_t>(half - (__builtin_fabsf(back) > __builtin_fabsf(value)));
+  const std::uint16_t half = imath_float_to_half(value);
+  return static_cast<std::uint16_t>(half - (__builtin_fabsf(fromHalf(half)) > __builtin_fabsf(value)));
 }
 #endif
 

@@ -10,11 +10,11 @@
 namespace bench {
 namespace {
 
-constexpr std::size_t maxRounds = 25;
+constexpr std::size_t minRounds = 7, maxRounds = 50;
 
 // A batch is long beside the clock's resolution and short beside a time slice; but threads have to be
 // started, and to meet.
-double batchSeconds(const Subject& subject) { return subject.threads == 1 ? 0.002 : 0.02; }
+double batchSeconds(const Subject& subject) { return subject.threads == 1 ? 0.001 : 0.02; }
 double subjectSeconds(const Subject& subject) { return subject.threads == 1 ? 0.25 : 1; }
 
 [[noreturn]] void fail(const Subject& subject, const Contender& contender, std::size_t input,
@@ -101,8 +101,8 @@ std::vector<Measured> measure(const Subject& subject) {
   std::vector<std::vector<double>> times(contenders.size());
   const std::size_t rounds = quick || subject.fewSamples ? 1 : maxRounds;
   const Stopwatch watch;
-  for (std::size_t round = 0; round < rounds && (round < 3 || watch.seconds() < subjectSeconds(subject));
-       ++round) {
+  for (std::size_t round = 0;
+       round < rounds && (round < minRounds || watch.seconds() < subjectSeconds(subject)); ++round) {
     for (std::size_t i = 0; i < contenders.size(); ++i) {
       const std::size_t at = (i + round) % contenders.size();
       times[at].push_back(contenders[at].time(calls[at]) / static_cast<double>(calls[at]));
