@@ -1,0 +1,1 @@
+// The least that a library can be.
