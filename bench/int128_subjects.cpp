@@ -131,16 +131,18 @@ std::vector<Subject> int128Subjects() {
                                  {{"std::shared_ptr", &sharedByPointer}, {"limit", &limits::add}},
                                  smallOperands());
            }},
-      {.name = "Int128 addition, result an object of its own",
+      {.name = "Int128 addition",
        .contenders =
            [] {
-             const auto objects = operands("Int128QTX", 100, 100);
-             auto contenders = contendersOf(operatorOf("Int128", "Add"), {{"limit", &limits::add}}, objects);
-             contenders.insert(contenders.begin() + 1,
-                               contender("std::make_shared", opaque(&fresh), objects, objects));
+             const auto objects = operands("Int128QTX", 125, 125);
+             auto contenders = contendersOf(operatorOf("Int128", "Add"),
+                                            {{"compiler's __int128", &peer<Int128, Int128, std::plus>},
+                                             {"Boost", &peer<Int128, BoostInt128, std::plus>},
+                                             {"limit", &limits::add}},
+                                            objects);
+             contenders.push_back(contender("std::make_shared (less)", opaque(&fresh), objects, objects));
              return contenders;
            }},
-      arithmetic<Signed, std::plus>("addition", "Add", &limits::add, 125, 125),
       arithmetic<Signed, std::multiplies>("multiplication", "Multiply", &limits::multiply, 63, 62),
   };
   addDivisions<Signed>(all);

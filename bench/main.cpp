@@ -16,6 +16,7 @@
 
 #include "process.h"
 #include "report.h"
+#include "start.h"
 #include "subjects.h"
 
 namespace {
@@ -113,7 +114,7 @@ void measureInAProcess(std::vector<std::string> command, std::map<std::size_t, R
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int runBenchmark(int argc, char** argv) {
   CLI::App app("Measures the library beside its peers, as a host calls it.", "qtx bench");
   std::vector<std::string> names;
   int processes = 5;

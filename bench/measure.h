@@ -17,6 +17,7 @@ namespace bench {
 
 // Whoever does what a subject is about. The first of a subject is the library itself; one called "limit" is
 // no peer, but the least that this can cost: the same calls of the host, and the bare computation.
+// One whose name ends in "(less)" need not do all that the library must, and is only shown.
 struct Contender {
   std::string name;
   // Seconds that so many calls take.

@@ -25,6 +25,7 @@ ratios = "< awk -F'\t' '\
   { key = $1 ($3 > 0 ? \", \" $3 : \"\") ($4 > 1 ? \", \" $4 \" threads\" : \"\") }\
   $2 == \"own\" { if (key) keys[++count] = key; own[key] = $5; next }\
   $2 == \"limit\" { limit[key] = $5; next }\
+  $2 ~ / [(]less[)]$/ { next }\
   !(key in peer) || $5 < peer[key] { peer[key] = $5 }\
   END { for (i = count; i > 0; --i) { k = keys[i];\
     print (peer[k] > 0 && own[k] > 0 ? own[k] / peer[k] : \"NaN\") \"\\t\"\

@@ -230,8 +230,8 @@ Subject exchanges(std::size_t length, int threads) {
           .contenders =
               [=] {
                 const QueueKind kinds[] = {ownKind(), kind<Deque<false>>("std::deque, copying out"),
-                                           kind<Deque<true>>("std::deque, moving out"),
-                                           kind<LockFree>("Boost lock-free"), kind<Ring>("limit")};
+                                           kind<Deque<true>>("std::deque, moving out (less)"),
+                                           kind<LockFree>("Boost lock-free (less)"), kind<Ring>("limit")};
                 std::vector<Contender> all;
                 for (const QueueKind& each : kinds) {
                   const auto queue = std::make_shared<Filled>(each, length);

@@ -54,11 +54,15 @@ void writeCells(std::ostream& out, const std::vector<std::vector<std::string>>& 
   }
 }
 
+bool isPeer(const std::string& contender) {
+  return contender != "own" && contender != "limit" && !contender.ends_with(" (less)");
+}
+
 std::vector<std::string> cellsOf(const Row& row) {
   const std::vector<double>& own = row.nanoseconds.at("own");
   std::string best;
   for (const std::string& each : row.contenders) {
-    if (each == "own" || each == "limit") continue;
+    if (!isPeer(each)) continue;
     if (best.empty() || median(row.nanoseconds.at(each)) < median(row.nanoseconds.at(best))) best = each;
   }
   const std::vector<double>& peer = row.nanoseconds.at(best);
