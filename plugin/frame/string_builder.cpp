@@ -35,14 +35,13 @@ bool isASCII(std::string_view bytes) {
                      [](char byte) { return static_cast<unsigned char>(byte) < 0x80; });
 }
 
-namespace {
-
-__attribute__((noinline)) Reference<REALstring> buildOther(const char* text, long long count,
-                                                           std::uint32_t encoding) {
+Reference<REALstring> buildString(const void* bytes, long long count, std::uint32_t encoding) {
+  if (count < 1 || !bytes) return {};
   if (count >= 1LL << 31) {
     Trace("Count too big for REALBuildUnicodeString.");
     return {};
   }
+  const auto* text = static_cast<const char*>(bytes);
   const auto length = static_cast<std::int32_t>(count);
   switch (encoding) {
     case encoding::utf16:
@@ -61,19 +60,6 @@ __attribute__((noinline)) Reference<REALstring> buildOther(const char* text, lon
   }
   Trace("Unknown encoding in REALBuildUnicodeString", encoding);
   return build(text, length, encoding);
-}
-
-}  // namespace
-
-Reference<REALstring> buildString(const void* bytes, long long count, std::uint32_t encoding) {
-  const auto* text = static_cast<const char*>(bytes);
-  if (count < 1 || !bytes) return {};
-  // Most texts on most hosts, in few steps.
-  const bool isPlain = encoding == encoding::ascii || encoding == encoding::utf8;
-  if (isPlain && count < 1LL << 31 && hostState.version >= 2012.0) [[likely]] {
-    return Reference(REALBuildStringWithEncoding(text, static_cast<std::int32_t>(count), encoding));
-  }
-  return buildOther(text, count, encoding);
 }
 
 }  // namespace qtx

@@ -162,7 +162,15 @@ rbData::rbData(REALstring string) {
 }
 
 REALstring REALBuildUnicodeString(const void* bytes, long long count, std::uint32_t encoding) {
-  return guard([&] { return buildString(bytes, count, encoding); }).release();
+  const bool isPlain = encoding == encoding::ascii || encoding == encoding::utf8;
+  return guard([&] {
+    // Nearly all texts are plain, and nearly all hosts newer: these take no more than the host does.
+    if (isPlain && count > 0 && count < 1LL << 31 && bytes && hostState.version >= 2012.0) [[likely]] {
+      return REALBuildStringWithEncoding(static_cast<const char*>(bytes), static_cast<std::int32_t>(count),
+                                         encoding);
+    }
+    return buildString(bytes, count, encoding).release();
+  });
 }
 
 }  // namespace qtx

@@ -70,12 +70,13 @@ void store8(std::uint64_t bytes, char* out) { std::memcpy(out, &bytes, sizeof by
 
 // A value below 10^8 without leading zeros; gives where the text ends. It takes one store of eight
 // characters, whose rest is overwritten later: a copy of the text made right after it need not wait for
-// several.
+// several. The digits are counted by branches, which are foreseen where numbers are of like length: so what
+// is done with the text, such as allocating memory for it, need not wait for the digits.
 char* writeUpTo8Digits(std::uint64_t value, char* out) {
-  const std::uint64_t digits = digitsOf(value);
-  const int zeros = std::countr_zero(digits | std::uint64_t{1} << 56) / 8;  // the last digit is always there
-  store8((digits + zeroCharacters) >> 8 * zeros, out);
-  return out + 8 - zeros;
+  int count = 1;
+  for (std::uint64_t power = 10; power <= value; power *= 10) ++count;
+  store8((digitsOf(value) + zeroCharacters) >> (64 - 8 * count), out);
+  return out + count;
 }
 // All eight digits.
 char* writeWhole8Digits(std::uint64_t value, char* out) {
