@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "runtime/class.h"
+#include "runtime/settings.h"
 #include "runtime/throwing.h"
 
 namespace host {
@@ -112,8 +113,8 @@ std::optional<std::string> recode(std::string_view bytes, std::uint32_t from, st
 
 Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding) {
   if (bytes.empty() && textEncoding == encoding::utf8) return nullptr;
-  Heap* thing =
-      bytes.size() > mostBytes ? nullptr : allocate(*hostClasses().text, sizeof(Text) + bytes.size() + 1);
+  const bool isTooLarge = bytes.size() > mostBytes || bytes.size() > settings().mostBytes;
+  Heap* thing = isTooLarge ? nullptr : allocate(*hostClasses().text, sizeof(Text) + bytes.size() + 1);
   if (!thing) throwException("OutOfMemoryException", "There is no memory for the text.");
   auto* text = static_cast<Text*>(thing);
   text->encoding = textEncoding;

@@ -1,4 +1,5 @@
-// Currency text is read as a plain reading of the rules reads it: the same count, or the same exception and message.
+// Currency text is read as a plain reading of the rules reads it: the same count, or the same exception and
+// message.
 #include <optional>
 
 #include "fuzz.h"
@@ -48,7 +49,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
-  static auto* const parse = host.function<std::int64_t(REALstring)>("", "CurrencyValueQTX(value as string) as Currency");
+  static auto* const parse =
+      host.function<std::int64_t(REALstring)>("", "CurrencyValueQTX(value as string) as Currency");
   host.clear();
   const REALstring text = host.makeString({data, size});
   const std::int64_t count = parse(text);

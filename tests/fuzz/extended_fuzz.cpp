@@ -1,5 +1,5 @@
-// Extended-precision strings: any ten bytes become the nearest Double, any Double exactly its ten bytes, by integer
-// arithmetic and the C library's exact scaling; other lengths become 0.
+// Extended-precision strings: any ten bytes become the nearest Double, any Double exactly its ten bytes, by
+// integer arithmetic and the C library's exact scaling; other lengths become 0.
 #include <cmath>
 
 #include "fuzz.h"
@@ -12,7 +12,9 @@ __extension__ typedef unsigned __int128 Wide;
 constexpr std::uint64_t integerBit = std::uint64_t{1} << 63;
 
 double decoded(std::string_view bytes) {
-  const auto byte = [&](std::size_t i) { return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i])); };
+  const auto byte = [&](std::size_t i) {
+    return static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[i]));
+  };
   const double sign = byte(0) & 0x80 ? -1.0 : 1.0;
   const int field = static_cast<int>((byte(0) & 0x7F) << 8 | byte(1));
   std::uint64_t significand = 0;
@@ -66,8 +68,10 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
-  static auto* const decode = host.function<double(REALstring)>("", "ExtendedStrToDoubleQTX(v as string) as double");
-  static auto* const encode = host.function<REALstring(double)>("", "DoubleToExtendedStrQTX(x as double) as string");
+  static auto* const decode =
+      host.function<double(REALstring)>("", "ExtendedStrToDoubleQTX(v as string) as double");
+  static auto* const encode =
+      host.function<REALstring(double)>("", "DoubleToExtendedStrQTX(x as double) as string");
   const REALstring record = host.makeString({data, size}, encoding::none);
   const double x = decode(record);
   host.unlock(record);

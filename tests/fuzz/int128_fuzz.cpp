@@ -1,6 +1,6 @@
-// 128-bit integers, through their registered members: arithmetic beside the compiler's 128-bit type and beside schoolbook
-// arithmetic on 16-bit digits; roots, powers and bit counts by what they mean; decimal text as read and written digit by
-// digit.
+// 128-bit integers, through their registered members: arithmetic beside the compiler's 128-bit type and
+// beside schoolbook arithmetic on 16-bit digits; roots, powers and bit counts by what they mean; decimal text
+// as read and written digit by digit.
 #include <cmath>
 
 #include "fuzz.h"
@@ -75,8 +75,9 @@ Quotient divided(Bits a, Bits b, bool isSigned) {
 
 double toDouble(Bits value, bool isSigned) {
   const Bits magnitude = magnitudeOf(value, isSigned);
-  const double sum = static_cast<double>(static_cast<std::uint64_t>(magnitude >> 64)) * 18446744073709551616.0 +
-                     static_cast<double>(static_cast<std::uint64_t>(magnitude));
+  const double sum =
+      static_cast<double>(static_cast<std::uint64_t>(magnitude >> 64)) * 18446744073709551616.0 +
+      static_cast<double>(static_cast<std::uint64_t>(magnitude));
   return isNegative(value, isSigned) ? -sum : sum;
 }
 
@@ -118,7 +119,9 @@ class Members {
     require(quotient == expected.quotient && remainder == expected.remainder, "quotient by schoolbook");
     const bool wraps = isSigned_ && a == topBit && b == ~Bits{0};
     if (b != 0 && !wraps) {
-      const auto signedQuotient = [](Bits x, Bits y) { return static_cast<Bits>(static_cast<Signed>(x) / static_cast<Signed>(y)); };
+      const auto signedQuotient = [](Bits x, Bits y) {
+        return static_cast<Bits>(static_cast<Signed>(x) / static_cast<Signed>(y));
+      };
       require(quotient == (isSigned_ ? signedQuotient(a, b) : a / b), "quotient by the compiler");
     }
     require(binary(and_) == (a & b) && binary(or_) == (a | b) && binary(xor_) == (a ^ b), "bitwise");
@@ -243,10 +246,12 @@ class Members {
       name_, std::string("Equals(other as ") + name_ + ") as Boolean");
   REALobject (*pow_)(REALobject, std::uint64_t) = host.function<REALobject(REALobject, std::uint64_t)>(
       name_, std::string("Pow(exp as UInt64) as ") + name_);
-  REALobject (*sqrt_)(REALobject) = host.function<REALobject(REALobject)>(name_, std::string("Sqrt as ") + name_);
+  REALobject (*sqrt_)(REALobject) = host.function<REALobject(REALobject)>(name_,
+                                                                          std::string("Sqrt as ") + name_);
   void (*constructFromText_)(REALobject, REALstring) =
       host.function<void(REALobject, REALstring)>(name_, "Constructor(value as String)");
-  REALstring (*toText_)(REALobject) = host.function<REALstring(REALobject)>(name_, "Operator_Convert as String");
+  REALstring (*toText_)(REALobject) = host.function<REALstring(REALobject)>(name_,
+                                                                            "Operator_Convert as String");
 };
 
 Bits operand(Bytes& bytes) {

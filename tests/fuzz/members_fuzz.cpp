@@ -1,7 +1,8 @@
-// Sequences of calls: an input is read as calls of any registered member or function, with arguments from a pool of
-// objects, strings, nil and edge numbers, while chosen calls of host operations fail. After each call everything is as
-// the model has it: results, the references and values of all objects, which small values are shared, what is in the
-// queues, and the exception raised. Where an operation has failed, what depends on it may be missing, but nothing else.
+// Sequences of calls: an input is read as calls of any registered member or function, with arguments from a
+// pool of objects, strings, nil and edge numbers, while chosen calls of host operations fail. After each call
+// everything is as the model has it: results, the references and values of all objects, which small values
+// are shared, what is in the queues, and the exception raised. Where an operation has failed, what depends on
+// it may be missing, but nothing else.
 #include <functional>
 #include <map>
 #include <memory>
@@ -20,9 +21,9 @@ constexpr Bits topBit = Bits{1} << 127;
 
 // The model.
 
-std::vector<Object*> alive;                        // every object there is
+std::vector<Object*> alive;                         // every object there is
 std::map<Object*, std::vector<REALobject>> queues;  // what each queue holds, from the front
-Object* shared[2][16];                             // the small values' objects, of the unsigned and the signed class
+Object* shared[2][16];  // the small values' objects, of the unsigned and the signed class
 
 constexpr const char* counterClass = "AtomicIntegerQTX";
 constexpr const char* flagClass = "AtomicFlagQTX";
@@ -45,7 +46,9 @@ void release(REALobject object) {
   host.unlock(object);
 }
 
-Bits bitsOf(REALobject object) { return static_cast<Bits>(of(object)->model[1]) << 64 | of(object)->model[0]; }
+Bits bitsOf(REALobject object) {
+  return static_cast<Bits>(of(object)->model[1]) << 64 | of(object)->model[0];
+}
 void setBits(REALobject object, Bits bits) {
   of(object)->model[0] = static_cast<std::uint64_t>(bits);
   of(object)->model[1] = static_cast<std::uint64_t>(bits >> 64);
@@ -138,7 +141,8 @@ Bits readText(REALstring string, bool isSigned) {
   const bool minus = i < text.size() && text[i] == '-';
   if (i < text.size() && (minus || text[i] == '+')) ++i;
   Bits value = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) value = value * 10 + static_cast<Bits>(text[i] - '0');
+  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i)
+    value = value * 10 + static_cast<Bits>(text[i] - '0');
   return isSigned && minus ? -value : value;
 }
 
@@ -193,7 +197,9 @@ Bits combined(std::string_view name, Bits a, Bits b, bool isSigned) {
 }
 
 int order(Bits a, bool aIsSigned, Bits b, bool bIsSigned) {
-  if (aIsSigned && bIsSigned) return (static_cast<Signed>(a) > static_cast<Signed>(b)) - (static_cast<Signed>(a) < static_cast<Signed>(b));
+  if (aIsSigned && bIsSigned)
+    return (static_cast<Signed>(a) > static_cast<Signed>(b)) -
+           (static_cast<Signed>(a) < static_cast<Signed>(b));
   if (aIsSigned && (a & topBit)) return -1;
   if (bIsSigned && (b & topBit)) return 1;
   if (aIsSigned && (b & topBit)) return 1;
@@ -290,14 +296,18 @@ void runWide(const Member& member, Bytes& bytes) {
   const std::string_view raised = value & topBit ? "OutOfBoundsException" : "";
 
   if (parameter.empty() && result.ends_with("QTX")) {
-    const bool refused = (name == "Sqrt" && isSigned && (value & topBit)) || (name == "Operator_Negate" && !isSigned && (value & topBit));
+    const bool refused = (name == "Sqrt" && isSigned && (value & topBit)) ||
+                         (name == "Operator_Negate" && !isSigned && (value & topBit));
     const REALobject made = member.call<REALobject>(self);
     if (refused) {
       require(!made, "a result beside an exception");
       return expectRaised(name == "Sqrt" ? "UnsupportedOperationException" : raised);
     }
     expectRaised("");
-    const Bits expected = name == "Inc" ? value + 1 : name == "Dec" ? value - 1 : name == "Sqrt" ? root(value) : -value;
+    const Bits expected = name == "Inc"    ? value + 1
+                          : name == "Dec"  ? value - 1
+                          : name == "Sqrt" ? root(value)
+                                           : -value;
     return receive(made, result == wideClass[1], expected, bytes);
   }
   if (name == "Pow") {
@@ -317,7 +327,9 @@ void runWide(const Member& member, Bytes& bytes) {
   if (name == "Operator_Convert" && parameter.empty()) {
     const auto low = static_cast<std::uint64_t>(value);
     const bool fits = value == (isSigned ? extended(static_cast<std::int64_t>(low)) : low);
-    require((isSigned ? static_cast<std::uint64_t>(member.call<std::int64_t>(self)) : member.call<std::uint64_t>(self)) == low, "another word");
+    require((isSigned ? static_cast<std::uint64_t>(member.call<std::int64_t>(self))
+                      : member.call<std::uint64_t>(self)) == low,
+            "another word");
     return expectRaised(fits ? "" : "OutOfBoundsException");
   }
   if (name == "Constructor" && parameter.empty()) return member.call<void>(self);
@@ -343,7 +355,8 @@ void runWide(const Member& member, Bytes& bytes) {
     if (!valid) return expectRaised("UnsupportedOperationException");
     if (isSigned && isUnsigned && (read & topBit)) return expectRaised("OutOfBoundsException");
     const auto unread = static_cast<int>(128 - 8 * size);
-    setBits(self, isSigned && !isUnsigned ? static_cast<Bits>(static_cast<Signed>(read << unread) >> unread) : read);
+    setBits(self, isSigned && !isUnsigned ? static_cast<Bits>(static_cast<Signed>(read << unread) >> unread)
+                                          : read);
     return expectRaised("");
   }
 
@@ -353,7 +366,8 @@ void runWide(const Member& member, Bytes& bytes) {
     const bool refused = other.isNil();
     if (name == "Equals") {
       const bool comparable = other.isSigned == isSigned || !((value | other.bits) & topBit);
-      require(other.pass<bool>(member, self) == (!refused && (isSame || (comparable && value == other.bits))), "equality");
+      require(other.pass<bool>(member, self) == (!refused && (isSame || (comparable && value == other.bits))),
+              "equality");
     } else {
       const int expected = refused ? 0 : order(value, isSigned, other.bits, other.isSigned);
       require(other.pass<RBInteger>(member, self) == expected, "comparison");
@@ -371,9 +385,10 @@ void runWide(const Member& member, Bytes& bytes) {
   if (operation.starts_with("Operator_")) operation.remove_prefix(9);
   const bool isReflected = name.starts_with("Operator_") && operation.ends_with("Right");
   if (isReflected) operation.remove_suffix(5);
-  const Bits expected = other.isNil()                                ? value
-                        : isReflected && operation != "Add" ? combined(operation, other.bits, value, isSigned)
-                                                                     : combined(operation, value, other.bits, isSigned);
+  const Bits expected = other.isNil() ? value
+                        : isReflected && operation != "Add"
+                            ? combined(operation, other.bits, value, isSigned)
+                            : combined(operation, value, other.bits, isSigned);
   const REALobject made = other.pass<REALobject>(member, self);
   expectRaised("");
   receive(made, isSigned, expected, bytes);
@@ -400,7 +415,9 @@ void runWideGetter(const Member& member, Bytes& bytes) {
   } else if (name == "LowValue") {
     require(member.call<std::uint64_t>(self, none) == low, "LowValue");
   } else if (name == "HighValue") {
-    require((isSigned ? static_cast<std::uint64_t>(member.call<std::int64_t>(self, none)) : member.call<std::uint64_t>(self, none)) == high, "HighValue");
+    require((isSigned ? static_cast<std::uint64_t>(member.call<std::int64_t>(self, none))
+                      : member.call<std::uint64_t>(self, none)) == high,
+            "HighValue");
   } else if (name == "stringValue") {
     const REALstring text = member.call<REALstring>(self, none);
     if (!host.failed) require(bytesOf(text) == textOf(value, isSigned), "stringValue");
@@ -411,11 +428,12 @@ void runWideGetter(const Member& member, Bytes& bytes) {
     const double x = member.call<double>(self, none);
     require((x < 0) == minus && (x != 0) == (value != 0), "doubleValue");
   } else {
-    const int expected = name == "Sign"              ? (minus ? -1 : value != 0)
-                         : name == "PopCount"        ? std::popcount(low) + std::popcount(high)
-                         : name == "CountLeftZeros"  ? zeros()
-                         : name == "CountRightZeros" ? (low ? std::countr_zero(low) : 64 + std::countr_zero(high))
-                                                     : 128 - zeros();
+    const int expected = name == "Sign"             ? (minus ? -1 : value != 0)
+                         : name == "PopCount"       ? std::popcount(low) + std::popcount(high)
+                         : name == "CountLeftZeros" ? zeros()
+                         : name == "CountRightZeros"
+                             ? (low ? std::countr_zero(low) : 64 + std::countr_zero(high))
+                             : 128 - zeros();
     require(member.call<RBInteger>(self, none) == expected, name);
   }
 }
@@ -434,7 +452,8 @@ void runWideSetter(const Member& member, Bytes& bytes) {
   }
   const std::uint64_t word = bytes.word();
   of(self)->model[name == "HighValue"] = word;
-  if (name == "HighValue" && member.isSigned) return member.call<void>(self, none, static_cast<std::int64_t>(word));
+  if (name == "HighValue" && member.isSigned)
+    return member.call<void>(self, none, static_cast<std::int64_t>(word));
   member.call<void>(self, none, word);
 }
 
@@ -443,7 +462,8 @@ void runWideSetter(const Member& member, Bytes& bytes) {
 void compareAtomics(const Member& member, REALobject self, REALobject other) {
   const auto mine = static_cast<std::int64_t>(of(self)->model[0]);
   const auto theirs = other ? static_cast<std::int64_t>(of(other)->model[0]) : 0;
-  require(member.call<RBInteger>(self, other) == (other ? (mine > theirs) - (mine < theirs) : 0), "comparison");
+  require(member.call<RBInteger>(self, other) == (other ? (mine > theirs) - (mine < theirs) : 0),
+          "comparison");
   expectRaised(other ? "" : "NilObjectException");
 }
 
@@ -452,7 +472,8 @@ void runCounter(const Member& member, Bytes& bytes) {
   const REALobject self = pick(counters, bytes);
   std::uint64_t& model = of(self)->model[0];
   const auto before = static_cast<std::int64_t>(model);
-  if (name == "Operator_Compare") return compareAtomics(member, self, bytes.below(4) == 0 ? nullptr : pick(counters, bytes));
+  if (name == "Operator_Compare")
+    return compareAtomics(member, self, bytes.below(4) == 0 ? nullptr : pick(counters, bytes));
   if (name == "CompareExchange") {
     std::int64_t expected = bytes.below(2) == 0 ? before : bytes.integer();
     const std::int64_t desired = bytes.integer();
@@ -647,15 +668,18 @@ void runSpline(const Member& member, Bytes& bytes) {
     for (Array*& each : arrays) {
       if (bytes.below(16) == 0) continue;
       each = host.makeArray(arrayElement::integer, bytes.below(16) == 0 ? bytes.below(8) : count);
-      for (std::size_t i = 0; i < each->size(); ++i) each->storage[i] = std::bit_cast<std::uint64_t>(bytes.real());
+      for (std::size_t i = 0; i < each->size(); ++i)
+        each->storage[i] = std::bit_cast<std::uint64_t>(bytes.real());
     }
-    member.call<void>(spline, reinterpret_cast<REALarrayDouble>(arrays[0]), reinterpret_cast<REALarrayDouble>(arrays[1]));
+    member.call<void>(spline, reinterpret_cast<REALarrayDouble>(arrays[0]),
+                      reinterpret_cast<REALarrayDouble>(arrays[1]));
     host.unlock(arrays[0]);
     host.unlock(arrays[1]);
   } else if (name == "calc") {
     member.call<double>(spline, bytes.real());
   } else {
-    member.call<double>(spline, bytes.below(2) == 0 ? static_cast<RBInteger>(bytes.below(8)) : bytes.integer());
+    member.call<double>(spline,
+                        bytes.below(2) == 0 ? static_cast<RBInteger>(bytes.below(8)) : bytes.integer());
   }
   require(host.raises <= 1, "more than one exception");
 }
@@ -677,7 +701,8 @@ struct Given {
 template <typename Result, typename... Types>
 void runFunction(const Member& member, Bytes& bytes) {
   const std::tuple<Given<Types>...> given{Given<Types>(bytes)...};
-  const Result result = std::apply([&](const auto&... each) { return member.call<Result>(each.value...); }, given);
+  const Result result =
+      std::apply([&](const auto&... each) { return member.call<Result>(each.value...); }, given);
   if constexpr (std::is_same_v<Result, REALstring>) host.unlock(result);
   require(host.raises <= 1, "more than one exception");
 }
@@ -730,7 +755,9 @@ std::string typesOf(std::string_view declaration) {
     if (declaration.substr(start, at - start).find("byref ") != declaration.npos) types += "byref ";
     std::string spelled(type);
     for (const std::string_view known : {"Double", "Integer", "Boolean", "String"}) {
-      if (std::equal(known.begin(), known.end(), type.begin(), type.end(), [](char a, char b) { return (a | 32) == (b | 32); })) spelled = known;
+      if (std::equal(known.begin(), known.end(), type.begin(), type.end(),
+                     [](char a, char b) { return (a | 32) == (b | 32); }))
+        spelled = known;
     }
     types += spelled;
     at += 4;
@@ -759,8 +786,14 @@ void addClass(const REALclassDefinition& record) {
     const REALproperty& property = record.properties[i];
     if (property.getter == reinterpret_cast<REALproc>(~std::uintptr_t{0})) continue;  // the host's own doing
     const std::string declaration = std::string(property.name) + " as " + property.type;
-    add(property.getter, declaration, isWide ? &runWideGetter : name == queueClass ? &runQueueGetter : &runAtomicGetter);
-    add(property.setter, declaration, isWide ? &runWideSetter : name == queueClass ? &runQueueSetter : &runAtomicSetter);
+    add(property.getter, declaration,
+        isWide               ? &runWideGetter
+        : name == queueClass ? &runQueueGetter
+                             : &runAtomicGetter);
+    add(property.setter, declaration,
+        isWide               ? &runWideSetter
+        : name == queueClass ? &runQueueSetter
+                             : &runAtomicSetter);
   }
 }
 
@@ -774,7 +807,8 @@ void fillPool() {
     each = track(host.makeObject(queueClass));
     queues[of(each)];
   }
-  for (std::size_t i = 0; i < variants.size(); ++i) variants[i] = track(host.makeVariant(static_cast<RBInteger>(i) + 2, 0));
+  for (std::size_t i = 0; i < variants.size(); ++i)
+    variants[i] = track(host.makeVariant(static_cast<RBInteger>(i) + 2, 0));
 }
 
 void emptyPool() {
@@ -859,6 +893,7 @@ extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
   }
   emptyPool();
   require(alive.empty() && queues.empty(), "the model keeps something");
-  require(host.objects == 1 && host.strings == 0 && host.arrays == 0 && host.stringData == 0, "something is left");
+  require(host.objects == 1 && host.strings == 0 && host.arrays == 0 && host.stringData == 0,
+          "something is left");
   return 0;
 }

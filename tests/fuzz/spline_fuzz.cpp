@@ -1,5 +1,5 @@
-// Splines: coefficients and values are, bit for bit, those of the definition written down plainly, with a search that
-// looks at one knot after the other.
+// Splines: coefficients and values are, bit for bit, those of the definition written down plainly, with a
+// search that looks at one knot after the other.
 #include "fuzz.h"
 
 using namespace fuzz;
@@ -34,7 +34,8 @@ struct Plain {
       d[i] = (r - l) / (6 * h);
       c[i] = (right * l - left * r) / (2 * h);
       b[i] = (dy[i] - c[i] * (right * right - left * left) -
-              d[i] * (right * right * right - left * left * left)) / h;
+              d[i] * (right * right * right - left * left * left)) /
+             h;
       a[i] = y[i - 1] - b[i] * left - c[i] * (left * left) - d[i] * (left * left * left);
     }
   }
@@ -77,7 +78,8 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
 extern "C" int LLVMFuzzerTestOneInput(const char* data, std::size_t size) {
   static auto* const construct = host.function<void(REALobject, REALarrayDouble, REALarrayDouble)>(
       "SplineQTX", "Constructor(X() as Double, Y() as Double)");
-  static auto* const calc = host.function<double(REALobject, double)>("SplineQTX", "calc(x as double) as double");
+  static auto* const calc =
+      host.function<double(REALobject, double)>("SplineQTX", "calc(x as double) as double");
   static Accessor* const accessors[] = {
       host.function<Accessor>("SplineQTX", "a(index as integer) as double"),
       host.function<Accessor>("SplineQTX", "b(index as integer) as double"),

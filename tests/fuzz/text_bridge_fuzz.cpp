@@ -1,6 +1,7 @@
-// The text bridge, over all encodings, raw lengths and bytes behind the text, on hosts whose operations are missing, fail
-// or convert to odd lengths: the views are those that a plain reading of the rules gives, NUL-terminated; references are
-// given back, guard words unharmed, and no more than one byte behind a text is read.
+// The text bridge, over all encodings, raw lengths and bytes behind the text, on hosts whose operations are
+// missing, fail or convert to odd lengths: the views are those that a plain reading of the rules gives,
+// NUL-terminated; references are given back, guard words unharmed, and no more than one byte behind a text is
+// read.
 #include <memory>
 
 #include "frame/text_bridge.h"
@@ -10,17 +11,25 @@ using namespace fuzz;
 
 namespace {
 
-constexpr std::uint32_t encodings[] = {
-    encoding::macRoman,          encoding::utf16,          encoding::isoLatin1,         encoding::windowsLatin1,
-    encoding::ascii,             encoding::none,           encoding::utf8,              encoding::utf32,
-    encoding::utf16BigEndian,    encoding::utf16LittleEndian, encoding::utf32BigEndian, encoding::utf32LittleEndian,
-    0xDEADBEEF};
+constexpr std::uint32_t encodings[] = {encoding::macRoman,
+                                       encoding::utf16,
+                                       encoding::isoLatin1,
+                                       encoding::windowsLatin1,
+                                       encoding::ascii,
+                                       encoding::none,
+                                       encoding::utf8,
+                                       encoding::utf32,
+                                       encoding::utf16BigEndian,
+                                       encoding::utf16LittleEndian,
+                                       encoding::utf32BigEndian,
+                                       encoding::utf32LittleEndian,
+                                       0xDEADBEEF};
 
 // Operations that this host does not have, a bit each.
 unsigned missing = 0;
-constexpr const char* withheld[] = {"REALGetStringEncoding",       "PluginGetStringData", "StringGetCString",
-                                    "REALBuildStringWithEncoding", "REALConvertString",   "REALSetStringEncoding",
-                                    "REALLoadGlobalMethod",        "REALBuildString"};
+constexpr const char* withheld[] = {
+    "REALGetStringEncoding", "PluginGetStringData",   "StringGetCString",     "REALBuildStringWithEncoding",
+    "REALConvertString",     "REALSetStringEncoding", "REALLoadGlobalMethod", "REALBuildString"};
 void* resolve(const char* name) {
   for (std::size_t i = 0; i < std::size(withheld); ++i) {
     if ((missing >> i & 1) != 0 && std::string_view(name) == withheld[i]) return nullptr;
@@ -55,7 +64,8 @@ std::string_view data() { return has(1) && host.hasData ? host.conversion : ""; 
 
 bool isWide(std::uint32_t code) {
   return code == encoding::utf16 || code == encoding::utf32 || code == encoding::utf16BigEndian ||
-         code == encoding::utf16LittleEndian || code == encoding::utf32BigEndian || code == encoding::utf32LittleEndian;
+         code == encoding::utf16LittleEndian || code == encoding::utf32BigEndian ||
+         code == encoding::utf32LittleEndian;
 }
 
 // In UTF-8 or ASCII, where nothing fails but what is missing.
@@ -99,7 +109,8 @@ void checkText(REALstring string, std::size_t order) {
 }
 
 void checkBuilt(std::string_view bytes, std::uint32_t code) {
-  const REALstring built = qtx::REALBuildUnicodeString(bytes.data(), static_cast<long long>(bytes.size()), code);
+  const REALstring built =
+      qtx::REALBuildUnicodeString(bytes.data(), static_cast<long long>(bytes.size()), code);
   if (host.failed) {
     host.unlock(built);
     return;
@@ -109,8 +120,8 @@ void checkBuilt(std::string_view bytes, std::uint32_t code) {
   const bool makes = !bytes.empty() && has(newer ? 3 : 7) && (!wide || has(4));
   require((built != nullptr) == makes, "a string too many or too few");
   if (!built) return;
-  const bool guessed = code == encoding::macRoman || code == encoding::isoLatin1 || code == encoding::windowsLatin1 ||
-                       code == encoding::none;
+  const bool guessed = code == encoding::macRoman || code == encoding::isoLatin1 ||
+                       code == encoding::windowsLatin1 || code == encoding::none;
   const std::uint32_t asked = guessed && isASCII(bytes) ? encoding::ascii : code;
   const std::uint32_t given = wide ? encoding::utf8 : newer || has(5) ? asked : encoding::none;
   require(bytesOf(built) == bytes && of(built)->encoding == given, "another string");
@@ -134,8 +145,8 @@ extern "C" int LLVMFuzzerTestOneInput(const char* input, std::size_t size) {
   host.clear();
   host.failing = {};
   if (bytes.below(3) == 0) {
-    for (const Operation each : {Operation::getStringData, Operation::getCString, Operation::lenB, Operation::getEncoding,
-                                 Operation::build, Operation::convert}) {
+    for (const Operation each : {Operation::getStringData, Operation::getCString, Operation::lenB,
+                                 Operation::getEncoding, Operation::build, Operation::convert}) {
       host.failing[static_cast<std::size_t>(each)] = static_cast<std::uint8_t>(bytes.below(4));
     }
   }
