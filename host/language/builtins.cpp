@@ -54,7 +54,7 @@ REALstring right(REALstring s, RBInteger count) {
               cut(utf8Of(textOf(s)), std::max<RBInteger>(len(s) - std::max<RBInteger>(count, 0), 0), count));
 }
 REALstring mid(REALstring s, RBInteger start, RBInteger count) {
-  return part(textOf(s), cut(utf8Of(textOf(s)), start - 1, count));
+  return part(textOf(s), cut(utf8Of(textOf(s)), std::max<RBInteger>(start, 1) - 1, count));
 }
 RBInteger inStr(REALstring s, REALstring wanted) {
   const std::string text = utf8Of(textOf(s));

@@ -106,8 +106,10 @@ class SharedDeclarations {
       fuzz::require(line > 0 && *error.what() != '\0', "an error without place or reason");
     } catch (const HostException&) {  // such as for lack of memory
     }
-    names_.subs = subs_;
-    names_.values = values_;
+    if (line == 0) {  // what is wrong has declared nothing
+      names_.subs = subs_;
+      names_.values = values_;
+    }
     while (names_.allSubs.size() > subCount_) names_.allSubs.pop_back();
     for (Global& each : names_.allGlobals) {
       if (each.type.isReference()) storeShared(each.slot, nullptr);

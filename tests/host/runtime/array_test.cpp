@@ -112,7 +112,7 @@ TEST(Things, AreNoLargerThanTheSettingsAllow) {
   const Ref<Object> block = makeObject(*hostClasses().memoryBlock);
   const Property& size = *hostClasses().memoryBlock->findProperty("Size");
   const auto resize = [&](std::int64_t bytes) {
-    const Slot arguments[] = {{.heap = block.get()}, {.integer = bytes}};
+    const Slot arguments[] = {{.heap = block.get()}, {.integer = size.parameter}, {.integer = bytes}};
     size.setter(arguments);
   };
   resize(64);
