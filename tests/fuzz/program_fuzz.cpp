@@ -33,7 +33,9 @@ void withdrawMembers() {
   for (Class& each : registry().classes) {
     std::erase_if(each.methods, [&](const Method& method) {
       const std::string& name = method.declaration.name;
-      return namesAddress(method.declaration) || name == "Start" || name == "Join";
+      // A queue that is added to itself doubles, in memory that the host does not limit.
+      const bool doubles = each.name == "AtomicQueueQTX" && name == "Add";
+      return namesAddress(method.declaration) || name == "Start" || name == "Join" || doubles;
     });
     std::erase_if(each.properties,
                   [](const Property& property) { return property.type.kind == Kind::Pointer; });
@@ -78,7 +80,7 @@ class SharedDeclarations {
   }
 
   void run(std::string_view text) {
-    names_.stepsLeft->store(300);
+    names_.stepsLeft->store(100);
     runHere(declarations_);
     compiled(text, [](const Main& main) {
       try {

@@ -267,8 +267,6 @@ inline constexpr Rule grammar[] = {
     {'x', "q0.Push($v)"},
     {'x', "q0.Insert $v"},
     {'x', "q0.Clear"},
-    {'x', "q0.Add(q0)"},
-    {'x', "q0.Add(a2)"},
     {'x', "a2 = q0.Values"},
     {'x', "a0.Append($i)"},
     {'x', "a1.Append $s"},
