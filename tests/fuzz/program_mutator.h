@@ -360,7 +360,7 @@ class ProgramMutator {
   std::string finished(Lines& lines, std::size_t most) {
     std::string text = join(lines);
     for (; text.size() > most && !lines.empty(); text = join(lines)) drop(lines, below(lines.size()));
-    for (std::size_t i = below(8) == 0 ? 0 : 4; i > 0 && !lines.empty(); --i) {
+    for (std::size_t i = below(8) == 0 ? 0 : 2; i > 0 && !lines.empty(); --i) {
       const int line = wrongLine_(text);
       if (line == 0) break;
       drop(lines, std::min(static_cast<std::size_t>(line), lines.size()) - 1);
