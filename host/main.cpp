@@ -11,6 +11,7 @@
 #include <fstream>
 #include <iostream>
 #include <mutex>
+#include <optional>
 #include <sstream>
 
 #include "language/language.h"
@@ -84,7 +85,7 @@ void switchTracingOn() {
   throw std::runtime_error("--trace: the library offers no tracing to a host of this version");
 }
 
-int run(const std::string& file) {
+int run(const std::string& file, std::optional<std::int64_t> steps) {
   const std::string name = file == "-" ? "standard input" : file;
   const std::string text = readProgram(file);
   std::mutex reporting;
@@ -97,11 +98,16 @@ int run(const std::string& file) {
   };
   setUncaughtHandler(report);
   try {
-    const Program program(name, text);
+    const Program program(name, text, steps);
     try {
       program.run();
     } catch (const HostException& exception) {
       report(exception);
+    } catch (const OutOfSteps& end) {
+      const std::lock_guard lock(reporting);
+      failed = true;
+      std::fflush(stdout);
+      std::fprintf(stderr, "%s: %s\n", name.c_str(), end.what());
     }
     joinAll();
   } catch (const ProgramError& error) {
@@ -124,6 +130,7 @@ int runCommandLine(int argc, char** argv) {
   std::string library, arrayShape = "published", file;
   std::vector<std::string> withheld, kept;
   bool trace = false, leaks = false;
+  std::optional<std::int64_t> steps;
   std::string version = "2024.01";
   const auto addCommon = [&](CLI::App* command) {
     command->add_option("--library", library,
@@ -143,6 +150,10 @@ int runCommandLine(int argc, char** argv) {
   addCommon(runCommand);
   runCommand->add_option("FILE", file, "The program; - for standard input")->required();
   runCommand->add_flag("--trace", trace, "Turns the library's tracing on");
+  runCommand
+      ->add_option("--steps", steps,
+                   "How many rounds of loops and calls of Subs the program may take before it is ended")
+      ->check(CLI::NonNegativeNumber);
   runCommand->add_flag("--leaks", leaks, "Lists at the end what is still alive, and then fails");
   runCommand
       ->add_option(
@@ -191,7 +202,7 @@ int runCommandLine(int argc, char** argv) {
     repl();
     return 0;
   }
-  const int status = run(file);
+  const int status = run(file, steps);
   if (!leaks) return status;
   const std::string report = leakReport({kept.begin(), kept.end()});
   std::fputs(report.c_str(), stderr);

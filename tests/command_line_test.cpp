@@ -54,6 +54,16 @@ TEST(CommandLine, TracesOnRequest) {
   EXPECT_EQ(without.errors, "qtxhost: --trace: the library offers no tracing to a host of this version\n");
 }
 
+TEST(CommandLine, EndsAProgramAfterTheStepsGiven) {
+  const Outcome ended = qtxhost({"run", "--steps", "1000", "-"}, "Print 1\nWhile True\nWend\nPrint 2\n");
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(ended.output, "1\n");
+  EXPECT_EQ(ended.errors, "standard input: the program has taken all the steps that it may\n");
+  EXPECT_EQ(qtxhost({"run", "--steps", "3", "-"}, "For i As Integer = 1 To 3\nNext\nPrint 2\n").output,
+            "2\n");
+  EXPECT_EQ(qtxhost({"run", "--steps", "-1", "-"}, "Print 1\n").status, 2);
+}
+
 TEST(CommandLine, ReportsWhatIsLeftAlive) {
   const std::string program = "Dim n As New Int128QTX(3)\nPrint n + n\n";
   const Outcome leaking = qtxhost({"run", "--leaks", "-"}, program);

@@ -54,7 +54,7 @@ REALstring right(REALstring s, RBInteger count) {
               cut(utf8Of(textOf(s)), std::max<RBInteger>(len(s) - std::max<RBInteger>(count, 0), 0), count));
 }
 REALstring mid(REALstring s, RBInteger start, RBInteger count) {
-  return part(textOf(s), cut(utf8Of(textOf(s)), start - 1, count));
+  return part(textOf(s), cut(utf8Of(textOf(s)), std::max<RBInteger>(start, 1) - 1, count));
 }
 RBInteger inStr(REALstring s, REALstring wanted) {
   const std::string text = utf8Of(textOf(s));
@@ -62,13 +62,15 @@ RBInteger inStr(REALstring s, REALstring wanted) {
   return found == std::string::npos ? 0 : static_cast<RBInteger>(characters(text.substr(0, found)).size());
 }
 REALstring replaceAll(REALstring s, REALstring old, REALstring with) {
-  std::string text = utf8Of(textOf(s));
-  const std::string wanted = utf8Of(textOf(old)), replacement = utf8Of(textOf(with));
-  for (std::size_t at = 0; !wanted.empty() && (at = text.find(wanted, at)) != std::string::npos;
-       at += replacement.size()) {
-    text.replace(at, wanted.size(), replacement);
+  const std::string text = utf8Of(textOf(s)), wanted = utf8Of(textOf(old)),
+                    replacement = utf8Of(textOf(with));
+  std::string replaced;
+  std::size_t start = 0;
+  for (std::size_t at; !wanted.empty() && (at = text.find(wanted, start)) != std::string::npos;
+       start = at + wanted.size()) {
+    replaced.append(text, start, at - start) += replacement;
   }
-  return made(text);
+  return made(replaced.append(text, start));
 }
 REALstring trim(REALstring s) {
   const std::string text = utf8Of(textOf(s));

@@ -48,7 +48,7 @@ Sub& declareSub(const syntax::Sub& parsed, ModuleNames& module, bool mayRedeclar
 void compileBody(Sub& sub, const syntax::Block& body, ModuleNames& module) {
   Names names(module, sub.locals, false, false);
   for (const SubParameter& parameter : sub.parameters) names.declareParameter(parameter, sub.position);
-  sub.body = StatementCompiler(names, &sub, false).block(body);
+  sub.body = StatementCompiler(names, &sub, false).counted(body);
 }
 
 Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool interactive) {

@@ -12,8 +12,10 @@ struct Program::Parts {
   Main main;
 };
 
-Program::Program(const std::string& file, std::string_view text) : parts_(std::make_unique<Parts>()) {
+Program::Program(const std::string& file, std::string_view text, std::optional<std::int64_t> steps)
+    : parts_(std::make_unique<Parts>()) {
   parts_->names.file = file;
+  if (steps) parts_->names.stepsLeft = std::make_unique<StepsLeft>(*steps);
   parts_->main = compile(parts_->names, text);
 }
 

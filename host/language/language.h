@@ -1,7 +1,9 @@
 // The host's language: all of it that others need.
 #pragma once
 
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -16,10 +18,11 @@ void registerBuiltins();
 // A host program, checked as a whole. What it has started, such as threads, ends before it.
 class Program {
  public:
-  // `file` names it in messages. Throws ProgramError.
-  Program(const std::string& file, std::string_view text);
+  // `file` names it in messages. `steps`: how many rounds of loops and calls of Subs it may take in all,
+  // where there is a limit. Throws ProgramError.
+  Program(const std::string& file, std::string_view text, std::optional<std::int64_t> steps = {});
   ~Program();
-  void run() const;  // throws HostException
+  void run() const;  // throws HostException, OutOfSteps
 
  private:
   struct Parts;

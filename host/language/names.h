@@ -31,6 +31,7 @@ struct ModuleNames {
   std::unordered_map<std::string, std::variant<Global*, Constant>> values;
   std::deque<Sub> allSubs;
   std::deque<Global> allGlobals;
+  std::unique_ptr<StepsLeft> stepsLeft;  // null: no limit
 
   ModuleNames() = default;
   ~ModuleNames();
@@ -72,6 +73,7 @@ class Names {
   Expr find(const std::string& name) const;  // a variable or constant; null: there is none
   Expr expect(const syntax::Name& name) const;
   const Sub* findSub(const std::string& name) const;
+  StepsLeft* stepsLeft() const { return module_.stepsLeft.get(); }
   [[noreturn]] void failUnknown(const syntax::Name& name) const;
 
  private:

@@ -1,6 +1,7 @@
-// What is wrong with a program's text, and where.
+// What is wrong with a program: with its text, and where; and that it takes too long.
 #pragma once
 
+#include <exception>
 #include <stdexcept>
 #include <string>
 
@@ -17,6 +18,13 @@ class ProgramError : public std::runtime_error {
       : std::runtime_error(message), position(where), atEnd(endsTooEarly) {}
   Position position;
   bool atEnd;  // the text is right as far as it goes; more lines may complete it
+};
+
+// Ends a program that has taken all the steps that it may. No exception of its language: it could catch that
+// and go on.
+class OutOfSteps final : public std::exception {
+ public:
+  const char* what() const noexcept override { return "the program has taken all the steps that it may"; }
 };
 
 [[noreturn]] inline void fail(Position position, const std::string& message) {

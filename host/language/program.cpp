@@ -99,15 +99,32 @@ Slot callSub(const Sub& sub, const Slot* arguments) {
   return frame.result;
 }
 
+Stmt countStep(StepsLeft& left) {
+  // Leaves the frame's line as it is: a program does not see it.
+  struct Count final : Statement {
+    explicit Count(StepsLeft& ofProgram) : stepsLeft(ofProgram) {}
+    Flow run(Frame&) const override {
+      if (stepsLeft.fetch_sub(1, std::memory_order_relaxed) <= 0) throw OutOfSteps();
+      return Flow::next;
+    }
+    StepsLeft& stepsLeft;
+  };
+  return std::make_unique<Count>(left);
+}
+
+void runHere(const Main& main) {
+  std::vector<Slot> locals(main.locals.size());
+  const LocalsScope scope(locals.data(), main.locals);
+  Frame frame;
+  frame.locals = locals.data();
+  runFrame(main.file, frame, main.body, "");
+}
+
 void runMain(const Main& main) {
   std::exception_ptr failure;
   auto body = [&] {
-    std::vector<Slot> locals(main.locals.size());
-    const LocalsScope scope(locals.data(), main.locals);
-    Frame frame;
-    frame.locals = locals.data();
     try {
-      runFrame(main.file, frame, main.body, "");
+      runHere(main);
     } catch (...) {
       failure = std::current_exception();
     }

@@ -1,6 +1,8 @@
 // What a compiled program consists of, and how it is run.
 #pragma once
 
+#include <atomic>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
@@ -44,8 +46,16 @@ struct Main {
   Block body;
 };
 
-// Runs on a thread with a deep stack; throws HostException.
+// How many rounds of loops and calls of Subs are left to a program, on all of its threads together. Each body
+// of one that has such a limit is compiled with a statement in front that counts; the others have none, and
+// pay nothing.
+using StepsLeft = std::atomic<std::int64_t>;
+Stmt countStep(StepsLeft& left);  // throws OutOfSteps
+
+// Runs on a thread with a deep stack; throws HostException, OutOfSteps.
 void runMain(const Main& main);
+// The same on this thread.
+void runHere(const Main& main);
 // `arguments` become the parameters' slots (owned, but for ByRef ones). The result is owned by the caller.
 Slot callSub(const Sub& sub, const Slot* arguments);
 

@@ -22,6 +22,13 @@ Block StatementCompiler::block(const syntax::Block& statements) {
   return compiled;
 }
 
+Block StatementCompiler::counted(const syntax::Block& statements) {
+  Block compiled;
+  if (StepsLeft* const left = names_.stepsLeft()) compiled.statements.push_back(countStep(*left));
+  for (Stmt& each : block(statements).statements) compiled.statements.push_back(std::move(each));
+  return compiled;
+}
+
 Block StatementCompiler::innerBlock(const syntax::Block& statements) {
   const Names::Inner inner(names_);
   return block(statements);
@@ -30,7 +37,8 @@ Block StatementCompiler::innerBlock(const syntax::Block& statements) {
 Block StatementCompiler::loopBody(LoopKind kind, const syntax::Block& statements) {
   int& depth = loops_[static_cast<std::size_t>(kind)];
   ++depth;
-  Block body = innerBlock(statements);
+  const Names::Inner inner(names_);
+  Block body = counted(statements);
   --depth;
   return body;
 }

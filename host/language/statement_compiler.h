@@ -12,6 +12,8 @@ class StatementCompiler {
       : names_(names), expressions_(names), sub_(sub), interactive_(interactive) {}
 
   Block block(const syntax::Block& statements);
+  // What may run again and again, and is counted where the program's steps are.
+  Block counted(const syntax::Block& statements);
 
  private:
   Block innerBlock(const syntax::Block& statements);  // with names of its own

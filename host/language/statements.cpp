@@ -124,7 +124,10 @@ Stmt addHandler(Position position, Expr object, const Sub& sub, Position subPosi
         retain(&started);
         argument.heap = &started;
       }
-      callSub(sub, &argument);
+      try {
+        callSub(sub, &argument);
+      } catch (const OutOfSteps&) {  // ends this thread; the others notice themselves
+      }
     });
   });
 }

@@ -46,9 +46,10 @@ void Array::check(std::int64_t index) const {
 void Array::reserve(std::int64_t wanted) {
   if (wanted <= capacity) return;
   const std::int64_t larger = wanted > 2 * capacity ? wanted : 2 * capacity;
-  void* memory = wanted > mostElements
-                     ? nullptr
-                     : std::realloc(elements, static_cast<std::size_t>(larger) * sizeof(Slot));
+  const bool isTooLarge =
+      wanted > mostElements || static_cast<std::size_t>(wanted) > settings().mostBytes / sizeof(Slot);
+  void* memory =
+      isTooLarge ? nullptr : std::realloc(elements, static_cast<std::size_t>(larger) * sizeof(Slot));
   if (!memory) {
     throwException("OutOfMemoryException",
                    "There is no memory for an array of " + std::to_string(wanted) + " elements.");

@@ -9,6 +9,7 @@
 
 #include "runtime/exception.h"
 #include "runtime/host_record.h"
+#include "runtime/settings.h"
 
 namespace host {
 
@@ -25,7 +26,8 @@ MemoryData& memoryIn(REALobject self) { return dataIn<MemoryData>(self, *hostCla
 
 void resize(MemoryData& memory, std::int64_t size) {
   if (size < 0) throw HostException("OutOfBoundsException", "The size of a MemoryBlock is less than 0.");
-  void* bytes = size > mostBytes ? nullptr : std::realloc(memory.bytes, static_cast<std::size_t>(size) + 1);
+  const bool isTooLarge = size > mostBytes || static_cast<std::size_t>(size) > settings().mostBytes;
+  void* bytes = isTooLarge ? nullptr : std::realloc(memory.bytes, static_cast<std::size_t>(size) + 1);
   if (!bytes) {
     throw HostException("OutOfMemoryException",
                         "There is no memory for a MemoryBlock of " + std::to_string(size) + " bytes.");

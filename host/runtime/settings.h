@@ -1,6 +1,8 @@
 // How this host is to behave.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
 #include <set>
 #include <string>
 
@@ -10,6 +12,8 @@ struct Settings {
   double version = 2024.01;
   std::set<std::string> withheld;  // operations that the resolver denies
   bool otherArrayShape = false;    // arrays that fail a library's look at their memory
+  std::size_t mostBytes =
+      SIZE_MAX;  // of one text, array or MemoryBlock, where that is less than each may have anyway
 };
 Settings& settings();  // set before a library is loaded, only read afterwards
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "runtime/class.h"
+#include "runtime/settings.h"
 #include "runtime/throwing.h"
 
 namespace host {
@@ -17,6 +18,7 @@ namespace host {
 namespace {
 
 constexpr std::size_t mostBytes = std::size_t{1} << 28;  // keeps a runaway program from taking the machine
+constexpr std::size_t alwaysGranted = 256;               // whatever the settings: messages are texts
 
 const char* iconvName(std::uint32_t textEncoding) {
   constexpr bool little = std::endian::native == std::endian::little;
@@ -112,8 +114,9 @@ std::optional<std::string> recode(std::string_view bytes, std::uint32_t from, st
 
 Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding) {
   if (bytes.empty() && textEncoding == encoding::utf8) return nullptr;
-  Heap* thing =
-      bytes.size() > mostBytes ? nullptr : allocate(*hostClasses().text, sizeof(Text) + bytes.size() + 1);
+  const bool isTooLarge =
+      bytes.size() > alwaysGranted && (bytes.size() > mostBytes || bytes.size() > settings().mostBytes);
+  Heap* thing = isTooLarge ? nullptr : allocate(*hostClasses().text, sizeof(Text) + bytes.size() + 1);
   if (!thing) throwException("OutOfMemoryException", "There is no memory for the text.");
   auto* text = static_cast<Text*>(thing);
   text->encoding = textEncoding;

@@ -65,5 +65,49 @@ TEST_F(Pieces, TakeOnlySoManyParameters) {
   EXPECT_EQ(run("Sub S(" + parameters + ", b As Integer)\nEnd Sub"), "S has too many parameters");
 }
 
+// What runs under a limit of steps, and whether it took them all.
+bool tookAll(std::int64_t steps, const std::string& text) {
+  ModuleNames module;
+  module.stepsLeft = std::make_unique<StepsLeft>(steps);
+  const Main main = compile(module, text);
+  try {
+    runMain(main);
+    return false;
+  } catch (const OutOfSteps&) {
+    return true;
+  }
+}
+
+TEST(StepLimit, CountsRoundsOfLoopsAndCalls) {
+  const std::string threeRounds = "For i As Integer = 1 To 3\nNext";
+  EXPECT_FALSE(tookAll(3, threeRounds));
+  EXPECT_TRUE(tookAll(2, threeRounds));
+  const std::string twoCalls = "Sub P()\nEnd Sub\nP\nP";
+  EXPECT_FALSE(tookAll(2, twoCalls));
+  EXPECT_TRUE(tookAll(1, twoCalls));
+  EXPECT_FALSE(tookAll(0, "Dim x As Integer = 1\nIf x = 1 Then\nx = 2\nEnd If"));
+}
+
+TEST(StepLimit, EndsWhatWouldNotEnd) {
+  for (const char* text :
+       {"While True\nWend", "Do\nLoop", "Do\nDim x As Integer\nLoop Until False",
+        "Dim i As Integer\nFor i = 1 To 2\ni = 1\nNext", "For d As Double = 0 To 1 Step 0\nNext",
+        "Dim a() As Integer = Array(1)\nFor Each e As Integer In a\na.Append(e)\nNext",
+        "Sub P()\nP\nEnd Sub\nP"}) {
+    EXPECT_TRUE(tookAll(100, text)) << text;
+  }
+}
+
+TEST(StepLimit, CannotBeCaught) {
+  EXPECT_TRUE(tookAll(100, "While True\nTry\nWhile True\nWend\nCatch\nEnd Try\nWend"));
+  EXPECT_TRUE(tookAll(100, "Try\nDo\nLoop\nFinally\nDo\nLoop\nEnd Try"));
+}
+
+TEST(StepLimit, HoldsForThreadsToo) {
+  EXPECT_TRUE(tookAll(100,
+                      "Sub Work()\nWhile True\nWend\nEnd Sub\nDim t As New Thread\n"
+                      "AddHandler t.Run, AddressOf Work\nt.Start\nt.Join\nDo\nLoop"));
+}
+
 }  // namespace
 }  // namespace host

@@ -102,5 +102,23 @@ TEST(Array, GrowsByZeros) {
   for (std::int64_t i = 0; i < 1000; ++i) EXPECT_EQ(array->at(i).word, 0u);
 }
 
+TEST(Things, AreNoLargerThanTheSettingsAllow) {
+  startRuntime();
+  settings().mostBytes = 512;
+  EXPECT_EQ(makeArray({Kind::Int64}, 64)->count(), 64);
+  EXPECT_THROW(makeArray({Kind::Int64}, 65), HostException);
+  EXPECT_EQ(makeText(std::string(512, 'x'))->length, 512u);
+  EXPECT_THROW(makeText(std::string(513, 'x')), HostException);
+  const Ref<Object> block = makeObject(*hostClasses().memoryBlock);
+  const Property& size = *hostClasses().memoryBlock->findProperty("Size");
+  const auto resize = [&](std::int64_t bytes) {
+    const Slot arguments[] = {{.heap = block.get()}, {.integer = size.parameter}, {.integer = bytes}};
+    size.setter(arguments);
+  };
+  resize(512);
+  EXPECT_THROW(resize(513), HostException);
+  settings().mostBytes = SIZE_MAX;
+}
+
 }  // namespace
 }  // namespace host
