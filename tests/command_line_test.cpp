@@ -191,6 +191,27 @@ TEST(Repl, PromptsOnATerminal) {
   }
 }
 
+TEST(CommandLine, FindsTheLibraryWhereAnInstallationPutsIt) {
+  if (std::getenv("QTX_HOST_COMMAND")) GTEST_SKIP() << "which says itself what the library is";
+  const fs::path program = QTX_HOST_PROGRAM;
+  fs::path library = program.parent_path() / "libqtx.so";
+  if (!fs::exists(library)) library.replace_extension(".dylib");
+  const fs::path folder = fs::temp_directory_path() / ("qtx-installed-" + std::to_string(getpid()));
+  fs::create_directories(folder / "bin");
+  fs::create_directories(folder / "lib" / "qtx");
+  fs::copy(program, folder / "bin");
+  const std::string emulator = sizeof QTX_EMULATOR > 1 ? QTX_EMULATOR "|" : "";
+  setenv("QTX_HOST_COMMAND", (emulator + (folder / "bin" / program.filename()).string()).c_str(), 1);
+  const Outcome alone = qtxhost({"run", "-"}, "Print 1\n");
+  fs::create_symlink(library, folder / "lib" / "qtx" / library.filename());
+  const Outcome installed = qtxhost({"run", "-"}, "Print FacQTX(4)\n");
+  unsetenv("QTX_HOST_COMMAND");
+  fs::remove_all(folder);
+  EXPECT_EQ(alone.status, 2);
+  EXPECT_NE(alone.errors.find("there is no such library"), std::string::npos) << alone.errors;
+  EXPECT_EQ(installed.output, "24\n") << installed.errors;
+}
+
 TEST(CommandLine, TakesTheLibraryThatTheEnvironmentNames) {
   if (std::getenv("QTX_HOST_COMMAND")) GTEST_SKIP() << "which says itself what the library is";
   setenv("QTX_LIBRARY", "no_such_library.so", 1);

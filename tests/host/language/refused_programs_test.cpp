@@ -74,7 +74,7 @@ TEST(RefusedPrograms, HaveAWrongExpression) {
 
 TEST(RefusedPrograms, UseANameThatIsNone) {
   expectRefused({
-      {"Print nme\nDim name As String", "1:7 unknown name 'nme'; did you mean 'name'?"},
+      {"Dim name As String\nPrint nme", "2:7 unknown name 'nme'; did you mean 'name'?"},
       {"Const five = 5\nPrint fiv", "2:7 unknown name 'fiv'; did you mean 'five'?"},
       {"Sub Work()\nEnd Sub\nWrk", "3:1 unknown name 'Wrk'; did you mean 'Work'?"},
       {"Print Date", "1:7 the class Date is no value; expected a member of it, or New Date"},
@@ -161,7 +161,7 @@ TEST(RefusedPrograms, DeclareWhatCannotBe) {
       {"Dim x, y As New Date", "1:17 'As New' declares one variable"},
       {"Dim a() As New Date", "1:16 'As New' declares one variable"},
       {"Dim x, y As Integer = 5", "1:23 only one variable can be given a value"},
-      {"Dim x As Date = New Thread", "1:5 expected Date as the value, found Thread"},
+      {"Dim x As Date = New Thread", "1:17 expected Date as the value, found Thread"},
       {"Dim a() As Integer = 5", "1:22 expected Integer() as the value of a, found Integer"},
       {"Const", "1:6 expected the name of a constant, found the end of the line"},
       {"Const x", "1:8 expected '=' after the constant x, found the end of the line"},
@@ -205,7 +205,7 @@ TEST(RefusedPrograms, HaveAStatementThatIsNotWhole) {
       {"5", "1:1 expected a statement; this is a value that nothing is done with"},
       {"Dim n As Integer\nn", "2:1 expected a statement; this is a value that nothing is done with"},
       {"Dim n As Integer\nn 5", "2:1 expected a statement; this is a value that nothing is done with"},
-      {"Dim n As Integer\nn IsA Date", "2:3 IsA tests objects; found Integer"},
+      {"Dim n As Integer\nn IsA Date", "2:7 IsA tests objects; found Integer"},
       {"Dim n As Integer\nn = ", "2:5 expected an expression, found the end of the line"},
       {"Dim n As Integer\nn = \"a\"", "2:5 expected Integer as the value, found String"},
       {"Dim n As Integer\nn += \"a\"", "2:1 there is no operator '+' for Integer and String"},
@@ -273,6 +273,7 @@ TEST(RefusedPrograms, HaveABlockThatIsNotWhole) {
       {"Select 5", "1:8 expected 'Case' after Select, found '5'"},
       {"Select Case 5 6", "1:15 expected the end of the line after the value of Select Case, found '6'"},
       {"Select Case 5\nPrint 1\nEnd Select", "2:1 expected 'Case' or 'End Select', found 'Print'"},
+      {"Select Case 5", "1:14 expected 'Case' or 'End Select', found the end of the program"},
       {"Select Case 5\nCase 1 2\nEnd Select",
        "2:8 expected the end of the line after the values of Case, found '2'"},
       {"Select Case 5\nCase Is 3\nEnd Select", "2:9 expected a comparison such as < or =, found '3'"},
