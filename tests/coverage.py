@@ -3,6 +3,8 @@
 
 usage: coverage.py SOURCE_DIRECTORY BUILD_DIRECTORY TRACEFILE
 
+gcovr itself cannot tell an exception's way on from another one where a function has not run in all object files.
+
 Reads what the compiler's gcov says of each object file, prints the folders and what has to be reached but is not,
 and writes it all as a tracefile of gcovr. A branch is one way on from a condition. Those do not count that nobody has
 written:
@@ -39,9 +41,9 @@ def written(branches):
     return [branch["count"] for branch in kept]
 
 
-def files_of(counts):
-    told = subprocess.run(["gcov", "--json-format", "--stdout", "--branch-probabilities", str(counts)],
-                          check=True, capture_output=True, cwd=counts.parent).stdout
+def files_of(notes):
+    told = subprocess.run(["gcov", "--json-format", "--stdout", "--branch-probabilities", str(notes)],
+                          check=True, capture_output=True, cwd=notes.parent).stdout
     return json.loads(told)["files"]
 
 
@@ -81,7 +83,7 @@ def read_exceptions(file):
 def count(source, build):
     files = collections.defaultdict(File)
     with ThreadPoolExecutor(os.cpu_count()) as pool:
-        for told in pool.map(files_of, sorted(build.rglob("*.gcda"))):
+        for told in pool.map(files_of, sorted(build.rglob("*.gcno"))):
             for each in told:
                 path = os.path.relpath(os.path.join(source, each["file"]), source)
                 if path.split("/")[0] in REQUIRED:
