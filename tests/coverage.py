@@ -1,12 +1,11 @@
 #!/usr/bin/env python3
 """Says which lines and branches of plugin/ and host/ the tests have reached, and fails where these are too few.
 
-usage: coverage.py SOURCE_DIRECTORY BUILD_DIRECTORY TRACEFILE
+usage: coverage.py SOURCE_DIRECTORY BUILD_DIRECTORY [HTML_DIRECTORY]
 
-gcovr itself cannot tell an exception's way on from another one where a function has not run in all object files.
-
-Reads what the compiler's gcov says of each object file, prints the folders and what has to be reached but is not,
-and writes it all as a tracefile of gcovr. A branch is one way on from a condition. Those do not count that nobody has
+Reads what the compiler's gcov says of each object file, and prints the folders and what has to be reached but is not.
+gcovr, which would do so too, cannot tell an exception's way on from others where a function has not run in all object
+files; it writes the pages that show each line, where a folder for them is named. A branch is one way on from a condition. Those do not count that nobody has
 written:
 
 - the two ways on from a call, back and by an exception;
@@ -23,6 +22,7 @@ import os
 import re
 import subprocess
 import sys
+import tempfile
 from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
@@ -91,12 +91,22 @@ def count(source, build):
     return files
 
 
+def write_html(files, source, folder):
+    with tempfile.TemporaryDirectory() as scratch:
+        nothing = subprocess.run(["gcovr", "--root", scratch, "--json"], check=True, capture_output=True).stdout
+        tracefile = Path(scratch) / "coverage.json"
+        tracefile.write_text(json.dumps(json.loads(nothing) | {"files": files}))  # in the version that it reads
+        folder.mkdir(parents=True, exist_ok=True)
+        subprocess.run(["gcovr", "--root", source, "--add-tracefile", tracefile, "--html-details",
+                        folder / "index.html", "--html-title", "Coverage"], check=True, cwd=source)
+
+
 def share(reached, total):
     return f"{reached:5} of {total:5} {100 * reached / max(total, 1):7.2f} %"
 
 
 def main():
-    source, build, tracefile = (Path(each).resolve() for each in sys.argv[1:])
+    source, build, *html = (Path(each).resolve() for each in sys.argv[1:])
     exceptions = read_exceptions(Path(__file__).with_name("coverage_exceptions.txt"))
     unknown = set(exceptions)
     sums = collections.defaultdict(lambda: [0, 0, 0, 0])
@@ -127,7 +137,8 @@ def main():
             lines.append({"line_number": number, "count": times, "gcovr/noncode": False,
                           "branches": [{"count": each, "fallthrough": False, "throw": False} for each in branches]})
         trace.append({"file": path, "lines": lines, "functions": []})
-    tracefile.write_text(json.dumps({"gcovr/format_version": "0.5", "files": trace}))
+    if html:
+        write_html(trace, source, html[0])
 
     failed = False
     print(f"{'':<16}{'lines':>25}{'branches':>25}")
