@@ -135,6 +135,7 @@ def main():
                 what = f"{branches.count(0)} of {len(branches)} branches" if times else "never"
                 missing[path.split("/")[0]].append(f"{path}:{number}: {what}: {content}")
             lines.append({"line_number": number, "count": times, "gcovr/noncode": False,
+                          "gcovr/excluded": False,
                           "branches": [{"count": each, "fallthrough": False, "throw": False} for each in branches]})
         trace.append({"file": path, "lines": lines, "functions": []})
     if html:

@@ -174,6 +174,7 @@ TEST(Operations, TakeNilForTheEmptyString) {
 }
 
 TEST(Operations, ReadAndWriteThePropertiesThatAClassHas) {
+  startRuntime();
   const Ref<Object> exception = HostException("NilObjectException", "gone").exception;
   const auto handle = reinterpret_cast<REALobject>(exception.get());
   auto* setInteger = operation<bool(REALobject, const char*, RBInteger)>("REALSetPropValueInteger");
@@ -200,6 +201,7 @@ TEST(Operations, ReadAndWriteThePropertiesThatAClassHas) {
 }
 
 TEST(Operations, GiveNothingForWhatIsUnknown) {
+  startRuntime();
   registry().expectClass("Mentioned");
   EXPECT_EQ(operation<REALobject(const char*)>("PluginNewInstance")("Mentioned"), nullptr)
       << "it is not registered yet";
