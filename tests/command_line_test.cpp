@@ -1,6 +1,7 @@
 // What qtxhost's command line does: its options, what they may be, and what it says to bad ones.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <string>
@@ -160,6 +161,74 @@ TEST(Repl, RunsStatementsAndShowsTheValuesOfExpressions) {
   EXPECT_NE(session.output.find("42\n"), std::string::npos) << session.output;
   EXPECT_NE(session.output.find("21\n"), std::string::npos) << session.output;
   EXPECT_NE(session.output.find("2\n"), std::string::npos) << "goes on after an error";
+}
+
+TEST(Repl, WaitsForTheEndOfABlockAndGoesOnAfterErrors) {
+  const Outcome session = qtxhost({"repl"},
+                                  "For i As Integer = 1 To 2\nPrint i\nNext\n"
+                                  "Sub Fail()\nRaise New NilObjectException(\"no\")\nEnd Sub\nFail\n"
+                                  "Dim s As String = 5\n\n:help\nPrint \"still\"\n:quit\nPrint \"never\"\n");
+  EXPECT_EQ(session.status, 0);
+  EXPECT_EQ(session.output,
+            "1\n2\n"
+            "Enter a statement to run it, or an expression to see its value.\n"
+            "A block such as For … Next is run when it is complete. What is declared stays.\n"
+            "  :help  this text\n  :quit  the end (as is the end of the input)\n"
+            "still\n");
+  EXPECT_EQ(session.errors,
+            "input:2: NilObjectException: no\n  at input:2: Fail\n  at input:1\n"
+            "input:1:19: error: expected String as the value of s, found Integer\n");
+  EXPECT_EQ(qtxhost({"repl"}, "Print 1\n:q\nPrint 2\n").output, "1\n");
+}
+
+TEST(Repl, ReportsWhatAThreadDoesNotCatch) {
+  const Outcome session = qtxhost({"repl", "--trace"},
+                                  "Sub Fail()\nRaise New NilObjectException(\"no\")\nEnd Sub\n"
+                                  "Dim t As New Thread\nAddHandler t.Run, AddressOf Fail\nt.Start\n");
+  EXPECT_EQ(session.status, 0);
+  EXPECT_NE(session.errors.find("input:2: NilObjectException: no\n  at input:2: Fail\n"), std::string::npos)
+      << session.errors;
+}
+
+// On a terminal it shows a prompt, another one while a block is open, and lets lines be edited.
+TEST(Repl, PromptsOnATerminal) {
+  const Outcome session = runQtxhostOnTerminal({"repl"},
+                                               "If True Then\nPrint 6 * 8\x7F"
+                                               "7\nEnd If\n:quit\n");
+  EXPECT_EQ(session.status, 0);
+  for (const char* part : {"Type :help for help.\r\n", "> ", "... ", "\n42\r\n"}) {
+    EXPECT_NE(session.output.find(part), std::string::npos) << session.output;
+  }
+}
+
+TEST(CommandLine, FindsTheLibraryWhereAnInstallationPutsIt) {
+  if (std::getenv("QTX_HOST_COMMAND")) GTEST_SKIP() << "which says itself what the library is";
+  const fs::path program = QTX_HOST_PROGRAM;
+  fs::path library = program.parent_path() / "libqtx.so";
+  if (!fs::exists(library)) library.replace_extension(".dylib");
+  const fs::path folder = fs::temp_directory_path() / ("qtx-installed-" + std::to_string(getpid()));
+  fs::create_directories(folder / "bin");
+  fs::create_directories(folder / "lib" / "qtx");
+  fs::copy(program, folder / "bin");
+  const std::string emulator = sizeof QTX_EMULATOR > 1 ? QTX_EMULATOR "|" : "";
+  setenv("QTX_HOST_COMMAND", (emulator + (folder / "bin" / program.filename()).string()).c_str(), 1);
+  const Outcome alone = qtxhost({"run", "-"}, "Print 1\n");
+  fs::create_symlink(library, folder / "lib" / "qtx" / library.filename());
+  const Outcome installed = qtxhost({"run", "-"}, "Print FacQTX(4)\n");
+  unsetenv("QTX_HOST_COMMAND");
+  fs::remove_all(folder);
+  EXPECT_EQ(alone.status, 2);
+  EXPECT_NE(alone.errors.find("there is no such library"), std::string::npos) << alone.errors;
+  EXPECT_EQ(installed.output, "24\n") << installed.errors;
+}
+
+TEST(CommandLine, TakesTheLibraryThatTheEnvironmentNames) {
+  if (std::getenv("QTX_HOST_COMMAND")) GTEST_SKIP() << "which says itself what the library is";
+  setenv("QTX_LIBRARY", "no_such_library.so", 1);
+  const Outcome refused = qtxhost({"run", "-"}, "Print 1\n");
+  unsetenv("QTX_LIBRARY");
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(refused.errors, "qtxhost: no_such_library.so: there is no such library\n");
 }
 
 }  // namespace

@@ -2,7 +2,9 @@
 #include "run_qtxhost.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -49,9 +51,24 @@ std::string contentOf(const fs::path& file) {
   return text.str();
 }
 
-Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, const fs::path& folder) {
-  const std::vector<std::string> program = hostCommand();
-  arguments.insert(arguments.begin(), program.begin(), program.end());
+namespace {
+
+// In the child process.
+[[noreturn]] void become(std::vector<std::string> command, const std::vector<std::string>& arguments) {
+  command.insert(command.end(), arguments.begin(), arguments.end());
+  std::vector<char*> pointers;
+  for (std::string& word : command) pointers.push_back(word.data());
+  pointers.push_back(nullptr);
+  execvp(pointers[0], pointers.data());
+  _exit(127);
+}
+
+int exitStatus(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status); }
+
+}  // namespace
+
+Outcome runQtxhost(const std::vector<std::string>& arguments, const std::string& text,
+                   const fs::path& folder) {
   const fs::path scratch = fs::temp_directory_path() / ("qtx-program-" + std::to_string(getpid()));
   const fs::path input = scratch.string() + ".in", output = scratch.string() + ".out",
                  errors = scratch.string() + ".err";
@@ -67,11 +84,7 @@ Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, 
     redirect(errors, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
     reportSanitizersApart();
     if (chdir(folder.c_str()) != 0) _exit(126);
-    std::vector<char*> pointers;
-    for (std::string& argument : arguments) pointers.push_back(argument.data());
-    pointers.push_back(nullptr);
-    execvp(pointers[0], pointers.data());
-    _exit(127);
+    become(hostCommand(), arguments);
   }
   Outcome outcome;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(100);
@@ -86,10 +99,46 @@ Outcome runQtxhost(std::vector<std::string> arguments, const std::string& text, 
     std::this_thread::sleep_for(std::chrono::milliseconds(1));
   }
   if (ended == child) {
-    outcome.status = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
+    outcome.status = exitStatus(status);
   }
   outcome.output = contentOf(output);
   outcome.errors = withoutLogPrefix(contentOf(errors));
   for (const fs::path& file : {input, output, errors}) fs::remove(file);
+  return outcome;
+}
+
+Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::string& typed) {
+  Outcome outcome;
+  const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
+  if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) return outcome;
+  const std::string name = ptsname(terminal);
+  const pid_t child = fork();
+  if (child == 0) {
+    setsid();
+    const int own = open(name.c_str(), O_RDWR);
+    ioctl(own, TIOCSCTTY, 0);
+    for (const int descriptor : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(own, descriptor);
+    close(own);
+    close(terminal);
+    setenv("TERM", "dumb", 1);
+    reportSanitizersApart();
+    become(hostCommand(), arguments);
+  }
+  if (write(terminal, typed.data(), typed.size()) < 0) kill(child, SIGKILL);
+  pollfd ready{terminal, POLLIN, 0};
+  while (true) {
+    if (poll(&ready, 1, 60000) <= 0) {
+      kill(child, SIGKILL);
+      break;
+    }
+    char buffer[1024];
+    const ssize_t count = read(terminal, buffer, sizeof buffer);
+    if (count <= 0) break;  // the child has ended
+    outcome.output.append(buffer, static_cast<std::size_t>(count));
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  outcome.status = exitStatus(status);
+  close(terminal);
   return outcome;
 }

@@ -17,7 +17,11 @@ constexpr const char* sanitizerOptions = "exitcode=99";
 // With `input` as its standard input, in `folder`. Where the environment has QTX_HOST_COMMAND, its words,
 // separated by bars, start qtxhost in place of the one that was built. A sanitizer's finding gives the
 // status 99.
-Outcome runQtxhost(std::vector<std::string> arguments, const std::string& input,
+Outcome runQtxhost(const std::vector<std::string>& arguments, const std::string& input,
                    const std::filesystem::path& folder);
+
+// With a terminal that somebody has typed all this on; what it shows, prompts and echo among it, is the
+// output.
+Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::string& typed);
 
 std::string contentOf(const std::filesystem::path& file);

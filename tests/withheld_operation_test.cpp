@@ -102,13 +102,8 @@ TEST_P(WithoutAnOperation, NeitherCrashesNorHangs) {
 
 // Where everything is slow, without those that take long anyway.
 std::vector<HostProgram> programs() {
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-  constexpr bool runSlowly = true;
-#else
-  constexpr bool runSlowly = sizeof QTX_EMULATOR > 1;
-#endif
   std::vector<HostProgram> all = allPrograms();
-  if (runSlowly) std::erase_if(all, [](const HostProgram& program) { return program.takesLong; });
+  if (QTX_RUNS_SLOWLY) std::erase_if(all, [](const HostProgram& program) { return program.takesLong; });
   return all;
 }
 INSTANTIATE_TEST_SUITE_P(Each, WithoutAnOperation, testing::ValuesIn(programs()),

@@ -274,7 +274,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
     return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
   }
   if (const Property* shared = registry().findSharedProperty(name.text)) {
-    return property(*shared, nullptr, name.position);
+    return property(*shared, nullptr);
   }
   Exprs given = arguments(links.takeArguments());
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
@@ -300,7 +300,7 @@ Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Link
     return callMethod(methods, calleeOf(name), nullptr, std::move(given), links.resultUnused());
   }
   if (const Property* shared = type.findSharedProperty(name.text)) {
-    return property(*shared, nullptr, name.position);
+    return property(*shared, nullptr);
   }
   std::vector<std::string> known;
   for (const Method& method : type.sharedMethods) known.push_back(method.declaration.name);
@@ -316,7 +316,7 @@ Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, 
   std::vector<std::string> known;
   for (const Method& method : module.methods) known.push_back(method.declaration.name);
   for (const Property& shared : module.properties) {
-    if (sameName(shared.name, name.text)) return property(shared, nullptr, name.position);
+    if (sameName(shared.name, name.text)) return property(shared, nullptr);
     known.push_back(shared.name);
   }
   fail(name.position,
@@ -349,7 +349,7 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
 
 Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Name& name, Links& links) {
   if (const Property* found = type.findProperty(name.text)) {
-    return property(*found, std::move(object), name.position);
+    return property(*found, std::move(object));
   }
   std::vector<const Method*> methods = type.findMethods(name.text);
   if (methods.empty()) {

@@ -82,7 +82,7 @@ std::unique_ptr<Place> byRefPlace(Type type, std::size_t slot) {
 }
 std::unique_ptr<Place> globalPlace(Global& global) { return std::make_unique<GlobalPlace>(global); }
 
-Expr property(const Property& property, Expr self, Position position) {
+Expr property(const Property& property, Expr self) {
   const Type type = property.type;
   const Property* record = &property;
   if (property.field) {
@@ -95,7 +95,6 @@ Expr property(const Property& property, Expr self, Position position) {
         [locate, type](const Slot* object) { return readMemory(locate(*object), type); },
         [locate, type](const Slot* object, Slot value) { writeMemory(locate(*object), value, type); });
   }
-  if (!property.getter) fail(position, "the property " + property.name + " cannot be read");
   if (!self) {
     const auto get = [record](const Slot*) { return record->getter({}); };
     if (!property.setter) return slotNode(type, [get](Frame&) { return get(nullptr); });

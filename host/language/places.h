@@ -16,7 +16,7 @@ std::unique_ptr<Place> globalPlace(Global& global);
 
 // Of an object, or where `self` is null a shared one; a place where it can be assigned to. Throws
 // ProgramError where it cannot be read.
-Expr property(const Property& property, Expr self, Position position);
+Expr property(const Property& property, Expr self);
 
 // What a Ptr points to, so many bytes on.
 Expr pointedTo(Type type, Expr pointer, Expr offset);

@@ -362,7 +362,7 @@ Try StatementParser::tryCatch() {
     tokens_.expectLineEnd("after Finally");
     attempt.finally = block({end});
   }
-  if (!accept(end)) tokens_.failExpecting("'End Try'");
+  accept(end);
   return attempt;
 }
 

@@ -33,11 +33,10 @@ const Token& TokenReader::take() {
 }
 
 bool TokenReader::atLineEnd() const {
-  return peek().kind == TokenKind::endOfLine || peek().kind == TokenKind::endOfText;
+  return peek().kind == TokenKind::endOfLine;  // a text that has a token ends its last line
 }
 
 void TokenReader::expectLineEnd(const std::string& after) {
-  if (peek().kind == TokenKind::endOfText) return;
   if (peek().kind != TokenKind::endOfLine) failExpecting("the end of the line " + after);
   take();
 }

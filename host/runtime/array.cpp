@@ -93,7 +93,6 @@ void Array::remove(std::int64_t index) {
 }
 
 void Array::resize(std::int64_t newCount) {
-  if (newCount < 0) newCount = 0;
   while (elementType.isReference() && elementCount > newCount) {
     release(elements[--elementCount].heap);
   }

@@ -23,7 +23,7 @@ struct Method {
 struct Property {
   std::string name;
   Type type;
-  Call getter, setter;  // empty: not readable / read-only
+  Call getter, setter;  // no getter: a field; no setter: read-only
   bool field = false;   // read and written in the instance data at `parameter` instead
   std::intptr_t parameter = 0;
   bool hidden = false;

@@ -288,8 +288,7 @@ std::string display(Slot value, Type type) {
   const auto number = [](auto shown) -> std::string {
     if (std::isnan(shown)) return "NaN";
     if (std::isinf(shown)) return shown < 0 ? "-INF" : "INF";
-    std::string text = fmt::format("{}", shown);
-    return text.ends_with(".0") ? text.substr(0, text.size() - 2) : text;
+    return fmt::format("{}", shown);
   };
   switch (type.kind) {
     case Kind::Boolean:

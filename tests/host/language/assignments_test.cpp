@@ -80,10 +80,10 @@ TEST_F(Assignments, ComputeWhatFindsThePlaceOnce) {
   change(Operator::add, digit(found(), logged(log, "index", 3)), logged(log, "value", 10));
   EXPECT_EQ(log, "self index value ");
   EXPECT_EQ(takeAmountLog(), "GetDigit SetDigit ");
-  change(Operator::subtract, property(*amountClass().findProperty("Value"), found(), {}),
+  change(Operator::subtract, property(*amountClass().findProperty("Value"), found()),
          logged(log, "value", 4));
   EXPECT_EQ(log, "self index value self value ");
-  EXPECT_EQ(shown(property(*amountClass().findProperty("Value"), found(), {}), frame), "6");
+  EXPECT_EQ(shown(property(*amountClass().findProperty("Value"), found()), frame), "6");
 }
 
 TEST_F(Assignments, WriteNothingWhereTheValueThrows) {

@@ -136,5 +136,13 @@ TEST(Call, ThatIsEmptyIsNoCall) {
   EXPECT_FALSE(Call(nullptr, {}, {}));
 }
 
+TEST(Call, TakesAnyByteForTrueThroughLibffiToo) {
+  const Call call = callOf(+[](std::int8_t a, std::int8_t b) { return static_cast<std::uint8_t>(a + b); },
+                           {{{Kind::Int8}}, {{Kind::Int8}}}, {Kind::Boolean});
+  const Slot three[] = {{.integer = 1}, {.integer = 2}}, none[] = {{.integer = 1}, {.integer = -1}};
+  EXPECT_EQ(call(three).integer, 1);
+  EXPECT_EQ(call(none).integer, 0);
+}
+
 }  // namespace
 }  // namespace host

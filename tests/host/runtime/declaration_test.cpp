@@ -61,6 +61,9 @@ TEST(Declaration, KeepsDefaults) {
   EXPECT_EQ(declaration.parameters[3].defaultValue->heap, nullptr);
   EXPECT_EQ(declaration.parameters[4].defaultValue->single, 2.0f);
   EXPECT_EQ(declaration.requiredCount(), 0u);
+  const Declaration others = parseDeclaration("F(a as Date = nil, b as Boolean = false)", registry());
+  EXPECT_EQ(others.parameters[0].defaultValue->heap, nullptr);
+  EXPECT_EQ(others.parameters[1].defaultValue->integer, 0);
 }
 
 TEST(Declaration, ThatIsWrongNamesWhatAndWhere) {
@@ -78,6 +81,10 @@ TEST(Declaration, ThatIsWrongNamesWhatAndWhere) {
       {"F(a as Integer = x)", "expected a number as the default at column 18"},
       {"F(a as Integer = 1, b as Integer)", "a parameter without a default follows one with a default"},
       {"F as whatever", "expected a type"},
+      {"F(a( as Integer)", "expected ')' at column 6"},
+      {"F as Integer(", "expected ')' at column 14"},
+      {"F(a as String = x)", "expected nil or \"\" as the default at column 17"},
+      {"F(a as Boolean = 1)", "expected true or false as the default at column 18"},
   };
   for (const auto& row : rows) {
     try {
@@ -97,6 +104,18 @@ TEST(TypeNamed, KnowsTheLanguagesTypesInAnyCase) {
   EXPECT_EQ(typeNamed("Double()"), (Type{Kind::Double, true}));
   EXPECT_EQ(typeNamed("thread"), (Type{Kind::Object, false, hostClasses().thread}));
   EXPECT_EQ(typeNamed("Nonsense"), std::nullopt);
+  EXPECT_EQ(typeNamed("Nonsense()"), std::nullopt);
+}
+
+TEST(TypeNames, AreThoseThatAProgramWrites) {
+  startRuntime();
+  for (const char* name :
+       {"Boolean", "Int8", "Int16", "Int32", "Integer", "UInt8", "UInt16", "UInt32", "UInt64", "Currency",
+        "Single", "Double", "Ptr", "String", "Variant", "Object", "Thread", "Double()", "Object()"}) {
+    EXPECT_EQ(nameOf(*typeNamed(name)), name);
+  }
+  EXPECT_EQ(nameOf({Kind::None}), "nothing");
+  EXPECT_EQ(nameOf({Kind::Nil}), "Nil");
 }
 
 }  // namespace

@@ -143,5 +143,76 @@ TEST(Operations, MakeArraysOfTheTwoKindsThatLibrariesUse) {
   EXPECT_EQ(upperBound(nullptr), -1);
 }
 
+TEST(Operations, KeepTheFirstThingThatIsWrongInARegistration) {
+  auto* registerClass = operation<void(REALclassDefinition*)>("PluginRegisterClass");
+  auto* registerModule = operation<void(REALmoduleDefinition*)>("PluginRegisterModule");
+  EXPECT_NO_THROW(throwRegistrationFailure());
+  static REALclassDefinition namelessClass = {};
+  static REALmoduleDefinition namelessModule = {};
+  registerClass(&namelessClass);
+  registerModule(&namelessModule);
+  try {
+    throwRegistrationFailure();
+    ADD_FAILURE();
+  } catch (const std::runtime_error& error) {
+    EXPECT_STREQ(error.what(), "a class without a name");
+  }
+  EXPECT_NO_THROW(throwRegistrationFailure()) << "said once";
+}
+
+TEST(Operations, TakeNilForTheEmptyString) {
+  EXPECT_STREQ(operation<const char*(REALstring)>("StringGetCString")(nullptr), "");
+  EXPECT_EQ(operation<std::uint32_t(REALstring)>("REALGetStringEncoding")(nullptr), encoding::utf8);
+  operation<void(REALstring, std::uint32_t)>("REALSetStringEncoding")(nullptr, encoding::ascii);
+  EXPECT_EQ(operation<REALstring(REALstring, std::uint32_t)>("REALConvertString")(nullptr, encoding::ascii),
+            nullptr);
+  REALstringData data = {nullptr, 7, 0, nullptr};
+  EXPECT_TRUE(operation<bool(REALstring, std::uint32_t, REALstringData*)>("PluginGetStringData")(
+      nullptr, encoding::utf8, &data));
+  EXPECT_EQ(data.length, 0u);
+  operation<void(REALstringData*)>("PluginDisposeStringData")(&data);
+}
+
+TEST(Operations, ReadAndWriteThePropertiesThatAClassHas) {
+  startRuntime();
+  const Ref<Object> exception = HostException("NilObjectException", "gone").exception;
+  const auto handle = reinterpret_cast<REALobject>(exception.get());
+  auto* setInteger = operation<bool(REALobject, const char*, RBInteger)>("REALSetPropValueInteger");
+  auto* getInteger = operation<bool(REALobject, const char*, RBInteger*)>("REALGetPropValueInteger");
+  RBInteger number = 0;
+  EXPECT_TRUE(setInteger(handle, "ErrorNumber", 42));
+  EXPECT_TRUE(getInteger(handle, "errornumber", &number));
+  EXPECT_EQ(number, 42);
+  EXPECT_FALSE(setInteger(handle, "Message", 42)) << "of another type";
+  EXPECT_FALSE(setInteger(handle, "Nothing", 42));
+  EXPECT_FALSE(setInteger(nullptr, "ErrorNumber", 42));
+  EXPECT_FALSE(getInteger(handle, "Nothing", &number));
+  const Ref<Object> thread = makeObject(*hostClasses().thread);
+  EXPECT_FALSE(setInteger(reinterpret_cast<REALobject>(thread.get()), "IsRunning", 1)) << "read-only";
+  REALstring message = nullptr;
+  auto* getString = operation<bool(REALobject, const char*, REALstring*)>("REALGetPropValueString");
+  EXPECT_TRUE(getString(handle, "Message", &message));
+  EXPECT_EQ(bytesOf(reinterpret_cast<Text*>(message)), "gone");
+  operation<void(REALstring)>("REALUnlockString")(message);
+  EXPECT_FALSE(getString(handle, "Nothing", &message));
+  std::uint64_t word = 0;
+  EXPECT_FALSE(operation<bool(REALobject, const char*, std::uint64_t*)>("REALGetPropValueUInt64")(
+      handle, "Nothing", &word));
+}
+
+TEST(Operations, GiveNothingForWhatIsUnknown) {
+  startRuntime();
+  registry().expectClass("Mentioned");
+  EXPECT_EQ(operation<REALobject(const char*)>("PluginNewInstance")("Mentioned"), nullptr)
+      << "it is not registered yet";
+  EXPECT_EQ(operation<void*(const char*, const char*)>("REALLoadGlobalMethod")("Tools", "Len( s as string )"),
+            nullptr);
+  const Ref<Object> date = makeObject(*hostClasses().date);
+  const auto handle = reinterpret_cast<REALobject>(date.get());
+  EXPECT_FALSE(operation<bool(REALobject, REALclassRef)>("RuntimeObjectIsa")(handle, nullptr));
+  operation<void(REALobject)>("RuntimeRaiseException")(handle);
+  EXPECT_FALSE(takePending()) << "a date is no exception";
+}
+
 }  // namespace
 }  // namespace host

@@ -73,6 +73,70 @@ TEST(Registry, NamesWhatIsWrong) {
             "Odd: the declaration \"F(\": expected the name of a parameter at column 3");
 }
 
+TEST(Registry, RefusesWhatIsNotWhole) {
+  startRuntime();
+  static REALclassDefinition nameless = {}, empty = classNamed(""), early = classNamed("Early");
+  EXPECT_EQ(failureOf([] { registry().addClass(nameless, true); }), "a class without a name");
+  EXPECT_EQ(failureOf([] { registry().addClass(empty, true); }), "a class without a name");
+  registry().expectClass("Mentioned");
+  early.superName = "Mentioned";
+  EXPECT_EQ(failureOf([] { registry().addClass(early, true); }),
+            "Early: the superclass Mentioned is not registered");
+
+  static REALmethodDefinition method = {};
+  method.declaration = "F";
+  EXPECT_EQ(failureOf([] { registry().addFunction(method, true); }),
+            "a global function: a method without function or declaration");
+  method = {};
+  method.function = reinterpret_cast<REALproc>(+[] {});
+  EXPECT_EQ(failureOf([] { registry().addFunction(method, true); }),
+            "a global function: a method without function or declaration");
+
+  static REALclassDefinition unreadable = classNamed("Unreadable");
+  static REALproperty properties[1] = {};
+  properties[0].name = "Size";
+  properties[0].type = "Integer";
+  unreadable.properties = properties;
+  unreadable.propertyCount = 1;
+  EXPECT_EQ(failureOf([] { registry().addClass(unreadable, true); }),
+            "Unreadable: the property Size cannot be read");
+
+  static REALmoduleDefinition module = {};
+  EXPECT_EQ(failureOf([] { registry().addModule(module, true); }), "a module without a name");
+  module.name = "";
+  EXPECT_EQ(failureOf([] { registry().addModule(module, true); }), "a module without a name");
+  module.name = "Tools";
+  EXPECT_EQ(failureOf([] { registry().addModule(module, true); }), "");
+  EXPECT_EQ(failureOf([] { registry().addModule(module, true); }), "the module Tools is registered already");
+}
+
+TEST(Registry, FindsSharedPropertiesOfClassesAndModules) {
+  startRuntime();
+  static double pressure = 1.5;
+  static REALproperty properties[2] = {};
+  properties[0].name = "Humidity";
+  properties[1].name = "Pressure";
+  for (REALproperty& each : properties) {
+    each.type = "Double";
+    each.getter = reinterpret_cast<REALproc>(+[] { return pressure; });
+  }
+  properties[1].setter = reinterpret_cast<REALproc>(+[](double value) { pressure = value; });
+  static REALclassDefinition base = classNamed("Weather"), derived = classNamed("Storm");
+  base.sharedProperties = properties;
+  base.sharedPropertyCount = 2;
+  derived.superName = "Weather";
+  registry().addClass(base, true);
+  const Property* found = registry().addClass(derived, true).findSharedProperty("PRESSURE");
+  ASSERT_TRUE(found);
+  found->setter(std::initializer_list<Slot>{{.number = 2.5}});
+  EXPECT_EQ(found->getter({}).number, 2.5);
+  EXPECT_EQ(registry().findClass("Storm")->findSharedProperty("Wind"), nullptr);
+  EXPECT_EQ(registry().findSharedProperty("Pressure"), nullptr) << "of a class, not of a module";
+  EXPECT_EQ(listing(),
+            "Class Weather\n  Shared Property Humidity as Double (read-only)\n"
+            "  Shared Property Pressure as Double\nClass Storm\n");
+}
+
 TEST(Registry, NoticesAClassThatIsOnlyMentioned) {
   static REALclassDefinition record = classNamed("Lonely");
   static REALmethodDefinition methods[1] = {};
@@ -114,6 +178,9 @@ TEST(Describe, NamesPlaceClassMessageAndCalls) {
   startRuntime();
   HostException exception("OutOfBoundsException", "too far");
   exception.trace = {"main.bas:12: Inner", "main.bas:30"};
+  const HostException nowhere("OutOfBoundsException", "too far");
+  EXPECT_EQ(describe(nowhere), "OutOfBoundsException: too far\n");
+  EXPECT_EQ(describe(HostException("NoSuchException", "odd")), "RuntimeException: odd\n");
   EXPECT_EQ(describe(exception),
             "main.bas:12: OutOfBoundsException: too far\n  at main.bas:12: Inner\n  at main.bas:30\n");
 }

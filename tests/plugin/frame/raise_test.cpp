@@ -146,6 +146,10 @@ struct EmptyWhat : std::overflow_error {
 struct OwnException : std::exception {
   const char* what() const noexcept override { return "own"; }
 };
+struct NoWhat : std::logic_error {
+  using std::logic_error::logic_error;
+  const char* what() const noexcept override { return nullptr; }
+};
 struct OwnBadAlloc : std::bad_alloc {
   const char* what() const noexcept override { return "no room"; }
 };
@@ -168,6 +172,7 @@ TEST(RaiseRuntimeException, ChoosesClassAndTextByType) {
   expectRaised(std::logic_error("l"), "RuntimeException", "C++ Exception: l");
   expectRaised(OwnException(), "RuntimeException", "C++ Exception: own");
   expectRaised(std::runtime_error(""), "RuntimeException", "C++ Exception.");
+  expectRaised(NoWhat("l"), "RuntimeException", "C++ Exception.");
 }
 
 TEST(RaiseRuntimeException, KeepsTextsOfAnyLength) {

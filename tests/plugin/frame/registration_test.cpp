@@ -171,6 +171,17 @@ TEST(PluginMain, WarnsWhereTheModuleCannotBeAllocated) {
   EXPECT_TRUE(host.functions.empty());
 }
 
+TEST(PluginMain, WarnsWhereTheModulesNameCannotBeAllocated) {
+  FakeHost host;
+  const std::string log = logOf([&] {
+    FailAllocationsOf failing(sizeof "MathGlobalsQTX", sizeof "MathGlobalsQTX" + 1);
+    host.load();
+  });
+  EXPECT_EQ(log, "QTX Debug: Warning: Failed to allocate memory for module definition.\n");
+  EXPECT_EQ(host.classes.size(), classNames.size());
+  EXPECT_EQ(host.module, nullptr);
+}
+
 TEST(PluginMain, WarnsWhereTheMethodsCannotBeAllocated) {
   FakeHost host;
   const std::size_t size = functionCount * sizeof(REALmethodDefinition);

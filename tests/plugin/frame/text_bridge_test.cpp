@@ -247,6 +247,26 @@ TEST(Text, IsEmptyWhereTheHostRefusesToConvert) {
   });
 }
 
+TEST(Text, IsEmptyWhereTheHostConvertsToNothing) {
+  FakeHost host;
+  static REALstringData given;
+  host.offer(
+      "PluginGetStringData", +[](REALstring, std::uint32_t, REALstringData* data) {
+        *data = given;
+        return true;
+      });
+  host.offer(
+      "PluginDisposeStringData", +[](REALstringData*) {});
+  for (const auto& [bytes, length] : {std::pair<const char*, std::size_t>{nullptr, 5}, {"unused", 0}}) {
+    given = {bytes, length, encoding::utf8, nullptr};
+    withString(host, "\x9A", encoding::macRoman, [&](REALstring string) {
+      rbText text(string);
+      EXPECT_EQ(text.ascii(), "");
+      EXPECT_STREQ(text.GetUTF8(), "");
+    });
+  }
+}
+
 TEST(Text, IsEmptyOnAHostWithoutByteLengths) {
   FakeHost host;
   host.withhold("LenB( s as string ) as integer");

@@ -2,6 +2,8 @@
 // other and on a million random pairs per operator.
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "int128/division.h"
 #include "int128/wide_functions.h"
 #include "int128_samples.h"
@@ -273,6 +275,11 @@ TEST(Sign, IsMinusOneZeroOrOne) {
     EXPECT_EQ(sign(Int128::fromBits(bits)), value < 0 ? -1 : value > 0 ? 1 : 0);
     EXPECT_EQ(magnitude(Int128::fromBits(bits)).bits(), value < 0 ? -bits : bits);
   }
+}
+
+TEST(Wide, IsZeroAtFirst) {
+  EXPECT_EQ(*std::make_unique<Int128>(), Int128(0));
+  EXPECT_EQ(*std::make_unique<UInt128>(), UInt128(0));
 }
 
 }  // namespace

@@ -5,6 +5,7 @@
 #include <thread>
 #include <utility>
 
+#include "frame/failing_allocation.h"
 #include "int128_host.h"
 
 namespace qtx {
@@ -520,6 +521,24 @@ TEST(SharedSmallValuesAmongThreads, AreDetachedWithoutWaitingForWhoTakesThem) {
     unlock(taken);
     EXPECT_EQ(alive, 0);
   }
+}
+
+// The table's reference is lost rather than dropped too early.
+TEST(SharedSmallValuesAmongThreads, StayWhereThereIsNoMemoryToNoteWhatIsToBeGivenBack) {
+  const Members members;
+  const REALobject shared = members.one();
+  beforeNextLock = [&] {
+    const FailAllocationsOf failing(2 * sizeof(void*), 2 * sizeof(void*) + 1);
+    members.step(shared);
+  };
+  const REALobject taken = members.one();
+  EXPECT_EQ(taken, shared);
+  EXPECT_EQ(counted(shared)->references, 3) << "the caller's two, and what was the table's";
+  const REALobject other = members.one();
+  EXPECT_NE(other, shared) << "it is detached all the same";
+  members.step(other);
+  for (const REALobject object : {other, shared, taken, shared}) unlock(object);
+  EXPECT_EQ(alive, 0);
 }
 
 TEST(SharedSmallValuesAmongThreads, AreAllGivenBackByTheLastWhoTakesOne) {

@@ -1,0 +1,330 @@
+// What is wrong with a program, and where: one row for each thing that the parser and the compilers refuse.
+#include <gtest/gtest.h>
+
+#include <mutex>
+
+#include "language/language.h"
+#include "language/problem.h"
+#include "typed.h"
+
+namespace host {
+namespace {
+
+struct Refused {
+  const char* program;
+  const char* problem;  // "LINE:COLUMN MESSAGE"
+};
+
+// What the program is refused for; empty where it is not.
+std::string problemOf(const std::string& program) {
+  static std::once_flag once;
+  std::call_once(once, registerBuiltins);
+  amountClass();
+  try {
+    const Program compiled("test.bas", program);
+  } catch (const ProgramError& error) {
+    return std::to_string(error.position.line) + ":" + std::to_string(error.position.column) + " " +
+           error.what();
+  }
+  return "";
+}
+
+template <std::size_t count>
+void expectRefused(const Refused (&rows)[count]) {
+  for (const Refused& row : rows) EXPECT_EQ(problemOf(row.program), row.problem) << row.program;
+}
+
+TEST(RefusedPrograms, HaveAWrongExpression) {
+  expectRefused({
+      {"Print 1 +", "1:10 expected an expression, found the end of the line"},
+      {"Print (1 + 2", "1:13 expected ')' after the expression, found the end of the line"},
+      {"Print )", "1:7 expected an expression, found ')'"},
+      {"Print Len(\"a\"", "1:14 expected ')' after the arguments, found the end of the line"},
+      {"Print \"a\".5", "1:10 expected the end of the line after the statement, found '.5'"},
+      {"Print \"a\".(", "1:11 expected the name of a member, found '('"},
+      {"Print 1 \"a\"", "1:9 expected the end of the line after the statement, found a text"},
+      {"Print Then", "1:7 expected an expression, found the reserved word 'Then'"},
+      {"Print New", "1:10 expected a type, found the end of the line"},
+      {"Print New Integer", "1:11 expected a class after New, found Integer"},
+      {"Print New Object", "1:11 expected a class after New, found Object"},
+      {"Print New Date(5)", "1:11 Date has no Constructor; it is made without arguments"},
+      {"Print New Amount(\"a\")",
+       "1:11 Amount does not take (String); expected\n  Constructor(value as Int64)"},
+      {"Print Nil IsA Integer", "1:15 expected a class after IsA, found Integer"},
+      {"Print Nil IsA Object", "1:15 expected a class after IsA, found Object"},
+      {"Print 5 IsA Date", "1:13 IsA tests objects; found Integer"},
+      {"Print 5 Is Nil", "1:9 Is compares objects; found Integer"},
+      {"Print Not \"a\"", "1:7 there is no operator 'Not' for a String"},
+      {"Print Not 1.5", "1:7 there is no operator 'Not' for a Double"},
+      {"Print -\"a\"", "1:7 there is no operator '-' for a String"},
+      {"Print -New Date", "1:7 there is no operator '-' for a Date"},
+      {"Print 1.5 And True", "1:11 there is no operator 'and' for Double and Boolean"},
+      {"Print 1 Or True", "1:9 there is no operator 'or' for Integer and Boolean"},
+      {"Print \"a\" Xor \"b\"", "1:11 there is no operator 'xor' for String and String"},
+      {"Print \"a\" \\ 2", "1:11 there is no operator '\\' for String and Integer"},
+      {"Print 2 ^ \"a\"", "1:9 there is no operator '^' for Integer and String"},
+      {"Print New Date + 1", "1:16 there is no operator '+' for Date and Integer"},
+      {"Print \"a\" < 1", "1:11 a String cannot be compared with a Integer"},
+      {"Print True = 1", "1:12 a Boolean cannot be compared with a Integer"},
+      {"Print New Date < Nil", "1:16 a Date cannot be compared with a Nil"},
+      {"Print New Amount(1) = New Date", "1:21 a Amount cannot be compared with a Date"},
+      {"Print New Date = New Amount(1)", "1:16 a Date cannot be compared with a Amount"},
+  });
+}
+
+TEST(RefusedPrograms, UseANameThatIsNone) {
+  expectRefused({
+      {"Dim name As String\nPrint nme", "2:7 unknown name 'nme'; did you mean 'name'?"},
+      {"Const five = 5\nPrint fiv", "2:7 unknown name 'fiv'; did you mean 'five'?"},
+      {"Sub Work()\nEnd Sub\nWrk", "3:1 unknown name 'Wrk'; did you mean 'Work'?"},
+      {"Print Date", "1:7 the class Date is no value; expected a member of it, or New Date"},
+      {"Print Encodings", "1:7 the module Encodings is no value; expected a member of it"},
+      {"Print Encodings.UTF9", "1:17 the module Encodings has no member 'UTF9'; did you mean 'UTF8'?"},
+      {"Print Date.Now", "1:12 the class Date has no shared member 'Now'"},
+      {"Print (New Date).Hour", "1:18 Date has no member 'Hour'"},
+      {"Print (New Amount(1)).Digits", "1:23 Amount has no member 'Digits'; did you mean 'Digit'?"},
+      {"Print (New NilObjectException).Mesage",
+       "1:32 NilObjectException has no member 'Mesage'; did you mean 'Message'?"},
+      {"Dim o As Object\nPrint o.Name", "2:9 a Object has no member 'Name'"},
+      {"Dim v As Variant\nPrint v.Name", "2:9 a Variant has no member 'Name'"},
+      {"Print Nil.Name", "1:11 a Nil has no member 'Name'"},
+      {"Sub S()\nEnd Sub\nPrint S.Name", "3:9 a nothing has no member 'Name'"},
+      {"Print (5).Name", "1:11 a Integer has no member 'Name'"},
+      {"Dim a() As Integer\nPrint a.Length", "2:9 an array has no member 'Length'"},
+      {"Dim p As Ptr\nPrint p.Name(0)",
+       "2:9 a Ptr has no member 'Name'; its members are named after types, such as UInt64(offset)"},
+      {"Dim p As Ptr\nPrint p.String(0)",
+       "2:9 a Ptr has no member 'String'; its members are named after types, such as UInt64(offset)"},
+      {"Dim x As Sting", "1:10 unknown type 'Sting'; did you mean 'String'?"},
+      {"Dim x As Threat", "1:10 unknown type 'Threat'; did you mean 'Thread'?"},
+      {"Dim x As Qqqqq", "1:10 unknown type 'Qqqqq'"},
+      {"Sub S(x As Intger)\nEnd Sub", "1:12 unknown type 'Intger'; did you mean 'Integer'?"},
+      {"For Each e As Integer In list\nNext", "1:26 unknown name 'list'"},
+      {"For i = 1 To 3\nNext", "1:5 unknown name 'i'"},
+      {"Sub S()\nDim n As Integer\nEnd Sub\nPrint n", "4:7 unknown name 'n'"},
+      {"If True Then\nDim n As Integer\nEnd If\nPrint n", "4:7 unknown name 'n'"},
+      {"Dim n As Integer = n", "1:20 unknown name 'n'"},
+  });
+}
+
+TEST(RefusedPrograms, TakeOrGiveTheWrongArguments) {
+  expectRefused({
+      {"Print Len()", "1:7 wrong number of arguments for Len: found 0, expected Len(s as String) as Integer"},
+      {"Print Left(\"a\")",
+       "1:7 wrong number of arguments for Left: found 1, expected Left(s as String, count as Integer) as "
+       "String"},
+      {"Print Left(\"a\", 1, 2)",
+       "1:7 wrong number of arguments for Left: found 3, expected Left(s as String, count as Integer) as "
+       "String"},
+      {"Print Left(1, 2)",
+       "1:7 Left does not take (Integer, Integer); expected\n  Left(s as String, count as Integer) as "
+       "String"},
+      {"Print New NilObjectException(1)",
+       "1:11 NilObjectException does not take (Integer); expected one of\n  Constructor\n"
+       "  Constructor(message as String, errorNumber as Integer = 0)"},
+      {"Print Str(1, 2)", "1:7 Str takes 1 argument, found 2"},
+      {"Print VarType()", "1:7 VarType takes 1 argument, found 0"},
+      {"Print Ubound(5)", "1:7 Ubound takes an array, found Integer"},
+      {"Print Array()", "1:7 Array needs an element to know its type from"},
+      {"Dim a() As Integer\nPrint a.Pop(1)", "2:9 expected 0 arguments, found 1"},
+      {"Dim a() As Integer\na.Append", "2:3 expected 1 argument, found 0"},
+      {"Dim a() As Integer\na.Append(\"x\")", "2:10 expected Integer as the element, found String"},
+      {"Dim a() As Integer\na.Insert(\"x\", 1)", "2:10 expected Integer as the index, found String"},
+      {"Dim a() As Integer\nPrint a(1, 2)", "2:8 expected one index"},
+      {"Dim a() As Integer\nPrint a()", "2:8 expected one index"},
+      {"Print (5)(1)", "1:10 a Integer has no elements"},
+      {"Sub S()\nEnd Sub\nPrint S()(1)", "3:10 this has no value to take an element of"},
+      {"Dim p As Ptr\nPrint p.Byte", "2:9 expected one offset in bytes after .Byte"},
+      {"Dim p As Ptr\nPrint p.Byte(\"a\")", "2:14 expected Integer as the offset, found String"},
+      {"Print Date()", "1:7 expected one value in Date(…)"},
+      {"Print Date(5)", "1:12 expected Date as the object, found Integer"},
+      {"Sub S(a As Integer)\nEnd Sub\nS", "3:1 the argument a of S is missing"},
+      {"Sub S(a As Integer)\nEnd Sub\nS(1, 2)", "3:1 S takes 1 argument, found 2"},
+      {"Sub S()\nEnd Sub\nS(1)", "3:1 S takes 0 arguments, found 1"},
+      {"Sub S(a As Integer)\nEnd Sub\nS(\"x\")", "3:3 expected Integer as the argument a of S, found String"},
+      {"Sub S(ByRef a As Integer)\nEnd Sub\nDim d As Double\nS(d)",
+       "4:3 the argument a of S goes by reference; expected a variable As Integer"},
+      {"Sub S(ByRef a As Integer)\nEnd Sub\nDim n As Integer\nS((n))",
+       "4:3 the argument a of S goes by reference; expected a variable As Integer"},
+      {"Sub S()\nEnd Sub\nDim n As Integer = S()",
+       "3:20 expected Integer as the value of n, found something without a value"},
+  });
+}
+
+TEST(RefusedPrograms, DeclareWhatCannotBe) {
+  expectRefused({
+      {"Dim", "1:4 expected the name of a variable, found the end of the line"},
+      {"Dim 5 As Integer", "1:5 expected the name of a variable, found '5'"},
+      {"Dim x", "1:6 expected 'As' after the variable x, found the end of the line"},
+      {"Dim a(5 As Integer", "1:9 expected ')' after the upper bound of a, found 'As'"},
+      {"Dim a(\"x\") As Integer", "1:7 expected Integer as the upper bound, found String"},
+      {"Dim x, y As New Date", "1:17 'As New' declares one variable"},
+      {"Dim a() As New Date", "1:16 'As New' declares one variable"},
+      {"Dim x, y As Integer = 5", "1:23 only one variable can be given a value"},
+      {"Dim x As Date = New Thread", "1:17 expected Date as the value, found Thread"},
+      {"Dim a() As Integer = 5", "1:22 expected Integer() as the value of a, found Integer"},
+      {"Const", "1:6 expected the name of a constant, found the end of the line"},
+      {"Const x", "1:8 expected '=' after the constant x, found the end of the line"},
+      {"Const x = New Date", "1:11 the value of x is not constant"},
+      {"Const x = Nil", "1:11 x is a Nil; a constant is a number, a Boolean or a String"},
+      {"Const x = Len(\"a\")", "1:11 the value of x is not constant"},
+      {"Const x = (1 + Len(\"a\"))", "1:16 the value of x is not constant"},
+      {"Const x = -Len(\"a\")", "1:12 the value of x is not constant"},
+      {"Const x = Not Len(\"a\")", "1:15 the value of x is not constant"},
+      {"Const x = \"a\".Trim", "1:15 the value of x is not constant"},
+      {"Const x = Nil Is Nil", "1:15 the value of x is not constant"},
+      {"Const x = Nil IsA Date", "1:15 the value of x is not constant"},
+      {"Const x As Integer = \"a\"", "1:22 expected Integer as the value of x, found String"},
+      {"Const x = 1\nConst X = 2", "2:7 there is another X already"},
+      {"Const x = 1\nx = 2", "2:1 this cannot be assigned to"},
+      {"Const x = 1\nx += 2", "2:1 this cannot be assigned to"},
+      {"Sub S()\nConst x = 1\nDim x As Integer\nEnd Sub", "3:5 there is another x already"},
+      {"Sub", "1:4 expected the name of the Sub, found the end of the line"},
+      {"Sub S(", "1:7 expected the name of a parameter, found the end of the line"},
+      {"Sub S(a)", "1:8 expected 'As' after the parameter a, found ')'"},
+      {"Sub S(a( As Integer)", "1:10 expected ')' after the parameter a, found 'As'"},
+      {"Sub S(a As Integer", "1:19 expected ')' after the parameters of S, found the end of the line"},
+      {"Sub S(a As Integer = 1, b As Integer)\nEnd Sub",
+       "1:37 the parameter b follows one with a default and needs one too"},
+      {"Sub S(a As Integer = \"x\")\nEnd Sub", "1:22 expected Integer as the default of a, found String"},
+      {"Sub S(a As Integer, A As Integer)\nEnd Sub", "1:5 two parameters of S are called A"},
+      {"Sub S() As Integer\nEnd Sub",
+       "1:9 expected the end of the line after the declaration of S, found 'As'"},
+      {"Function F()\nEnd Function",
+       "1:13 expected 'As' and a type after the Function F, found the end of the line"},
+      {"Sub S()\nEnd Function", "2:1 'End' has nothing that it belongs to"},
+      {"Sub S()\nPrint 1", "1:5 the Sub S has no 'End Sub'"},
+      {"Function F() As Integer\nReturn 1", "1:10 the Function F has no 'End Function'"},
+      {"Sub S()\nEnd Sub\nFunction s() As Integer\nEnd Function",
+       "3:10 there is another Sub or Function s already"},
+  });
+}
+
+TEST(RefusedPrograms, HaveAStatementThatIsNotWhole) {
+  expectRefused({
+      {"5", "1:1 expected a statement; this is a value that nothing is done with"},
+      {"Dim n As Integer\nn", "2:1 expected a statement; this is a value that nothing is done with"},
+      {"Dim n As Integer\nn 5", "2:1 expected a statement; this is a value that nothing is done with"},
+      {"Dim n As Integer\nn IsA Date", "2:7 IsA tests objects; found Integer"},
+      {"Dim n As Integer\nn = ", "2:5 expected an expression, found the end of the line"},
+      {"Dim n As Integer\nn = \"a\"", "2:5 expected Integer as the value, found String"},
+      {"Dim n As Integer\nn += \"a\"", "2:1 there is no operator '+' for Integer and String"},
+      {"Dim n As Integer\nn = 1 2", "2:7 expected the end of the line after the statement, found '2'"},
+      {"Len(\"a\") = 5", "1:1 this cannot be assigned to"},
+      {"Trim(\"a\") )", "1:11 expected the end of the statement, found ')'"},
+      {"Dim t As New Thread\nt.IsRunning = True", "2:1 this cannot be assigned to"},
+      {"Raise 5", "1:1 expected an exception after Raise, found Integer"},
+      {"Raise New Date", "1:1 expected an exception after Raise, found Date"},
+      {"Dim o As Object\nRaise o", "2:1 expected an exception after Raise, found Object"},
+      {"Return 5", "1:1 only a Function can return a value"},
+      {"Sub S()\nReturn 5\nEnd Sub", "2:1 only a Function can return a value"},
+      {"Function F() As Integer\nReturn\nEnd Function", "2:1 Return needs a Integer"},
+      {"Function F() As Integer\nReturn \"a\"\nEnd Function",
+       "2:8 expected Integer as the result of F, found String"},
+      {"Exit Sub", "1:1 'Exit' is outside of what it names"},
+      {"Function F() As Integer\nExit Sub\nEnd Function", "2:1 'Exit' is outside of what it names"},
+      {"Sub S()\nExit Function\nEnd Sub", "2:1 'Exit' is outside of what it names"},
+      {"While True\nExit Do\nWend", "2:1 'Exit' is outside of what it names"},
+      {"Continue", "1:1 'Continue' is outside of what it names"},
+      {"Exit Loop", "1:6 expected For, While, Do, Sub or Function after Exit, found 'Loop'"},
+      {"Continue Sub", "1:10 expected For, While, Do after Continue, found 'Sub'"},
+      {"ReDim", "1:6 expected the name of an array, found the end of the line"},
+      {"ReDim a", "1:8 expected '(' after a, found the end of the line"},
+      {"Dim a() As Integer\nReDim a(1", "2:10 expected ')' after the upper bound, found the end of the line"},
+      {"Dim n As Integer\nReDim n(1)", "2:1 n is no array"},
+      {"ReDim a(1)", "1:7 unknown name 'a'"},
+      {"AddHandler 5, AddressOf S", "1:13 expected the event of a Thread, such as t.Run, found ','"},
+      {"Dim t As New Thread\nAddHandler t.Run(1), AddressOf S",
+       "2:20 expected the event of a Thread, such as t.Run, found ','"},
+      {"Dim t As New Thread\nAddHandler t.Run",
+       "2:17 expected ',' after the event, found the end of the line"},
+      {"Dim t As New Thread\nAddHandler t.Run, S",
+       "2:19 expected 'AddressOf' and the name of a Sub, found 'S'"},
+      {"Dim t As New Thread\nAddHandler t.Run, AddressOf S", "2:29 there is no Sub S"},
+      {"Dim d As New Date\nSub S()\nEnd Sub\nAddHandler d.Run, AddressOf S", "4:1 a Date has no event Run"},
+      {"Dim n As Integer\nSub S()\nEnd Sub\nAddHandler n.Run, AddressOf S", "4:1 a Integer has no event Run"},
+      {"Dim t As New Thread\nSub S(n As Integer)\nEnd Sub\nAddHandler t.Run, AddressOf S",
+       "4:29 a thread runs a Sub without parameters, or with one parameter As Thread; S is not"},
+      {"Dim t As New Thread\nSub S(ByRef n As Thread)\nEnd Sub\nAddHandler t.Run, AddressOf S",
+       "4:29 a thread runs a Sub without parameters, or with one parameter As Thread; S is not"},
+      {"Dim t As New Thread\nSub S(a As Thread, b As Thread)\nEnd Sub\nAddHandler t.Run, AddressOf S",
+       "4:29 a thread runs a Sub without parameters, or with one parameter As Thread; S is not"},
+      {"Dim t As New Thread\nFunction F() As Integer\nEnd Function\nAddHandler t.Run, AddressOf F",
+       "4:29 a thread runs a Sub without parameters, or with one parameter As Thread; F is not"},
+  });
+}
+
+TEST(RefusedPrograms, HaveABlockThatIsNotWhole) {
+  expectRefused({
+      {"Else", "1:1 'Else' has nothing that it belongs to"},
+      {"Next", "1:1 'Next' has nothing that it belongs to"},
+      {"Finally", "1:1 'Finally' has nothing that it belongs to"},
+      {"If True Then Print 1 Else", "1:26 expected an expression, found the end of the line"},
+      {"If 5 Then Print 1", "1:4 expected Boolean as the condition of If, found Integer"},
+      {"If True Then\nElseIf \"a\" Then\nEnd If",
+       "2:8 expected Boolean as the condition of ElseIf, found String"},
+      {"If True Then\nElseIf True\nEnd If",
+       "2:12 expected 'Then' after the condition of ElseIf, found the end of the line"},
+      {"If True Then\nElseIf True Then Print 1\nEnd If",
+       "2:18 expected the end of the line after Then, found 'Print'"},
+      {"If True Then\nElse Print 1\nEnd If", "2:6 expected the end of the line after Else, found 'Print'"},
+      {"If True Then\nElse\nElseIf True Then\nEnd If", "3:1 expected 'End If' after Else, found 'ElseIf'"},
+      {"If True Then\nEnd While", "2:1 'End' has nothing that it belongs to"},
+      {"Select 5", "1:8 expected 'Case' after Select, found '5'"},
+      {"Select Case 5 6", "1:15 expected the end of the line after the value of Select Case, found '6'"},
+      {"Select Case 5\nPrint 1\nEnd Select", "2:1 expected 'Case' or 'End Select', found 'Print'"},
+      {"Select Case 5", "1:14 expected 'Case' or 'End Select', found the end of the program"},
+      {"Select Case 5\nCase 1 2\nEnd Select",
+       "2:8 expected the end of the line after the values of Case, found '2'"},
+      {"Select Case 5\nCase Is 3\nEnd Select", "2:9 expected a comparison such as < or =, found '3'"},
+      {"Select Case 5\nCase Is + 3\nEnd Select", "2:9 expected a comparison such as < or =, found '+'"},
+      {"Select Case 5\nCase \"a\"\nEnd Select", "2:6 a Integer cannot be compared with a String"},
+      {"Select Case 5\nCase Else\nCase 1\nEnd Select",
+       "3:1 expected 'End Select' after Case Else, found 'Case'"},
+      {"For 5 = 1 To 3\nNext", "1:5 expected the variable of For, found '5'"},
+      {"For i As Integer 1 To 3\nNext", "1:18 expected '=' after the variable of For, found '1'"},
+      {"For i As Integer = 1, 3\nNext", "1:21 expected 'To' or 'DownTo' after the start of For, found ','"},
+      {"For i As Integer = 1 To 3 By 2\nNext",
+       "1:27 expected the end of the line after the head of For, found 'By'"},
+      {"For i As Integer = 1 To 3\nNext j", "2:6 expected 'Next i', found 'Next j'"},
+      {"For i As String = 1 To 3\nNext",
+       "1:5 the variable of For is a String; it must be an integer or a Double"},
+      {"For i As Integer = \"a\" To 3\nNext", "1:20 expected Integer as the start of For, found String"},
+      {"For i As Integer = 1 To \"a\"\nNext", "1:25 expected Integer as the end of For, found String"},
+      {"For i As Integer = 1 To 2 Step \"a\"\nNext",
+       "1:32 expected Integer as the step of For, found String"},
+      {"Const i = 1\nFor i = 1 To 3\nNext", "2:5 i is constant"},
+      {"For Each 5 In a\nNext", "1:10 expected the variable of For Each, found '5'"},
+      {"For Each e As Integer\nNext",
+       "1:22 expected 'In' after the variable of For Each, found the end of the line"},
+      {"For Each e As Integer In 5\nNext",
+       "1:26 expected Variant() as what For Each goes through, found Integer"},
+      {"For Each e As Integer In Array(\"a\")\nNext", "1:26 expected Integer as e, found String"},
+      {"For Each e As Integer In Array(1) 2\nNext",
+       "1:35 expected the end of the line after the head of For Each, found '2'"},
+      {"While True 5\nWend", "1:12 expected the end of the line after the condition of While, found '5'"},
+      {"While 1\nWend", "1:7 expected Boolean as the condition of While, found Integer"},
+      {"While True", "1:11 the block that starts in line 1 has no 'end while'"},
+      {"Do 5\nLoop", "1:4 expected the end of the line after Do, found '5'"},
+      {"Do Until 5\nLoop", "1:10 expected Boolean as the condition of Do, found Integer"},
+      {"Do\nLoop While 5", "2:12 expected Boolean as the condition of Loop, found Integer"},
+      {"Try 5\nEnd Try", "1:5 expected the end of the line after Try, found '5'"},
+      {"Try\nCatch 5\nEnd Try", "2:7 expected the variable of Catch, found '5'"},
+      {"Try\nCatch e As RuntimeException 5\nEnd Try",
+       "2:29 expected the end of the line after Catch, found '5'"},
+      {"Try\nCatch e As Integer\nEnd Try", "2:12 expected a class of exceptions, found Integer"},
+      {"Try\nCatch e As Object\nEnd Try", "2:12 expected a class of exceptions, found Object"},
+      {"Try\nCatch e As Date\nEnd Try", "2:12 expected a class of exceptions, found Date"},
+      {"Try\nFinally 5\nEnd Try", "2:9 expected the end of the line after Finally, found '5'"},
+      {"Try\nFinally\nCatch\nEnd Try", "3:1 'Catch' has nothing that it belongs to"},
+  });
+}
+
+TEST(RefusedPrograms, AreTooBig) {
+  std::string many = "Sub S()\n";
+  for (int i = 0; i <= 20000; ++i) many += "Dim v" + std::to_string(i) + " As Integer\n";
+  EXPECT_EQ(problemOf(many + "End Sub"), "20002:5 there are more variables than a Sub may have");
+}
+
+}  // namespace
+}  // namespace host
