@@ -1,4 +1,5 @@
-// Reads which mutant runs, before anything else of the library is initialised; notes which places were reached.
+// Reads which mutant runs, before anything else of the library is initialised; notes which places were
+// reached.
 #include "mutant.h"
 
 #include <fcntl.h>

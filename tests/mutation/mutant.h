@@ -4,13 +4,11 @@
 #include <cstdlib>
 #include <type_traits>
 
-extern int chosenMutant;       // 0: none; below 0: a run that notes which places it reaches
+extern int chosenMutant;     // 0: none; below 0: a run that notes which places it reaches
 bool notePlace(int mutant);  // false
 
 // Not constexpr: what it decides on is computed at run time.
-inline bool mutated(int mutant) {
-  return chosenMutant == mutant || (chosenMutant < 0 && notePlace(mutant));
-}
+inline bool mutated(int mutant) { return chosenMutant == mutant || (chosenMutant < 0 && notePlace(mutant)); }
 
 // Where a function must work while compiling too; there it is as it was written.
 constexpr bool mutatedAtRunTime(int mutant) { return !std::is_constant_evaluated() && mutated(mutant); }

@@ -8,6 +8,7 @@ import argparse
 import hashlib
 import json
 import os
+import pickle
 import re
 import resource
 import shlex
@@ -33,6 +34,8 @@ CHECK = ['-fsyntax-only', '-Wno-everything', '-Werror=vla', '-ferror-limit=0', '
          '-ftemplate-backtrace-limit=0']
 # The host shares it, so that a change in it changes both sides alike.
 SHARED = {'plugin/frame/host_interface.h'}
+WHITE_BOX = ['frame', 'atomic', 'math', 'int128', 'spline']
+WITH_HOST = ['program', 'command_line']
 LEAST_SECONDS, MOST_MEMORY, MOST_WRITTEN = 2.0, 8 << 30, 64 << 20
 
 
@@ -60,7 +63,10 @@ class Test:
                                        stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
                                        stderr=subprocess.DEVNULL, start_new_session=True)
             try:
-                return process.wait(limit) == 0
+                # Time of its own ends a loop soon, however busy the machine is; what waits for ever does not use any.
+                resource.prlimit(process.pid, resource.RLIMIT_CPU, (int(limit) + 1, int(limit) + 2))
+                status = process.wait(5 * limit)
+                return None if status == -signal.SIGXCPU else status == 0
             except subprocess.TimeoutExpired:
                 return None
             finally:
@@ -183,9 +189,9 @@ def quietly(command):
 
 def testsOf(tree):
     tests = []
-    for binary in ['frame_test', 'atomic_test', 'math_test', 'int128_test', 'spline_test', 'program_test', 'command_line_test']:
-        path = tree / 'tests' / binary
-        folder = 'plugin/' + binary.removesuffix('_test')
+    for path in [*(tree / 'tests' / f'{name}_test' for name in WHITE_BOX),
+                 *(ROOT / 'build/release/tests' / f'{name}_test' for name in WITH_HOST)]:
+        folder = 'plugin/' + path.name.removesuffix('_test')
         suite = ''
         for line in subprocess.run([path, '--gtest_list_tests'], capture_output=True, text=True, check=True).stdout.splitlines():
             name = line.split('#')[0].rstrip()
@@ -193,7 +199,7 @@ def testsOf(tree):
                 suite = name
             else:
                 full = suite + name.strip()
-                tests.append(Test(f'{binary}:{full}', [str(path), f'--gtest_filter={full}'], folder))
+                tests.append(Test(f'{path.name}:{full}', [str(path), f'--gtest_filter={full}'], folder))
     return tests
 
 
@@ -225,38 +231,46 @@ def evenly(mutants, count):
     return [mutants[i * len(mutants) // count] for i in range(min(count, len(mutants)))]
 
 
-def prepare(options, files):
+def placesIn(commands, source, files, work, parallel):
+    """Per file its places, keywords and how many parts work while compiling alone; kept until a source changes."""
+    kept = work / f'places-{digestOf([*(ROOT / f for f in files), HERE / "places.py"])[:16]}.pickle'
+    if kept.exists():
+        return pickle.loads(kept.read_bytes())
+    say('finding what can be mutated')
+    found = {}
+    sources = [str(ROOT / 'plugin' / Path(f).relative_to(source / 'plugin')) for f in commands
+               if f.startswith(f'{source}/plugin/') and not f.endswith('/mutant.cpp')]
+    with ProcessPoolExecutor(parallel) as pool:
+        tasks = [pool.submit(findPlaces, f, ['-std=c++20', f'-I{ROOT}/plugin'], {str(ROOT / g): g for g in files}) for f in sources]
+        for task in tasks:
+            for name, what in task.result().items():
+                found.setdefault(name, what)
+    for old in work.glob('places-*.pickle'):
+        old.unlink()
+    kept.write_bytes(pickle.dumps(found))
+    return found
+
+
+def prepare(options, files, work):
     """The copy with its mutants, as far as they compile, built."""
-    source, tree = WORK / 'source', WORK / 'tree'
+    source, tree = work / 'source', work / 'tree'
     copyProject(source)
     if not (tree / 'build.ninja').exists():
         quietly(['cmake', '-S', source, '-B', tree, '-G', 'Ninja', '-DCMAKE_BUILD_TYPE=Release', '-DCMAKE_CXX_COMPILER=clang++',
                  '-DCMAKE_CXX_FLAGS_RELEASE=-O1', '-DCMAKE_CXX_FLAGS=-w -Wno-invalid-constexpr'])
     commands = compileCommands(tree)
-    say('finding what can be mutated')
-    wanted = {str(ROOT / f): f for f in files}
-    found = {}
-    with ProcessPoolExecutor(options.parallel) as pool:
-        sources = [f for f in commands if f.startswith(f'{source}/plugin/') and not f.endswith('/mutant.cpp')]
-        extra = [str(ROOT / 'plugin' / Path(f).relative_to(source / 'plugin')) for f in sources]
-        arguments = ['-std=c++20', f'-I{ROOT}/plugin']
-        for result in pool.map(findPlaces, extra, [arguments] * len(extra), [wanted] * len(extra)):
-            for name, what in result.items():
-                found.setdefault(name, what)
     texts = {f: (ROOT / f).read_bytes() for f in files}
+    found = placesIn(commands, source, files, work, options.parallel)
     mutants = mutantsOf([p for places, _, _ in found.values() for p in places], texts)
-    for mutant in mutants:
-        mutant.chosen = not options.files or any(mutant.file.startswith(f.rstrip('/')) for f in options.files)
-    mutants = [m for m in mutants if m.chosen]
     if options.sample:
         mutants = evenly(mutants, options.sample)
     schemata = Schemata(texts, mutants, [k for _, keywords, _ in found.values() for k in keywords], source)
     # What did not compile the last time will not now.
-    memory = WORK / 'settled.json'
+    memory = work / 'settled.json'
     known = json.loads(memory.read_text()) if memory.exists() else {'states': {}, 'constant': [], 'keywords': []}
     for mutant in mutants:
         mutant.state = known['states'].get(mutant.key, '')
-        mutant.constant = mutant.key in known['constant']
+        mutant.constant = mutant.constant or mutant.key in known['constant']
     name = lambda k: f'{k.file}:{texts[k.file][k.start:k.names[0] + 20].decode(errors="replace")}'
     for keyword in schemata.keywords:
         if name(keyword) in known['keywords']:
@@ -271,10 +285,20 @@ def prepare(options, files):
                                     *(name(k) for k in schemata.keywords if id(k) in schemata.constant)})
         memory.write_text(json.dumps(known))
 
-    schemata.settle(check, options.parallel, say, remember)
+    built = ['qtx', *(f'{name}_test' for name in WHITE_BOX)]
+    # That it compiles does not depend on what the tests do.
+    compiled = digestOf([*(ROOT / f for f in files), *HERE.glob('*.py'), HERE / 'mutant.h']) + str(options.sample)
+    if known.get('compiled') == compiled:
+        schemata.write()
+    else:
+        schemata.settle(check, options.parallel, say, remember)
+        known['compiled'] = compiled
+        memory.write_text(json.dumps(known))
     say(f'building {sum(not m.state for m in mutants)} mutants')
-    quietly(['ninja', '-C', tree, f'-j{options.parallel}', 'qtx', 'qtxhost', 'frame_test', 'atomic_test', 'math_test',
-             'int128_test', 'spline_test', 'program_test', 'command_line_test'])
+    quietly(['ninja', '-C', tree, f'-j{options.parallel}', *built])
+    # The host is as it always is, but for the library that lies beside it.
+    shutil.copy2(ROOT / 'build/release/qtxhost', tree / 'qtxhost')
+    os.environ['QTX_HOST_COMMAND'] = str(tree / 'qtxhost')
     return mutants, sum(skipped for _, _, skipped in found.values()), source, tree
 
 
@@ -313,17 +337,21 @@ def main():
     parser.add_argument('--parallel', type=int, default=os.cpu_count(), metavar='N', help='processes at once')
     options = parser.parse_args()
     options.files = [os.path.relpath(os.path.abspath(f), ROOT) if os.path.exists(f) else f for f in options.files]
-    WORK.mkdir(parents=True, exist_ok=True)
+    work = WORK / 'sample' if options.sample else WORK
+    work.mkdir(parents=True, exist_ok=True)
     begin = time.monotonic()
     files = sorted(str(p.relative_to(ROOT)) for p in (ROOT / 'plugin').rglob('*') if p.suffix in ('.h', '.cpp'))
-    mutants, skipped, source, tree = prepare(options, [f for f in files if f not in SHARED])
+    mutants, skipped, source, tree = prepare(options, [f for f in files if f not in SHARED], work)
+    if options.files:
+        mutants = [m for m in mutants if m.file.startswith(tuple(options.files))]
     made = [m for m in mutants if not m.state]
+    count = max((m.number for m in mutants), default=0)
     say(f'built after {time.monotonic() - begin:.0f} s')
 
     # Results stay as long as nothing that they come from changes.
     digest = digestOf([p for folder in ('plugin', 'tests', 'host', 'docs', 'examples') for p in (source / folder).rglob('*')
                        if p.is_file()])
-    file, results = WORK / 'results.tsv', {}
+    file, results = work / 'results.tsv', {}
     lines = file.read_text().splitlines() if file.exists() else []
     if lines and (lines[0] == digest or options.survivors):
         results = {key: (status, by) for key, status, by in (line.split('\t') for line in lines[1:])}
@@ -336,7 +364,7 @@ def main():
         tests = testsOf(tree)
         say(f'running each of {len(tests)} tests once')
         limitWhatRuns()
-        noteReached(tests, len(mutants), options.parallel)
+        noteReached(tests, count, options.parallel)
         counts = Counter()
 
         def record(mutant, status, by):
@@ -351,7 +379,7 @@ def main():
         runMutants(made, tests, options.parallel, set(results), record)
     progress('')
     text, survivors = report(mutants, results, readEquivalent(), skipped)
-    (WORK / 'report.txt').write_text(text + '\n')
+    (work / 'report.txt').write_text(text + '\n')
     print(text)
     say(f'took {time.monotonic() - begin:.0f} s')
     return 1 if survivors else 0

@@ -31,11 +31,12 @@ class Place:
     function: str
     kind: str
     type: str = ''  # of a constant, where it is known
+    constant: bool = False  # in a function that works while compiling too
 
 
 @dataclass
 class Keyword:
-    """constexpr or constinit in a declaration: where it is removed, the initialiser or function works at run time."""
+    """constexpr or constinit in the declaration of a variable: where it is removed, the initialiser works at run time."""
     file: str
     start: int
     end: int
@@ -52,6 +53,7 @@ class Walk:
         self.places, self.keywords, self.skipped = {}, {}, 0
         self.discarded = set()  # where calls stand whose results nobody wants
         self.function = ''
+        self.constant = False
 
     def of(self, cursor):
         return self.text[cursor.extent.start.offset:cursor.extent.end.offset].decode()
@@ -66,7 +68,8 @@ class Walk:
         alternatives = [each for each in dict.fromkeys(alternatives) if ' '.join(each.split()) != original]
         if alternatives:
             self.places.setdefault((start, end, kind),
-                                   Place(self.file, start, end, statement, alternatives, self.function, kind, type_))
+                                   Place(self.file, start, end, statement, alternatives, self.function, kind, type_,
+                                         self.constant))
 
     def inMacro(self, offset):
         return next((m for m in self.macros if m[0] <= offset < m[1]), None)
@@ -81,11 +84,8 @@ class Walk:
             return
         at = start + found.start()
         word = found.group(1).decode()
-        variable = cursor.kind in (K.VAR_DECL, K.FIELD_DECL)
         if word == 'constinit':
             instead = ''
-        elif not variable:
-            instead = 'inline'
         elif cursor.semantic_parent.kind in (K.STRUCT_DECL, K.CLASS_DECL, K.CLASS_TEMPLATE,
                                              K.CLASS_TEMPLATE_PARTIAL_SPECIALIZATION):
             instead = 'inline const'
@@ -101,13 +101,18 @@ class Walk:
         if cursor.kind in (K.STATIC_ASSERT, K.ENUM_CONSTANT_DECL) or b'consteval' in head:
             self.skipped += 1
             return
-        outer = self.function
+        outer, constant = self.function, self.constant
         if cursor.kind in FUNCTIONS or (cursor.kind == K.VAR_DECL and not outer):
             self.function = cursor.spelling.split('<')[0] if cursor.kind == K.FUNCTION_TEMPLATE else cursor.spelling
-        if cursor.kind in FUNCTIONS or cursor.kind == K.VAR_DECL:
+        if cursor.kind in FUNCTIONS:
+            self.constant = b'constexpr' in head
+        elif cursor.kind == K.FIELD_DECL:
+            self.constant = False
+        elif cursor.kind == K.VAR_DECL:
+            self.constant = False
             self.keyword(cursor)
         self.children(cursor)
-        self.function = outer
+        self.function, self.constant = outer, constant
 
     # Expressions and statements.
 

@@ -27,8 +27,10 @@ bool neither(bool a, bool b) { return !a && !b; }
 
 const char* named(int value) {
   switch (value) {
-    case 1: return sum(value, 1) == 2 ? "one" : "odd";
-    default: return nullptr;
+    case 1:
+      return sum(value, 1) == 2 ? "one" : "odd";
+    default:
+      return nullptr;
   }
 }
 

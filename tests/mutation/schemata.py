@@ -39,6 +39,7 @@ def mutantsOf(places, texts):
                 key += f' | {seen[key]}'
             mutants.append(Mutant(key, place.file, text.count(b'\n', 0, place.start) + 1, original, altered, place))
             mutants[-1].alternative = alternative
+            mutants[-1].constant = place.constant
     return mutants
 
 
@@ -170,22 +171,34 @@ class Schemata:
 
     def settle(self, commands, parallel, say, remember):
         """Compiles until everything does. `commands`: what checks the syntax of each source."""
-        pending = list(commands)
-        for attempt in range(1, 60):
+        unsettled = {i: None for i in range(len(commands))}  # what each has last said
+        for attempt in range(1, 100):
             self.write()
+            # What many include, they all complain of: one says enough for now.
+            said, wanted = set(), []
+            for i, errors in unsettled.items():
+                new = {(g[0], len(g)) for g in errors or []} - said
+                if errors is None or new:
+                    wanted.append(i)
+                    said |= new
             with ThreadPoolExecutor(parallel) as pool:
-                found = list(pool.map(self.errorsOf, pending))
-            groups = [g for each in found for g in each]
-            say(f'compiling, {attempt}: {len(groups)} errors in {sum(1 for e in found if e)} of {len(pending)} sources')
-            if not groups and len(pending) == len(commands):
-                return
+                found = dict(zip(wanted, pool.map(self.errorsOf, [commands[i] for i in wanted])))
+            groups = [g for errors in found.values() for g in errors]
+            say(f'compiling, {attempt}: {len(groups)} errors in {len(wanted)} of {len(unsettled)} sources')
             before = self.progress()
             for group in groups:
                 self.remedy(group)
             if groups and self.progress() == before:
                 raise SystemExit('mutate: cannot make this compile:\n' + '\n'.join(map(str, groups[0])))
             remember()
-            pending = [c for c, e in zip(pending, found) if e] or list(commands)
+            for i, errors in found.items():
+                unsettled[i] = errors
+                if not errors:
+                    del unsettled[i]
+            if not groups:  # what the others have said is mended, or they will say it again
+                unsettled = dict.fromkeys(unsettled)
+            if not unsettled:
+                return
 
     def progress(self):
         return len(self.constant), sum(m.constant + 2 * bool(m.state) for m in self.mutants)
@@ -193,12 +206,14 @@ class Schemata:
     def remedy(self, group):
         message = ' '.join(m for *_, m in group)
         constantWanted = re.search(r'constant expression|constexpr|constant init|consteval|integral constant|'
-                                   r'variable.length|not a constant', message)
+                                   r'variable.length|variable-sized|not a constant', message)
         places = [(self.copies[f], self.copies[f].position(row, column), row) for f, row, column, _ in group
                   if f in self.copies]
         if constantWanted:
-            declared = [keyword for copy, _, row in places for line, keyword in copy.declared if line == row]
-            if self.restore(declared):
+            # What the notes name; and what the error does, unless it is about a place.
+            rows = [(copy, row) for copy, at, row in places
+                    if row != group[0][1] or not any(begin <= at < end for begin, end, _ in copy.places)]
+            if self.restore([k for copy, row in rows for line, k in copy.declared if line == row]):
                 return
         for copy, at, _ in places:
             inner = min((e for e in copy.altered if e[0] <= at < e[1]), key=lambda e: e[1] - e[0], default=None)
