@@ -13,6 +13,18 @@ inline bool mutated(int mutant) { return chosenMutant == mutant || (chosenMutant
 // Where a function must work while compiling too; there it is as it was written.
 constexpr bool mutatedAtRunTime(int mutant) { return !std::is_constant_evaluated() && mutated(mutant); }
 
+// What stands for nothing in the type of an expression, which may be a reference.
+template <typename Type>
+Type defaultOf() {
+  if constexpr (std::is_reference_v<Type>) {
+    static thread_local std::remove_cvref_t<Type> nothing;
+    nothing = {};
+    return static_cast<Type>(nothing);
+  } else {
+    return Type();
+  }
+}
+
 // What a test asserts while compiling is asserted anew when it runs.
 inline bool asserted(bool holds, const char* = nullptr) {
   if (!holds) std::abort();

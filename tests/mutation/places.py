@@ -81,7 +81,7 @@ class Walk:
         # A second declarator shares the first one's keyword.
         found = re.search(rb'\b(constexpr|constinit)\b', self.text[start:name])
         if not found:
-            return
+            return False
         at = start + found.start()
         word = found.group(1).decode()
         if word == 'constinit':
@@ -94,6 +94,7 @@ class Walk:
         found = self.keywords.setdefault(at, Keyword(self.file, at, at + len(word), instead))
         found.names.append(name)
         found.extentEnd = max(found.extentEnd, cursor.extent.end.offset)
+        return True
 
     def declaration(self, cursor):
         # Where it is declared to work while compiling, it always does.
@@ -108,9 +109,8 @@ class Walk:
             self.constant = b'constexpr' in head
         elif cursor.kind == K.FIELD_DECL:
             self.constant = False
-        elif cursor.kind == K.VAR_DECL:
+        elif cursor.kind == K.VAR_DECL and self.keyword(cursor):
             self.constant = False
-            self.keyword(cursor)
         self.children(cursor)
         self.function, self.constant = outer, constant
 
@@ -302,7 +302,7 @@ class Walk:
         if type_.kind == T.POINTER:
             return 'nullptr'
         if type_.kind == T.ENUM or type_.kind in (T.DEPENDENT, T.UNEXPOSED):
-            return f'std::remove_cvref_t<decltype({self.of(cursor)})>{{}}'
+            return f'::defaultOf<decltype({self.of(cursor)})>()'
         return None
 
     def call(self, cursor):
@@ -340,7 +340,7 @@ class Walk:
         default = self.default(value)
         if inner.kind == K.CALL_EXPR and default and not inner.spelling.startswith('operator'):
             return  # replaced as a call
-        known = default and not default.startswith('std::')
+        known = default and not default.startswith('::')
         self.add(cursor, 'return', [f'return {default if known else "{}"};'], statement=True, end=end + 1)
 
 

@@ -223,17 +223,24 @@ class Schemata:
         for copy, at, _ in places:
             inner = min((e for e in copy.places if e[0] <= at < e[1]), key=lambda e: e[1] - e[0], default=None)
             if inner:
-                for mutant in inner[2]:
-                    if constantWanted and not mutant.constant:
-                        mutant.constant = True
-                    else:
-                        mutant.state = 'while compiling' if constantWanted else 'not compiled'
-                return
-        # The message names nothing; what stands in the line may have to be constant.
+                return self.leaveOut(inner[2], constantWanted)
+        # The message is about the whole declaration: what stands in its line may have to be constant.
         for copy, at, _ in places:
-            line = copy.result[copy.result.rfind(b'\n', 0, at) + 1:copy.result.find(b'\n', at)]
+            begin, end = copy.result.rfind(b'\n', 0, at) + 1, copy.result.find(b'\n', at)
+            line = copy.result[begin:end]
             if self.restore([k for _, k in copy.declared if self.nameOf(copy, k) in re.findall(rb'\w+', line)]):
                 return
+            for first, _, group in copy.places:
+                if begin <= first < end:
+                    self.leaveOut(group, constantWanted)
+
+    @staticmethod
+    def leaveOut(group, constantWanted):
+        for mutant in group:
+            if constantWanted and not mutant.constant:
+                mutant.constant = True
+            else:
+                mutant.state = 'while compiling' if constantWanted else 'not compiled'
 
     @staticmethod
     def nameOf(copy, keyword):

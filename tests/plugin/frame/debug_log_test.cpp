@@ -1,7 +1,10 @@
 // The tracing switch, the log lines and their formats.
 #include "frame/debug_log.h"
 
+#include <cerrno>
+
 #include "fake_host.h"
+#include "partial_write.h"
 
 namespace qtx {
 namespace {
@@ -36,6 +39,42 @@ TEST(LogMessageX, CutsWhatIsLongerThan4095Bytes) {
   EXPECT_EQ(logOf([&] { LogMessageX("%sy", long4095.c_str()); }), long4095 + "\n");
   EXPECT_EQ(logOf([&] { LogMessageX("%s%s", long4095.c_str(), long4095.c_str()); }), long4095 + "\n");
 }
+
+#if !defined(__APPLE__)
+TEST(LogLine, IsWrittenToItsEnd) {
+  const struct {
+    std::vector<long> answers;
+    int calls;
+    const char* taken;
+  } rows[] = {
+      {{}, 1, "four\n"},
+      {{2}, 2, "four\n"},
+      {{1, 1, 1, 1}, 5, "four\n"},
+      {{4}, 2, "four\n"},
+      {{-EINTR}, 2, "four\n"},  // a signal came in between
+      {{2, -EINTR, -EINTR}, 4, "four\n"},
+      {{-EIO}, 1, ""},
+      {{2, -EIO}, 2, "fo"},
+      {{0}, 1, ""},
+      {{1, 0}, 2, "f"},
+  };
+  for (const auto& row : rows) {
+    AnswerWrites writes(row.answers);
+    errno = 0;
+    LogMessageX("four");
+    EXPECT_EQ(writes.calls, row.calls);
+    EXPECT_EQ(writes.taken, row.taken);
+  }
+}
+
+// What an earlier call has left there says nothing of this one.
+TEST(LogLine, IsNotWrittenAgainForAnErrorOfEarlier) {
+  AnswerWrites writes({2, 0});
+  errno = EINTR;
+  LogMessageX("four");
+  EXPECT_EQ(writes.calls, 2);
+}
+#endif
 
 TEST(LogOf, LeavesOutWhatTheSystemPutsBeforeEachLine) {
   EXPECT_EQ(withoutLogPrefix("2026-02-03 04:05:06.789 frame_test[12:3f4] QTX Debug: one\n"
