@@ -222,6 +222,16 @@ TEST(PluginMain, WarnsWhereTheModuleCannotBeAllocated) {
   EXPECT_TRUE(host.functions.empty());
 }
 
+TEST(PluginMain, WarnsWhereTheModulesNameCannotBeAllocated) {
+  FakeHost host;
+  const std::string log = logOf([&] {
+    FailAllocationsOf failing(sizeof "MathGlobalsQTX", sizeof "MathGlobalsQTX" + 1);
+    host.load();
+  });
+  EXPECT_EQ(log, "QTX Debug: Warning: Failed to allocate memory for module definition.\n");
+  EXPECT_EQ(host.module, nullptr);
+}
+
 TEST(PluginMain, WarnsWhereTheMethodsCannotBeAllocated) {
   FakeHost host;
   const std::size_t size = functionCount * sizeof(REALmethodDefinition);
@@ -310,6 +320,8 @@ struct FlagRow {
 const FlagRow flagRows[] = {
     {2020.01, 0x30C, 0x4},     // the newer combination, with what goes with it
     {2020.01, 0x308, 0x4},     // 0x4 is set where it was not
+    {2020.01, 0x309, 0x5},     // a flag outside the combination stays
+    {2024.01, 0x1, 0x1},       // by itself, too
     {2020.01, 0x378, 0x74},    // the scope nibble stays
     {2020.01, 0x70C, 0x70C},   // another combination under the mask
     {2020.01, 0x208, 0x208},   //
