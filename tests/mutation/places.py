@@ -135,6 +135,8 @@ class Walk:
                 if macro == (start, end) and cursor.type.get_canonical().kind in INTEGERS:
                     self.literal(cursor, within or cursor.type)
                 return
+            if re.search(rb'\b(decltype|sizeof|alignof|noexcept)\s*\(\s*$', self.text[max(0, start - 20):start]):
+                return  # not computed
             within = within or cursor.type
         same = lambda child: (child.extent.start.offset, child.extent.end.offset) == (start, end)
         handler = {
@@ -318,6 +320,9 @@ class Walk:
         called = cursor.referenced
         if called is not None and called.result_type.kind in (T.LVALUEREFERENCE, T.RVALUEREFERENCE):
             return None
+        first = next(cursor.get_children(), None)
+        if self.of(cursor).endswith('()') and first is not None and first.kind in (K.TYPE_REF, K.TEMPLATE_REF):
+            return None  # the default itself
         if self.of(cursor).endswith('}') or '[' in self.of(cursor).split('(')[0]:
             return None
         default = self.default(cursor)
