@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "frame/failing_allocation.h"
 #include "int128/hazard_pointers.h"
 #include "int128_host.h"
 
@@ -581,6 +582,7 @@ struct Members {
 TEST(SharedSmallValuesAmongThreads, AreDetachedWithoutWaitingForWhoTakesThem) {
   const Members members;
   for (const bool elsewhere : {true, false}) {
+    const long blocks = livingAllocations();
     const REALobject shared = members.one();
     ASSERT_EQ(counted(shared)->references, 2);
     beforeNextLock = [&] {
@@ -597,6 +599,7 @@ TEST(SharedSmallValuesAmongThreads, AreDetachedWithoutWaitingForWhoTakesThem) {
     EXPECT_EQ(counted(taken)->data[0], 2) << "taken before the change: sees it";
     unlock(taken);
     EXPECT_EQ(alive, 0);
+    EXPECT_EQ(livingAllocations(), blocks) << "nor is anything left of the note";
   }
 }
 
