@@ -478,21 +478,22 @@ TYPED_TEST(SharedSmallValues, AreMadeWithinEachOtherWhereTheHostHasNoReferences)
 }
 
 // Which place a stack has decides how often threads meet there, but it is one of those that there are.
-int depthOfPlaces(HazardPointers& hazards, std::set<const void*>& places, int depth) {
-  volatile char room[16 * 1024];
-  room[0] = static_cast<char>(depth);
+// Each call has a frame of its own, to which the next one holds on.
+void announceBelow(HazardPointers& hazards, std::set<const void*>& places, int depth, const volatile char*) {
+  volatile char frame[16 * 1024] = {};
   HazardPointers::Place* const place = hazards.announce(reinterpret_cast<REALobject>(&hazards));
   if (place) {
     EXPECT_TRUE(place >= static_cast<void*>(&hazards) && place < static_cast<void*>(&hazards + 1));
     places.insert(place);
     HazardPointers::clear(*place);
   }
-  return depth > 0 ? depthOfPlaces(hazards, places, depth - 1) + room[0] : 0;
+  if (depth > 0) announceBelow(hazards, places, depth - 1, frame);
+  frame[0] = 0;
 }
 TEST(HazardPlaces, AreSpreadOverTheStacks) {
   HazardPointers hazards;
   std::set<const void*> places;
-  depthOfPlaces(hazards, places, 64);
+  announceBelow(hazards, places, 64, nullptr);
   EXPECT_GE(places.size(), 16u);
   EXPECT_LE(places.size(), 32u);
   EXPECT_FALSE(hazards.isAnnounced(reinterpret_cast<REALobject>(&hazards)));
