@@ -24,6 +24,7 @@ from concurrent.futures import ProcessPoolExecutor, ThreadPoolExecutor
 from dataclasses import dataclass, field
 from pathlib import Path
 
+sys.dont_write_bytecode = True  # nothing is left beside the sources
 from places import findPlaces
 from schemata import Schemata, mutantsOf
 

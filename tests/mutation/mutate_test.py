@@ -2,10 +2,12 @@
 """mutate.py on a small source: what it makes of each kind of code, and that its verdicts are right."""
 import shutil
 import subprocess
+import sys
 import tempfile
 import unittest
 from pathlib import Path
 
+sys.dont_write_bytecode = True
 import mutate
 from places import findPlaces
 from schemata import Schemata, mutantsOf
