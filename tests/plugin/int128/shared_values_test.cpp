@@ -494,7 +494,7 @@ TEST(HazardPlaces, AreSpreadOverTheStacks) {
   HazardPointers hazards;
   std::set<const void*> places;
   announceBelow(hazards, places, 64, nullptr);
-  EXPECT_GE(places.size(), 16u);
+  EXPECT_GE(places.size(), 24u);
   EXPECT_LE(places.size(), 32u);
   EXPECT_FALSE(hazards.isAnnounced(reinterpret_cast<REALobject>(&hazards)));
 }
