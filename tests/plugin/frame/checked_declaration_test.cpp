@@ -93,6 +93,38 @@ TEST(MethodRecord, HoldsTheFormThatCanRun) {
   }
 }
 
+// What the checks are made of, at the edges of their texts.
+static_assert(detail::lower('A') == 'a' && detail::lower('Z') == 'z');
+static_assert(detail::lower('@') == '@' && detail::lower('[') == '[' && detail::lower('(') == '(');
+static_assert(detail::lower('a') == 'a' && detail::lower('z') == 'z');
+static_assert(detail::same("INTEGER", "integer"));
+static_assert(!detail::same("Int", "Integer") && !detail::same("Integer", "Int"));
+static_assert(!detail::same("Unt64", "Int64") && !detail::same("Int64", "Int6x"));
+// Blanks on either side of the text are not the text's.
+static_assert(detail::trimmed(std::string_view("    ").substr(1, 2)).empty());
+static_assert(detail::trimmed(std::string_view("  a b  ").substr(1, 5)) == "a b");
+static_assert(detail::findWord("x as ", " as ") == 1);
+static_assert(detail::findWord("x as", " as ") == std::string_view::npos);
+
+static_assert(detail::parseParameter("() as Integer") == detail::Passed{detail::Travel::array});
+static_assert(detail::parseParameter("byref x as Integer") == detail::Passed{detail::Travel::int64, true});
+
+// A parenthesis in front of the text is none of its own.
+static_assert(detail::parseDeclaration(std::string_view("(Clear").substr(1)).count == 0);
+static_assert(detail::parseDeclaration("F(byref x as Integer,byref y as Double)").parameters[0] ==
+              detail::Passed{detail::Travel::int64, true});
+static_assert(detail::parseDeclaration("F(byref x as Integer,byref y as Double)").parameters[1] ==
+              detail::Passed{detail::Travel::real64, true});
+static_assert(detail::parseDeclaration("F(grid(,) as Double)").count == 1);
+
+// What is thrown while compiling ends that.
+TEST(Declaration, IsRefusedWhereItIsNone) {
+  EXPECT_THROW(detail::parseParameter("x"), const char*);
+  EXPECT_THROW(detail::parseDeclaration("F(x as Integer"), const char*);
+  EXPECT_THROW(detail::parseDeclaration("F(x as Integer) of Integer"), const char*);
+  EXPECT_THROW(detail::parseDeclaration("F of Integer"), const char*);
+}
+
 // Properties. A getter's and a setter's functions are read off their types alone.
 struct Accessors {
   static double getDouble(REALobject, RBInteger) { return 0; }

@@ -1,15 +1,10 @@
 // The tracing switch, the log lines and their formats.
 #include "frame/debug_log.h"
 
-#include <fcntl.h>
-#include <sys/time.h>
-#include <unistd.h>
-
-#include <atomic>
-#include <csignal>
-#include <cstdlib>
+#include <cerrno>
 
 #include "fake_host.h"
+#include "partial_write.h"
 
 namespace qtx {
 namespace {
@@ -46,66 +41,38 @@ TEST(LogMessageX, CutsWhatIsLongerThan4095Bytes) {
 }
 
 #if !defined(__APPLE__)
-// Standard error as a file of the test's choice.
-class StandardError {
- public:
-  explicit StandardError(int file) : before_(dup(STDERR_FILENO)) { dup2(file, STDERR_FILENO); }
-  ~StandardError() {
-    dup2(before_, STDERR_FILENO);
-    close(before_);
-  }
-  StandardError(const StandardError&) = delete;
-  StandardError& operator=(const StandardError&) = delete;
-
- private:
-  int before_;
-};
-
-int pipeEnds[2];
-std::atomic<int> signalsUntilRead;
-
-TEST(LogMessageX, GoesOnWhereASignalInterruptsIt) {
-  // The pipe is full, so that writing waits until the last signal's handler has made room.
-  ASSERT_EQ(pipe(pipeEnds), 0);
-  fcntl(pipeEnds[1], F_SETFL, O_NONBLOCK);
-  while (write(pipeEnds[1], "x", 1) == 1) {
-  }
-  fcntl(pipeEnds[1], F_SETFL, 0);
-  signalsUntilRead = 20;
-  struct sigaction action = {};
-  action.sa_handler = [](int) {
-    char room[4096];
-    if (--signalsUntilRead == 0 && read(pipeEnds[0], room, sizeof room) < 0) std::abort();
+TEST(LogLine, IsWrittenToItsEnd) {
+  const struct {
+    std::vector<long> answers;
+    int calls;
+    const char* taken;
+  } rows[] = {
+      {{}, 1, "four\n"},
+      {{2}, 2, "four\n"},
+      {{1, 1, 1, 1}, 5, "four\n"},
+      {{4}, 2, "four\n"},
+      {{-EINTR}, 2, "four\n"},  // a signal came in between
+      {{2, -EINTR, -EINTR}, 4, "four\n"},
+      {{-EIO}, 1, ""},
+      {{2, -EIO}, 2, "fo"},
+      {{0}, 1, ""},
+      {{1, 0}, 2, "f"},
   };
-  sigaction(SIGALRM, &action, nullptr);
-  const itimerval often = {{0, 10000}, {0, 10000}}, never = {};
-  {
-    const StandardError full(pipeEnds[1]);
-    setitimer(ITIMER_REAL, &often, nullptr);
-    LogMessageX("%s", "late");
-    setitimer(ITIMER_REAL, &never, nullptr);
+  for (const auto& row : rows) {
+    AnswerWrites writes(row.answers);
+    errno = 0;
+    LogMessageX("four");
+    EXPECT_EQ(writes.calls, row.calls);
+    EXPECT_EQ(writes.taken, row.taken);
   }
-  EXPECT_LE(signalsUntilRead, 0);
-  close(pipeEnds[1]);
-  std::string written;
-  char buffer[4096];
-  for (ssize_t count; (count = read(pipeEnds[0], buffer, sizeof buffer)) > 0;)
-    written.append(buffer, static_cast<std::size_t>(count));
-  EXPECT_TRUE(written.ends_with("xlate\n")) << written.substr(written.size() - 20);
 }
 
-TEST(LogMessageX, LosesTheLineWhereNothingCanBeWritten) {
-  EXPECT_EQ(logOf([] {
-              LogMessageX("%s", "before");
-              {
-                const int readOnly = open("/dev/null", O_RDONLY);
-                const StandardError unwritable(readOnly);
-                LogMessageX("%s", "lost");
-                close(readOnly);
-              }
-              LogMessageX("%s", "after");
-            }),
-            "before\nafter\n");
+// What an earlier call has left there says nothing of this one.
+TEST(LogLine, IsNotWrittenAgainForAnErrorOfEarlier) {
+  AnswerWrites writes({2, 0});
+  errno = EINTR;
+  LogMessageX("four");
+  EXPECT_EQ(writes.calls, 2);
 }
 #endif
 

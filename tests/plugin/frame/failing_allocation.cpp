@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace qtx {
@@ -15,7 +16,9 @@ bool refused(std::size_t size) { return size >= refusedFrom && size < refusedTo 
 
 void* allocate(std::size_t size) {
   void* memory = refused(size) ? nullptr : std::malloc(size > 0 ? size : 1);
-  if (memory) ++living;
+  if (!memory) return nullptr;
+  ++living;
+  std::memset(memory, 0xA5, size);  // whoever takes it for zeros is found
   return memory;
 }
 void release(void* memory) {

@@ -143,6 +143,9 @@ struct EmptyWhat : std::overflow_error {
   EmptyWhat() : overflow_error("unused") {}
   const char* what() const noexcept override { return ""; }
 };
+struct NullWhat : std::exception {
+  const char* what() const noexcept override { return nullptr; }
+};
 struct OwnException : std::exception {
   const char* what() const noexcept override { return "own"; }
 };
@@ -169,6 +172,7 @@ TEST(RaiseRuntimeException, ChoosesClassAndTextByType) {
   expectRaised(std::overflow_error("f"), "OutOfBoundsException", "C++ reports overflow error: f");
   expectRaised(std::underflow_error("u"), "OutOfBoundsException", "C++ reports underflow error: u");
   expectRaised(EmptyWhat(), "OutOfBoundsException", "C++ reports overflow error.");
+  expectRaised(NullWhat(), "RuntimeException", "C++ Exception.");
   expectRaised(std::logic_error("l"), "RuntimeException", "C++ Exception: l");
   expectRaised(OwnException(), "RuntimeException", "C++ Exception: own");
   expectRaised(std::runtime_error(""), "RuntimeException", "C++ Exception.");

@@ -97,6 +97,57 @@ TEST(PluginMain, GivesEveryClassRecordTheControlVersionAndPlainFlags) {
   }
 }
 
+// A host may walk every list of a record and take every pointer for what it says.
+void expectPlain(const REALmethodDefinition& record) {
+  SCOPED_TRACE(record.declaration);
+  EXPECT_EQ(record.setterFunction, nullptr);
+  EXPECT_EQ(record.attributes, nullptr);
+  EXPECT_EQ(record.attributeCount, 0u);
+}
+
+TEST(PluginMain, LeavesWhatItDoesNotUseOfARecordEmpty) {
+  FakeHost host;
+  host.load();
+  for (const REALclassDefinition* record : host.classes) {
+    SCOPED_TRACE(record->name);
+    EXPECT_EQ(record->superName, nullptr);
+    EXPECT_EQ(record->events, nullptr);
+    EXPECT_EQ(record->eventCount, 0u);
+    EXPECT_EQ(record->eventInstances, nullptr);
+    EXPECT_EQ(record->eventInstanceCount, 0u);
+    EXPECT_EQ(record->interfaces, nullptr);
+    EXPECT_EQ(record->attributes, nullptr);
+    EXPECT_EQ(record->attributeCount, 0u);
+    EXPECT_EQ(record->constants, nullptr);
+    EXPECT_EQ(record->constantCount, 0u);
+    EXPECT_EQ(record->sharedProperties, nullptr);
+    EXPECT_EQ(record->sharedPropertyCount, 0u);
+    EXPECT_EQ(record->reserved, nullptr);
+    for (std::size_t i = 0; i < record->methodCount; ++i) expectPlain(record->methods[i]);
+    for (std::size_t i = 0; i < record->sharedMethodCount; ++i) expectPlain(record->sharedMethods[i]);
+    for (std::size_t i = 0; i < record->propertyCount; ++i) {
+      const REALproperty& property = record->properties[i];
+      SCOPED_TRACE(property.name);
+      EXPECT_EQ(property.group, nullptr);
+      // What a field's property has there, where it lies, is a test of its class.
+      if (property.getter != reinterpret_cast<REALproc>(~std::uintptr_t{0})) {
+        EXPECT_EQ(property.parameter, 0);
+      }
+      EXPECT_EQ(property.editorCount, 0u);
+      EXPECT_EQ(property.editors, nullptr);
+      EXPECT_EQ(property.attributes, nullptr);
+      EXPECT_EQ(property.attributeCount, 0u);
+    }
+  }
+  ASSERT_NE(host.module, nullptr);
+  for (std::size_t i = 0; i < host.module->methodCount; ++i) expectPlain(host.module->methods[i]);
+  EXPECT_EQ(host.module->constants, nullptr);
+  EXPECT_EQ(host.module->constantCount, 0u);
+  EXPECT_EQ(host.module->structures, nullptr);
+  EXPECT_EQ(host.module->structureCount, 0u);
+  EXPECT_EQ(host.module->reserved, nullptr);
+}
+
 TEST(PluginMain, RoundsInstanceDataUpTo16Bytes) {
   FakeHost host;
   host.load();
@@ -270,6 +321,8 @@ struct FlagRow {
 const FlagRow flagRows[] = {
     {2020.01, 0x30C, 0x4},     // the newer combination, with what goes with it
     {2020.01, 0x308, 0x4},     // 0x4 is set where it was not
+    {2020.01, 0x309, 0x5},     // a flag outside the combination stays
+    {2024.01, 0x1, 0x1},       // by itself, too
     {2020.01, 0x378, 0x74},    // the scope nibble stays
     {2020.01, 0x70C, 0x70C},   // another combination under the mask
     {2020.01, 0x208, 0x208},   //

@@ -633,6 +633,7 @@ TEST_P(BuildString, GivesNullForNoBytes) {
   EXPECT_EQ(REALBuildUnicodeString("text", 0, encoding::utf8), nullptr);
   EXPECT_EQ(REALBuildUnicodeString("text", -1, encoding::utf8), nullptr);
   EXPECT_EQ(REALBuildUnicodeString(nullptr, 4, encoding::utf8), nullptr);
+  EXPECT_TRUE(host.raised.empty());
 }
 
 TEST_P(BuildString, RefusesTwoGibibytes) {

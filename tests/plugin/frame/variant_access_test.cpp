@@ -119,6 +119,7 @@ TEST(VariantType, RefinesTheUnsignedKinds) {
       {2, "", 2},
       {2, "_VariantUInt64", 2},
       {5, "_VariantUInt64", 5},
+      {5, "_VariantUInt32", 5},
       {0, "", 0},
       {8, "", 8},
       {4096 | 3, "_VariantUInt64", 4096 | 3},
@@ -144,6 +145,21 @@ TEST(VariantType, RefinesWhatTheFallbackPropertyTells) {
   host.offer(
       "VarType(value As Variant) As Integer", +[](REALobject) -> RBInteger { return 8; });
   EXPECT_EQ(GetVariantType(variant), 8) << "a method that appears later is found";
+}
+
+TEST(VariantType, AsksForNoInstanceOfAClassThatTheHostLacks) {
+  FakeHost host;
+  offerTypes(host);
+  host.withhold("pluginObjectType");
+  host.offer(
+      "RuntimeObjectIsa", +[](REALobject, REALclassRef) {
+        ADD_FAILURE() << "asked";
+        return true;
+      });
+  for (const RBInteger code : {2, 3}) {
+    reportedCode = code;
+    EXPECT_EQ(GetVariantType(variant), code);
+  }
 }
 
 TEST(VariantType, StaysUnrefinedWithoutTheInstanceTest) {

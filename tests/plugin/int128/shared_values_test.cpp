@@ -2,10 +2,12 @@
 // may do all of it at once.
 #include <atomic>
 #include <functional>
+#include <set>
 #include <thread>
 #include <utility>
 
 #include "frame/failing_allocation.h"
+#include "int128/hazard_pointers.h"
 #include "int128_host.h"
 
 namespace qtx {
@@ -182,6 +184,31 @@ TYPED_TEST(SharedSmallValues, AreDetachedAgainAfterTheTextIsRead) {
   EXPECT_NE(one, self);
   EXPECT_EQ(numbers.template value<TypeParam>(one), TypeParam(1));
   host.unlock(one);
+  host.unlock(self);
+  host.unlock(text);
+}
+
+// And before it is read: the host code that runs meanwhile is given another object for the value.
+TYPED_TEST(SharedSmallValues, AreDetachedBeforeTheTextIsRead) {
+  NumberHost& numbers = this->numbers_;
+  FakeHost& host = numbers.host;
+  host.offer(
+      "PluginGetStringData", +[](REALstring, std::uint32_t, REALstringData* out) {
+        whileReading();
+        ++FakeHost::current->openStringData;
+        *out = {"99", 2, encoding::utf8, nullptr};
+        return true;
+      });
+  const REALobject self = numbers.template sharedFor<TypeParam>(7);
+  const REALstring text = host.makeString("99", encoding::utf16);
+  whileReading = [&] {
+    EXPECT_EQ(numbers.references(self), 1);
+    const REALobject seven = numbers.template sharedFor<TypeParam>(7);
+    EXPECT_NE(seven, self);
+    host.unlock(seven);
+  };
+  numbers.template set<TypeParam>(self, "stringValue", text);
+  EXPECT_EQ(numbers.template value<TypeParam>(self), TypeParam(99));
   host.unlock(self);
   host.unlock(text);
 }
@@ -366,8 +393,6 @@ TYPED_TEST(SharedSmallValues, AreDetachedWhateverTheyHold) {
         static_cast<const void*>(&byte), RBInteger{1}, std::uint8_t{0});
   };
   const REALobject mine = numbers.make(TypeParam(7));
-  reread(mine, 8);  // not a shared one
-  EXPECT_EQ(numbers.template value<TypeParam>(mine), TypeParam(8));
   for (const unsigned char byte : {std::uint8_t{99}, std::uint8_t{3}}) {
     const REALobject seven = numbers.template sharedFor<TypeParam>(7);
     const REALobject three = numbers.template sharedFor<TypeParam>(3);
@@ -382,6 +407,8 @@ TYPED_TEST(SharedSmallValues, AreDetachedWhateverTheyHold) {
     for (const REALobject object : {seven, again, three}) numbers.host.unlock(object);
     EXPECT_FALSE(numbers.host.isAlive(seven));
   }
+  reread(mine, 8);  // was never a shared one
+  EXPECT_EQ(numbers.template value<TypeParam>(mine), TypeParam(8));
   numbers.host.unlock(mine);
 }
 
@@ -418,6 +445,58 @@ TYPED_TEST(SharedSmallValues, AreGivenOutWithoutAReferenceWhereTheHostHasNone) {
   numbers.host.offer(
       "REALLockObject", +[](REALobject handle) { FakeHost::current->lock(handle); });
   numbers.host.unlock(one);
+}
+
+// While an object is made, host code runs, which may make the same one: that is the shared one then. Without
+// references nothing is given back of the other.
+TYPED_TEST(SharedSmallValues, AreMadeWithinEachOtherWhereTheHostHasNoReferences) {
+  NumberHost& numbers = this->numbers_;
+  FakeHost& host = numbers.host;
+  host.withhold("REALLockObject");
+  static REALobject inner;
+  static bool within;
+  inner = nullptr;
+  within = false;
+  static std::function<REALobject()> make;
+  make = [&] { return numbers.template shared<TypeParam>("one"); };
+  host.offer(
+      "PluginNewInstance", +[](const char* name) {
+        if (!std::exchange(within, true)) inner = make();
+        return FakeHost::current->makeObject(name);
+      });
+  const REALobject outer = make();
+  EXPECT_NE(outer, inner);
+  ASSERT_TRUE(host.isAlive(outer));
+  EXPECT_EQ(numbers.references(outer), 1);
+  EXPECT_EQ(numbers.references(inner), 1);
+  EXPECT_EQ(make(), inner) << "the one that was stored first";
+  host.unlock(outer);
+  host.lock(inner);  // the one that the caller should have got
+  host.offer(
+      "REALLockObject", +[](REALobject handle) { FakeHost::current->lock(handle); });
+  host.unlock(inner);
+}
+
+// Which place a stack has decides how often threads meet there, but it is one of those that there are.
+// Each call has a frame of its own, to which the next one holds on.
+void announceBelow(HazardPointers& hazards, std::set<const void*>& places, int depth, const volatile char*) {
+  volatile char frame[16 * 1024] = {};
+  HazardPointers::Place* const place = hazards.announce(reinterpret_cast<REALobject>(&hazards));
+  if (place) {
+    EXPECT_TRUE(place >= static_cast<void*>(&hazards) && place < static_cast<void*>(&hazards + 1));
+    places.insert(place);
+    HazardPointers::clear(*place);
+  }
+  if (depth > 0) announceBelow(hazards, places, depth - 1, frame);
+  frame[0] = 0;
+}
+TEST(HazardPlaces, AreSpreadOverTheStacks) {
+  HazardPointers hazards;
+  std::set<const void*> places;
+  announceBelow(hazards, places, 64, nullptr);
+  EXPECT_GE(places.size(), 24u);
+  EXPECT_LE(places.size(), 32u);
+  EXPECT_FALSE(hazards.isAnnounced(reinterpret_cast<REALobject>(&hazards)));
 }
 
 // A host of real memory and atomic reference counts, whose objects are freed with their last reference: what
@@ -504,6 +583,7 @@ struct Members {
 TEST(SharedSmallValuesAmongThreads, AreDetachedWithoutWaitingForWhoTakesThem) {
   const Members members;
   for (const bool elsewhere : {true, false}) {
+    const long blocks = livingAllocations();
     const REALobject shared = members.one();
     ASSERT_EQ(counted(shared)->references, 2);
     beforeNextLock = [&] {
@@ -520,6 +600,7 @@ TEST(SharedSmallValuesAmongThreads, AreDetachedWithoutWaitingForWhoTakesThem) {
     EXPECT_EQ(counted(taken)->data[0], 2) << "taken before the change: sees it";
     unlock(taken);
     EXPECT_EQ(alive, 0);
+    EXPECT_EQ(livingAllocations(), blocks) << "nor is anything left of the note";
   }
 }
 
@@ -566,6 +647,33 @@ TEST(SharedSmallValuesAmongThreads, AreAllGivenBackByTheLastWhoTakesOne) {
   EXPECT_EQ(counted(first)->references, 2) << "the caller's two";
   unlock(first);
   unlock(taken);
+  EXPECT_EQ(alive, 0);
+}
+
+// Within a take another cannot be announced in the same place; what is detached meanwhile is given back by
+// that other as well.
+TEST(SharedSmallValuesAmongThreads, AreGivenBackByATakerWithinATaker) {
+  const Members members;
+  const REALobject one = members.one();
+  const REALobject two = members.plusOne(one);
+  unlock(two);  // the table's alone from here on
+  ASSERT_EQ(counted(two)->references, 1);
+  beforeNextLock = [&] {
+    const int before = alive;
+    beforeNextLock = [&] {
+      members.step(two);
+      ASSERT_EQ(alive, before) << "who takes it has not added a reference yet";
+      EXPECT_EQ(counted(two)->references, 1);
+    };
+    EXPECT_EQ(members.plusOne(one), two);
+    EXPECT_EQ(counted(two)->references, 1) << "the caller's; what was the table's is given back";
+    unlock(two);
+  };
+  EXPECT_EQ(members.one(), one);
+  EXPECT_EQ(alive, 1);
+  members.step(one);
+  unlock(one);
+  unlock(one);
   EXPECT_EQ(alive, 0);
 }
 

@@ -37,6 +37,19 @@ TEST(NormalQuantile, KeepsFifteenDigitsInTheLowerTail) {
   }
 }
 
+// Numbers below the normal ones have fewer digits, and so has the error that is taken from their difference.
+TEST(NormalQuantile, KeepsTheDigitsThatThereAreBelowTheNormalNumbers) {
+  int seen = 0;
+  for (const auto& [p, quantile] : references) {
+    if (p >= std::numeric_limits<double>::min()) continue;
+    ++seen;
+    const long double step = std::numeric_limits<double>::denorm_min() / static_cast<long double>(p);
+    const long double bound = 2 * step / std::fabs(quantile) + 1e-15L * std::fabs(quantile);
+    EXPECT_LE(std::fabs(static_cast<long double>(normalQuantile(p)) - quantile), bound) << p;
+  }
+  EXPECT_GE(seen, 2);
+}
+
 TEST(NormalQuantile, NeverIsWorseThanTheApproximation) {
   for (const auto& [p, quantile] : references) {
     EXPECT_LE(std::fabs(static_cast<long double>(normalQuantile(p)) - quantile), 2e-9L * std::fabs(quantile))
