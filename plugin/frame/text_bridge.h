@@ -91,7 +91,8 @@ class rbText {
       guardWord;  // first and last members: a caller that writes past an object is noticed
   Reference<REALstring> string_;
   std::uint32_t source_ = encoding::ascii;
-  std::string_view bytes_ = "";  // the string's own, if it is UTF-8 or ASCII
+  // The string's own, if it is UTF-8 or ASCII. Never null.
+  std::string_view bytes_ = "";  // NOLINT(readability-redundant-string-init): without it, they would be
   OtherViews* other_ = nullptr;  // once it is needed; has the string then
   std::uint64_t backGuard_ = guardWord;
 };
