@@ -61,7 +61,8 @@ TEST(FunctionTable, Holds62DifferentFunctions) {
 
 TEST(FunctionTable, HoldsTheFormsForThisProcessor) {
   const auto holds = [](std::string_view name, REALproc function) {
-    return std::ranges::any_of(mathFunctions(), [&](const REALmethodDefinition& record) {
+    const auto functions = mathFunctions();
+    return std::any_of(functions.begin(), functions.end(), [&](const REALmethodDefinition& record) {
       return std::string_view(record.declaration).starts_with(name) && record.function == function;
     });
   };

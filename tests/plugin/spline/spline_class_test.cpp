@@ -123,6 +123,26 @@ TEST(SplineClass, RunsThroughItsPoints) {
   EXPECT_NEAR(spline.at('d', 1), 0.25, 1e-12);
 }
 
+// So many that their memory is taken over by large pages where the system has them.
+TEST(SplineClass, RunsThroughManyPoints) {
+  Fixture fixture;
+  constexpr std::size_t count = 300'000;
+  Values x(count), y(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    x[i] = static_cast<double>(i);
+    y[i] = static_cast<double>(i % 7);
+  }
+  Spline spline(fixture, x, y);
+  EXPECT_EQ(spline.count(), static_cast<std::int64_t>(count));
+  for (const std::size_t i : {std::size_t{0}, std::size_t{1}, std::size_t{7}, count - 1}) {
+    EXPECT_EQ(spline.at('x', static_cast<RBInteger>(i)), x[i]);
+    EXPECT_EQ(spline.at('y', static_cast<RBInteger>(i)), y[i]);
+  }
+  // Near zero, where a cubic in the absolute coordinate is exact enough to tell.
+  for (const std::size_t i : {1, 2, 3, 4, 5, 6, 7}) EXPECT_NEAR(spline.calc(x[i]), y[i], 1e-9);
+  EXPECT_TRUE(fixture.host.raised.empty());
+}
+
 TEST(SplineClass, ExtendsItsOuterCubics) {
   Fixture fixture;
   Spline spline(fixture, {0, 1, 2}, {3, 2, 0});
