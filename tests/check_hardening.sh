@@ -30,7 +30,7 @@ require 'resolves addresses while it runs' 'FLAGS.*NOW' "$dynamic"
 require 'has an executable stack' '^ *GNU_STACK .* RW ' "$segments"
 require 'does not check its stack' ' UND __stack_chk_fail(@|$)' "$symbols"
 if [ "$optimised" != unoptimised ]; then
-  require 'does not check the sizes of its buffers' ' UND __v?snprintf_chk(@|$)' "$symbols"
+  require 'does not check the sizes of its buffers' ' UND __(v?snprintf|memcpy)_chk(@|$)' "$symbols"
 fi
 
 begins=$("$objdump" -d --no-show-raw-insn "$file" | awk -v label="<$entry>:" '$2 == label { getline; print; exit }')
