@@ -24,8 +24,9 @@ struct ThreadData {
   ThreadState* state;
 };
 
-std::mutex allLock;
-std::condition_variable allChanged;
+// Never destroyed: a thread of a program may end while the process does.
+std::mutex& allLock = *new std::mutex;
+std::condition_variable& allChanged = *new std::condition_variable;
 std::size_t runningCount = 0;
 std::function<void(const HostException&)> uncaught;
 
