@@ -5,8 +5,9 @@ usage: coverage.py SOURCE_DIRECTORY BUILD_DIRECTORY [HTML_DIRECTORY]
 
 Reads what the compiler's gcov says of each object file, and prints the folders and what has to be reached but is not.
 gcovr, which would do so too, cannot tell an exception's way on from others where a function has not run in all object
-files; it writes the pages that show each line, where a folder for them is named. A branch is one way on from a condition. Those do not count that nobody has
-written:
+files; it writes the pages that show each line, where a folder for them is named.
+
+A branch is one way on from a condition. Those do not count that nobody has written:
 
 - the two ways on from a call, back and by an exception;
 - whether a static variable is there already;
