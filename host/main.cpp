@@ -14,6 +14,7 @@
 #include <optional>
 #include <sstream>
 
+#include "command_line_pages.h"
 #include "language/language.h"
 #include "runtime/library.h"
 #include "runtime/operations.h"
@@ -120,12 +121,15 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
 }
 
 int runCommandLine(int argc, char** argv) {
-  CLI::App app{"Runs programs in the host's language against a plug-in library."};
+  CLI::App app{"Runs programs in the host's language against a plug-in library", "qtxhost"};
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string("qtxhost ") + QTX_VERSION);
   app.footer(
       "Examples:\n  qtxhost run tour.bas\n  qtxhost run --host-version 2012.0 --trace tour.bas\n"
-      "  echo 'Print 6 * 7' | qtxhost run -\n  qtxhost list");
+      "  echo 'Print 6 * 7' | qtxhost run -\n  qtxhost list\n\n"
+      "Exit status:\n  0  if all went well\n"
+      "  1  if a program has an error, ends by one, or leaks where --leaks is given\n"
+      "  2  if the command line or a file is wrong");
 
   std::string library, arrayShape = "published", file;
   std::vector<std::string> withheld, kept;
@@ -167,6 +171,14 @@ int runCommandLine(int argc, char** argv) {
   replCommand->add_flag("--trace", trace, "Turns the library's tracing on");
   CLI::App* listCommand = app.add_subcommand("list", "Lists the library's classes, members and functions");
   addCommon(listCommand);
+  std::string shell;
+  CLI::App* completionCommand =
+      app.add_subcommand("completion", "Prints what completes the command line in a shell");
+  completionCommand->add_option("SHELL", shell, "The shell")
+      ->required()
+      ->check(CLI::IsMember(completedShells));
+  CLI::App* manualCommand = app.add_subcommand("manual", "Prints this program's manual page, for man(1)");
+  manualCommand->group("");
 
   try {
     app.parse(argc, argv);
@@ -179,6 +191,14 @@ int runCommandLine(int argc, char** argv) {
     }
     std::fprintf(stderr, "qtxhost: %s\n", message.c_str());
     return couldNotRun;
+  }
+  if (completionCommand->parsed()) {
+    std::fputs(completion(app, shell).c_str(), stdout);
+    return 0;
+  }
+  if (manualCommand->parsed()) {
+    std::fputs(manualPage(app, QTX_VERSION).c_str(), stdout);
+    return 0;
   }
   settings().version = std::stod(version);
   settings().otherArrayShape = arrayShape == "other";
