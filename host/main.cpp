@@ -53,7 +53,7 @@ std::filesystem::path findLibrary() {
 #endif
   const std::filesystem::path here = ownFile().parent_path();
   for (const std::filesystem::path& candidate :
-       {here / name, here / "../lib" / name, here / "../lib/qtx" / name}) {
+       {here / name, here / "../lib" / name, here / "../lib/qtx/plugins" / name}) {
     if (std::filesystem::exists(candidate)) return candidate;
   }
   return here / name;
