@@ -224,9 +224,9 @@ int runCommandLine(int argc, char** argv) {
   }
   const int status = run(file, steps);
   if (!leaks) return status;
-  const std::string report = leakReport({kept.begin(), kept.end()});
-  std::fputs(report.c_str(), stderr);
-  return report.empty() ? status : programFailed;
+  const LeakReport report = leakReport({kept.begin(), kept.end()});
+  std::fputs((report.cycles + report.leaks).c_str(), stderr);
+  return report.leaks.empty() ? status : programFailed;
 }
 
 }  // namespace

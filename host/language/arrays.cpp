@@ -125,13 +125,16 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
   fail(callee.position, "an array has no member '" + callee.name + "'");
 }
 
-Expr newArray(Type type, Expr upperBound) {
+Expr newArray(Type type, Exprs upperBounds) {
+  Expr upperBound = upperBounds.empty() ? nullptr : std::move(upperBounds[0]);
   return referenceNode(type, [type, bound = std::move(upperBound)](Frame& f) -> Ref<Heap> {
     return makeArray(type.element(), bound ? countFor(bound->integer(f)) : 0);
   });
 }
 
-Stmt reDim(Position position, Expr array, Expr upperBound) {
+Stmt reDim(Position position, Expr array, Exprs upperBounds) {
+  if (upperBounds.size() != 1) fail(position, "this host's arrays have one dimension");
+  Expr upperBound = std::move(upperBounds[0]);
   return statement(position, [array = std::move(array), bound = std::move(upperBound)](Frame& f) {
     const Held held(*array, f);
     const std::int64_t upper = bound->integer(f);

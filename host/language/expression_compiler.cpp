@@ -3,6 +3,7 @@
 
 #include "language/arrays.h"
 #include "language/calls.h"
+#include "language/conditional.h"
 #include "language/conversions.h"
 #include "language/intrinsics.h"
 #include "language/operators.h"
@@ -13,31 +14,6 @@ namespace host {
 
 using syntax::Arguments;
 using syntax::Name;
-
-// What follows a value, taken one by one.
-class ExpressionCompiler::Links {
- public:
-  Links(const std::vector<syntax::Link>& links, bool asStatement)
-      : links_(links), asStatement_(asStatement) {}
-
-  bool atEnd() const { return at_ == links_.size(); }
-  bool resultUnused() const { return asStatement_ && atEnd(); }
-  const Name* takeName() { return take<Name>(); }
-  const Arguments* takeArguments() { return take<Arguments>(); }
-  const Arguments* peekArguments() const { return atEnd() ? nullptr : std::get_if<Arguments>(&links_[at_]); }
-
- private:
-  template <typename Kind>
-  const Kind* take() {
-    const Kind* next = atEnd() ? nullptr : std::get_if<Kind>(&links_[at_]);
-    if (next) ++at_;
-    return next;
-  }
-
-  const std::vector<syntax::Link>& links_;
-  std::size_t at_ = 0;
-  bool asStatement_;
-};
 
 namespace {
 
@@ -130,6 +106,7 @@ std::optional<Position> ExpressionCompiler::notConstant(const syntax::Expression
     return notConstant(*inversion->operand);
   }
   if (const auto* chain = std::get_if<syntax::Chain>(&expression.node)) {
+    if (isConstantOfSpace(*chain)) return std::nullopt;
     if (const auto position = notConstant(*chain->first)) return position;
     return std::visit([](const auto& link) { return link.position; }, chain->links[0]);
   }
@@ -197,6 +174,12 @@ Expr ExpressionCompiler::compileNode(const syntax::Parenthesised& parentheses) {
   return slotNode(type, [inner = std::move(inner)](Frame& f) { return inner->evaluate(f); });
 }
 
+Expr ExpressionCompiler::compileNode(const syntax::Conditional& chosen) {
+  Expr asked = condition(*chosen.condition, "the condition of If");
+  Expr first = compile(*chosen.first);
+  return conditional(std::move(asked), std::move(first), compile(*chosen.second), chosen.condition->position);
+}
+
 Expr ExpressionCompiler::compileNode(const syntax::Negation& negated) {
   return negation(compile(*negated.operand), negated.position);
 }
@@ -228,6 +211,16 @@ Expr ExpressionCompiler::compileNode(const syntax::Sequence& sequence) {
 
 Expr ExpressionCompiler::chain(const syntax::Chain& chain, bool asStatement) {
   Links links(chain.links, asStatement);
+  return linked(chain, links);
+}
+
+// The object whose method is named last.
+Expr ExpressionCompiler::allButLast(const syntax::Chain& chain) {
+  Links links(chain.links, false, 1);
+  return linked(chain, links);
+}
+
+Expr ExpressionCompiler::linked(const syntax::Chain& chain, Links& links) {
   const Position start = chain.first->position;
   const Depth depth(depth_, chain.links.size(), start);
   const auto* name = std::get_if<Name>(&chain.first->node);
@@ -238,25 +231,35 @@ Expr ExpressionCompiler::chain(const syntax::Chain& chain, bool asStatement) {
       value = member(std::move(value), *next, links);
       continue;
     }
-    const Arguments& indices = *links.takeArguments();
-    if (!indices.parenthesised) {
-      fail(start, "expected a statement; this is a value that nothing is done with");
-    }
-    if (!value->type.array) {
-      fail(indices.position, value->type.kind == Kind::None
-                                 ? "this has no value to take an element of"
-                                 : "a " + nameOf(value->type) + " has no elements");
-    }
-    value = element(std::move(value), indices.position, arguments(&indices));
+    value = elements(std::move(value), start, *links.takeArguments());
   }
   return value;
 }
 
-Expr ExpressionCompiler::name(const Name& name, Links& links) {
-  if (Expr variable = names_.find(name.text)) return variable;
-  if (const Sub* sub = names_.findSub(name.text)) {
-    return callSub(*sub, name.position, arguments(links.takeArguments()));
+Expr ExpressionCompiler::elements(Expr value, Position start, const Arguments& indices) {
+  const Class* objectClass = isPlainObject(value->type) ? value->type.objectClass : nullptr;
+  if (objectClass && objectClass->signature) {
+    return callDelegate(*objectClass, {objectClass->name, start}, std::move(value), arguments(&indices));
   }
+  if (!indices.parenthesised) {
+    fail(start, "expected a statement; this is a value that nothing is done with");
+  }
+  if (objectClass) {
+    const auto methods = objectClass->findMethods("Operator_Subscript");
+    if (!methods.empty()) {
+      const Callee callee{"Operator_Subscript", indices.position};
+      return callMethod(methods, callee, std::move(value), arguments(&indices));
+    }
+  }
+  if (!value->type.array) {
+    fail(indices.position, value->type.kind == Kind::None ? "this has no value to take an element of"
+                                                          : "a " + nameOf(value->type) + " has no elements");
+  }
+  return element(std::move(value), indices.position, arguments(&indices));
+}
+
+Expr ExpressionCompiler::name(const Name& name, Links& links) {
+  if (Expr own = ownName(name, links)) return own;
   if (const Class* type = registry().findClass(name.text)) {
     if (const Name* member = links.takeName()) return memberOfClass(*type, *member, links);
     const Arguments* given = links.peekArguments();
@@ -285,7 +288,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
 Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, const Arguments& given) {
   if (given.values.size() != 1) fail(name.position, "expected one value in " + type.name + "(…)");
   Expr object = std::move(arguments(&given)[0]);
-  if (isPlainObject(object->type)) {  // any object may turn out to be one
+  if (isPlainObject(object->type) && !type.signature) {  // any object may turn out to be one
     const Position position = object->position;
     object = referenceNode({Kind::Object},
                            [object = std::move(object)](Frame& f) { return object->reference(f); });
@@ -295,7 +298,10 @@ Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, const Argum
 }
 
 Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Links& links) {
-  if (const std::vector<const Method*> methods = type.findSharedMethods(name.text); !methods.empty()) {
+  if (Expr value = sharedValue(type, name)) return value;
+  if (Expr value = sharedSpace(type, name, links)) return value;
+  if (const std::vector<const Method*> methods = allowed(type.findSharedMethods(name.text), name);
+      !methods.empty()) {
     Exprs given = arguments(links.takeArguments());
     return callMethod(methods, calleeOf(name), nullptr, std::move(given), links.resultUnused());
   }
@@ -324,6 +330,7 @@ Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, 
 }
 
 Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
+  if (Expr extended = extension(object, name, links)) return extended;
   const Type type = object->type;
   if (type.array) {
     return callArrayMethod(calleeOf(name), std::move(object), arguments(links.takeArguments()));
@@ -348,15 +355,21 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
 }
 
 Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Name& name, Links& links) {
+  if (type.signature && sameName(name.text, "Invoke")) {
+    return callDelegate(type, {type.name, name.position}, std::move(object),
+                        arguments(links.takeArguments()));
+  }
   if (const Property* found = type.findProperty(name.text)) {
+    names_.checkAccess(found->access, found->owner, name);
     return property(*found, std::move(object));
   }
-  std::vector<const Method*> methods = type.findMethods(name.text);
+  std::vector<const Method*> methods = allowed(type.findMethods(name.text), name);
   if (methods.empty()) {
-    methods = type.findSharedMethods(name.text);
+    methods = allowed(type.findSharedMethods(name.text), name);
     object = nullptr;
   }
   if (methods.empty()) {
+    if (Expr value = sharedValue(type, name)) return value;
     std::vector<std::string> known;
     for (const Class* each = &type; each; each = each->super) {
       for (const Method& method : each->methods) known.push_back(method.declaration.name);

@@ -11,7 +11,7 @@
 namespace host {
 
 Sub::~Sub() {
-  for (const SubParameter& parameter : parameters) {
+  for (const Parameter& parameter : parameters) {
     if (parameter.defaultValue) releaseSlot(*parameter.defaultValue, parameter.type);
   }
 }
@@ -84,7 +84,8 @@ Slot callSub(const Sub& sub, const Slot* arguments) {
   const std::size_t count = sub.locals.size();
   auto* locals = static_cast<Slot*>(alloca((count + 1) * sizeof(Slot)));
   std::memset(locals, 0, count * sizeof(Slot));
-  for (std::size_t i = 0; i < sub.parameters.size(); ++i) locals[i] = arguments[i];
+  const std::size_t given = sub.parameters.size() + (sub.hasSelf ? 1 : 0);
+  for (std::size_t i = 0; i < given; ++i) locals[i] = arguments[i];
   const LocalsScope scope(locals, sub.locals);
   checkStack();
   Frame frame;
@@ -97,6 +98,24 @@ Slot callSub(const Sub& sub, const Slot* arguments) {
     throw;
   }
   return frame.result;
+}
+
+Call callOf(const Method& method) {
+  return Call(
+      [](const void* own, const Slot* arguments) {
+        const auto& declared = *static_cast<const Method*>(own);
+        const Method& target = declared.place < 0 ? declared : targetOf(declared, *arguments[0].heap);
+        const std::vector<Parameter>& parameters = target.declaration.parameters;
+        const std::size_t first = !target.sub || target.sub->hasSelf ? 1 : 0;
+        const std::span<const Slot> given(arguments, first + parameters.size());
+        if (!target.sub) return target.call(given);
+        std::vector<Slot> handed(given.begin(), given.end());
+        for (std::size_t i = 0; i < parameters.size(); ++i) {
+          if (!parameters[i].byRef && parameters[i].type.isReference()) retain(handed[first + i].heap);
+        }
+        return callSub(*target.sub, handed.data());
+      },
+      &method);
 }
 
 Stmt countStep(StepsLeft& left) {

@@ -6,6 +6,7 @@
 #include "language/arrays.h"
 #include "language/assignments.h"
 #include "language/conversions.h"
+#include "language/delegates.h"
 #include "language/loops.h"
 #include "language/operators.h"
 #include "language/statements.h"
@@ -48,9 +49,13 @@ Block StatementCompiler::loopBody(LoopKind kind, const syntax::Block& statements
 void StatementCompiler::compile(const syntax::Dim& dim, Position, Block& block) {
   for (const syntax::Dim::Group& group : dim.groups) {
     const syntax::Expression* initial = group.initial ? &*group.initial : nullptr;
-    const Type type = typeOf(group.type);
     for (const syntax::Dim::Variable& variable : group.variables) {
-      declare(variable, variable.array ? type.arrayOf() : type, initial, block);
+      const Type type = names_.typeOf(group, variable);
+      if (dim.isStatic) {
+        declareStatic(variable, type, initial, block);
+      } else {
+        declare(variable, type, initial, block);
+      }
     }
   }
 }
@@ -58,31 +63,65 @@ void StatementCompiler::compile(const syntax::Dim& dim, Position, Block& block) 
 // The value is compiled before the name is known, so that it cannot use itself.
 void StatementCompiler::declare(const syntax::Dim::Variable& variable, Type type,
                                 const syntax::Expression* initial, Block& block) {
-  const Position position = variable.name.position;
-  Expr bound;
-  if (variable.bound) {
-    bound = convertTo(expressions_.compile(*variable.bound), {Kind::Int64}, "the upper bound");
+  Expr bounds = boundsOf(variable, type);
+  Expr value = initial ? expressions_.compile(*initial) : std::move(bounds);
+  const auto place = [&] { return names_.declare(variable.name, type); };
+  start(variable.name, type, std::move(value), place, block);
+}
+
+// The new array that the bounds ask for; null where the variable is none.
+Expr StatementCompiler::boundsOf(const syntax::Dim::Variable& variable, Type type) {
+  if (!type.array) return nullptr;
+  Exprs bounds;
+  for (const syntax::Expression& each : variable.bounds) {
+    bounds.push_back(convertTo(expressions_.compile(each), {Kind::Int64}, "the upper bound"));
   }
-  Expr value = initial ? expressions_.compile(*initial) : nullptr;
+  return newArray(type, std::move(bounds));
+}
+
+void StatementCompiler::start(const syntax::Name& name, Type type, Expr value,
+                              const std::function<std::unique_ptr<Place>()>& place, Block& block) {
+  const Position position = name.position;
   if (value && isPlainObject(type)) {
     // Starts as Nil and is then assigned to, which is where a class converts from other types.
-    block.statements.push_back(declaration(position, names_.declare(variable.name, type), nullptr));
-    block.statements.push_back(assignment(position, names_.expect(variable.name), std::move(value)));
+    std::unique_ptr<Place> made = place();
+    block.statements.push_back(declaration(position, std::move(made), nullptr));
+    block.statements.push_back(assignment(position, names_.expect(name), std::move(value)));
     return;
   }
-  if (value) {
-    value = convertTo(std::move(value), type, "the value of " + variable.name.text);
-  } else if (type.array) {
-    value = newArray(type, std::move(bound));
-  }
-  block.statements.push_back(declaration(position, names_.declare(variable.name, type), std::move(value)));
+  if (value) value = convertTo(std::move(value), type, "the value of " + name.text);
+  block.statements.push_back(declaration(position, place(), std::move(value)));
+}
+
+// Gets its value when the declaration is come by for the first time.
+void StatementCompiler::declareStatic(const syntax::Dim::Variable& variable, Type type,
+                                      const syntax::Expression* initial, Block& block) {
+  Expr bounds = boundsOf(variable, type);
+  Expr value = initial ? expressions_.compile(*initial) : std::move(bounds);
+  Block first;
+  start(
+      variable.name, type, std::move(value), [&] { return names_.declareStatic(variable.name, type); },
+      first);
+  block.statements.push_back(once(variable.name.position, std::move(first)));
+}
+
+void StatementCompiler::startProperty(const syntax::Dim::Group& group, Type type, Expr place, Block& block) {
+  const syntax::Dim::Variable& variable = group.variables[0];
+  Expr value = boundsOf(variable, type);
+  if (group.initial) value = expressions_.compile(*group.initial);
+  if (!value) return;
+  block.statements.push_back(assignment(variable.name.position, std::move(place), std::move(value)));
 }
 
 void StatementCompiler::compile(const syntax::Const& declared, Position, Block&) {
-  const std::string& name = declared.name.text;
   names_.checkFree(declared.name);
+  names_.declareConstant(declared.name, constant(declared));
+}
+
+Constant StatementCompiler::constant(const syntax::Const& declared) {
+  const std::string& name = declared.name.text;
   std::optional<Type> type;
-  if (declared.type) type = typeOf(*declared.type);
+  if (declared.type) type = names_.typeOf(*declared.type);
   Constant constant;
   std::tie(constant.slot, constant.type) =
       expressions_.constant(declared.value, type, "the value of " + name);
@@ -91,7 +130,7 @@ void StatementCompiler::compile(const syntax::Const& declared, Position, Block&)
     fail(declared.value.position,
          name + " is a " + nameOf(constant.type) + "; a constant is a number, a Boolean or a String");
   }
-  names_.declareConstant(declared.name, std::move(constant));
+  return constant;
 }
 
 void StatementCompiler::compile(const syntax::Assign& assign, Position position, Block& block) {
@@ -104,10 +143,16 @@ void StatementCompiler::compile(const syntax::Assign& assign, Position position,
 }
 
 void StatementCompiler::compile(const syntax::ReDim& changed, Position position, Block& block) {
-  Expr array = names_.expect(changed.array);
-  if (!array->type.array) fail(position, changed.array.text + " is no array");
-  Expr bound = convertTo(expressions_.compile(changed.bound), {Kind::Int64}, "the upper bound");
-  block.statements.push_back(reDim(position, std::move(array), std::move(bound)));
+  Expr array = expressions_.compile(changed.array);
+  if (!array->type.array) {
+    const auto* name = std::get_if<syntax::Name>(&changed.array.node);
+    fail(position, (name ? name->text : "this") + " is no array");
+  }
+  Exprs bounds;
+  for (const syntax::Expression& each : changed.bounds) {
+    bounds.push_back(convertTo(expressions_.compile(each), {Kind::Int64}, "the upper bound"));
+  }
+  block.statements.push_back(reDim(position, std::move(array), std::move(bounds)));
 }
 
 // Simple statements.
@@ -175,9 +220,11 @@ void StatementCompiler::compile(const syntax::Jump& jumped, Position position, B
 void StatementCompiler::compile(const syntax::AddHandler& added, Position position, Block& block) {
   Expr object = expressions_.compile(added.object);
   expectEvent(*object, added.event.text, position);
-  const Sub* sub = names_.findSub(added.handler.text);
-  if (!sub) fail(added.handler.position, "there is no Sub " + added.handler.text);
-  block.statements.push_back(addHandler(position, std::move(object), *sub, added.handler.position));
+  Expr handler = expressions_.compile(added.handler);
+  auto& reference = static_cast<MethodReference&>(*handler);
+  const Position named = std::get<syntax::AddressOf>(added.handler.node).method->position;
+  block.statements.push_back(
+      addHandler(position, std::move(object), *reference.candidates()[0], reference.takeSelf(), named));
 }
 
 // Blocks.
@@ -224,7 +271,7 @@ Expr StatementCompiler::caseTest(const syntax::Select::Test& test, const Place& 
 void StatementCompiler::compile(const syntax::For& loop, Position position, Block& block) {
   const Names::Inner inner(names_);
   const syntax::Name& name = loop.variable;
-  if (loop.type) names_.declare(name, typeOf(*loop.type));
+  if (loop.type) names_.declare(name, names_.typeOf(*loop.type));
   Expr variable = names_.expect(name);
   const Type type = variable->type;
   if (!type.isInteger() && type.kind != Kind::Double) {
@@ -250,7 +297,7 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
   const Type element = array->type.element();
   Type type = element;
   if (loop.type) {
-    type = typeOf(*loop.type);
+    type = names_.typeOf(*loop.type);
     names_.declare(name, type);
   }
   Expr variable = names_.expect(name);
@@ -284,7 +331,7 @@ void StatementCompiler::compile(const syntax::Try& attempt, Position position, B
     const Names::Inner inner(names_);
     CatchClause clause{hostClasses().exception, nullptr, {}};
     if (each.type) {
-      const Type type = typeOf(*each.type);
+      const Type type = names_.typeOf(*each.type);
       if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isA(*clause.type)) {
         fail(each.type->position, "expected a class of exceptions, found " + nameOf(type));
       }

@@ -12,6 +12,9 @@ class StatementCompiler {
       : names_(names), expressions_(names), sub_(sub), interactive_(interactive) {}
 
   Block block(const syntax::Block& statements);
+  Constant constant(const syntax::Const& declared);  // its value
+  // The first value of a property, if it has one.
+  void startProperty(const syntax::Dim::Group& group, Type type, Expr place, Block& block);
   // What may run again and again, and is counted where the program's steps are.
   Block counted(const syntax::Block& statements);
 
@@ -23,6 +26,11 @@ class StatementCompiler {
   void compile(const syntax::Dim& dim, Position position, Block& block);
   void declare(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
                Block& block);
+  void declareStatic(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
+                     Block& block);
+  void start(const syntax::Name& name, Type type, Expr value,
+             const std::function<std::unique_ptr<Place>()>& place, Block& block);
+  Expr boundsOf(const syntax::Dim::Variable& variable, Type type);
   void compile(const syntax::Const& constant, Position position, Block& block);
   void compile(const syntax::Assign& assign, Position position, Block& block);
   void compile(const syntax::Evaluate& evaluated, Position position, Block& block);

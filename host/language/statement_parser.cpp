@@ -68,6 +68,9 @@ Statement StatementParser::statement() {
       return after(&StatementParser::dim);
     case Keyword::constWord:
       return after(&StatementParser::constant);
+    case Keyword::staticWord:
+      if (tokens_.peek(1).kind != TokenKind::word) return simple();
+      return after(&StatementParser::staticDim);
     case Keyword::ifWord:
       return after(&StatementParser::ifElse);
     case Keyword::selectWord:
@@ -174,15 +177,30 @@ Dim StatementParser::dim() {
   return declared;
 }
 
+Dim StatementParser::staticDim() {
+  Dim declared = dim();
+  declared.isStatic = true;
+  return declared;
+}
+
+void StatementParser::bounds(Dim::Variable& variable) {
+  if (!tokens_.accept(Symbol::open)) return;
+  variable.array = true;
+  if (tokens_.is(Symbol::comma)) {
+    while (tokens_.accept(Symbol::comma)) ++variable.dimensions;
+  } else if (!tokens_.is(Symbol::close)) {
+    variable.bounds = expressions_.list();
+    variable.dimensions = static_cast<std::uint8_t>(variable.bounds.size());
+  }
+  if (variable.dimensions > mostDimensions) tokens_.failHere("an array has too many dimensions");
+  tokens_.expect(Symbol::close, "after the upper bound of " + variable.name.text);
+}
+
 Dim::Group StatementParser::dimGroup() {
   Dim::Group group;
   do {
     Dim::Variable variable{tokens_.takeName("the name of a variable"), false, {}};
-    if (tokens_.accept(Symbol::open)) {
-      variable.array = true;
-      if (!tokens_.is(Symbol::close)) variable.bound = expressions_.expression();
-      tokens_.expect(Symbol::close, "after the upper bound of " + variable.name.text);
-    }
+    bounds(variable);
     group.variables.push_back(std::move(variable));
   } while (tokens_.accept(Symbol::comma));
   const bool single = group.variables.size() == 1;
@@ -398,17 +416,24 @@ AddHandler StatementParser::addHandler() {
   chain->links.pop_back();
   added.object = chain->links.empty() ? std::move(*chain->first) : std::move(event);
   tokens_.expect(Symbol::comma, "after the event");
-  tokens_.expect(Keyword::addressOfWord, "and the name of a Sub");
-  added.handler = tokens_.takeName("the name of a Sub");
+  if (!tokens_.is(Keyword::addressOfWord)) tokens_.failExpecting("'AddressOf' and the name of a Sub");
+  const Position position = tokens_.peek().position;
+  added.handler = {position, expressions_.addressOf()};
   return added;
 }
 
 ReDim StatementParser::reDim() {
   ReDim changed;
-  changed.array = tokens_.takeName("the name of an array");
-  tokens_.expect(Symbol::open, "after " + changed.array.text);
-  changed.bound = expressions_.expression();
-  tokens_.expect(Symbol::close, "after the upper bound");
+  changed.position = tokens_.peek().position;
+  if (tokens_.peek().kind != TokenKind::word) tokens_.failExpecting("the name of an array");
+  Expression array = expressions_.chain();
+  // What it is to be stands at its end, like the indices of an element.
+  auto* chain = std::get_if<Chain>(&array.node);
+  auto* last = chain ? std::get_if<Arguments>(&chain->links.back()) : nullptr;
+  if (!last || last->values.empty()) tokens_.failExpecting("'(' and the upper bounds of the array");
+  changed.bounds = std::move(last->values);
+  chain->links.pop_back();
+  changed.array = chain->links.empty() ? std::move(*chain->first) : std::move(array);
   return changed;
 }
 

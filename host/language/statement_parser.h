@@ -20,9 +20,11 @@ class StatementParser {
 
   syntax::Statement line();  // one or more statements may follow on it after a colon
   bool accept(BlockEnd end);
+  bool at(BlockEnd end) const;
+  syntax::Dim::Group dimGroup();  // variables of one type
+  syntax::Const constant();       // after the word Const
 
  private:
-  bool at(BlockEnd end) const;
   // The statements before one of the ends, the first of which is the one that closes it.
   syntax::Block block(BlockEnds ends);
   syntax::Block alone();  // one statement
@@ -35,8 +37,8 @@ class StatementParser {
 
   // What follows the word that opens the statement.
   syntax::Dim dim();
-  syntax::Dim::Group dimGroup();
-  syntax::Const constant();
+  syntax::Dim staticDim();
+  void bounds(syntax::Dim::Variable& variable);
   syntax::If ifElse();
   syntax::Select select();
   syntax::Select::Test test();

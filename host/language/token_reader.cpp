@@ -55,13 +55,23 @@ syntax::Name TokenReader::takeName(const std::string& what) {
 }
 
 syntax::TypeName TokenReader::takeType() {
-  syntax::TypeName type{takeName("a type"), false};
-  if (is(Symbol::open) && is(Symbol::close, 1)) {
+  syntax::TypeName type{takeName("a type")};
+  while (is(Symbol::dot) && peek(1).kind == TokenKind::word) {
     take();
-    take();
-    type.array = true;
+    type.text += "." + take().text;
   }
+  if (is(Symbol::open) && (is(Symbol::close, 1) || is(Symbol::comma, 1))) takeDimensions(type);
   return type;
+}
+
+void TokenReader::takeDimensions(syntax::TypeName& type) {
+  type.array = true;
+  type.dimensions = 1;
+  expect(Symbol::open, "before the dimensions");
+  while (accept(Symbol::comma)) {
+    if (++type.dimensions > syntax::mostDimensions) failHere("an array has too many dimensions");
+  }
+  expect(Symbol::close, "after the dimensions");
 }
 
 void TokenReader::failHere(const std::string& message) const {

@@ -34,6 +34,7 @@ class TokenReader {
   void skipLineEnds();
   syntax::Name takeName(const std::string& what);
   syntax::TypeName takeType();
+  void takeDimensions(syntax::TypeName& type);  // "()", "(,)", …
 
   [[noreturn]] void failHere(const std::string& message) const;
   [[noreturn]] void failExpecting(const std::string& what) const;  // "expected WHAT, found …"

@@ -158,7 +158,8 @@ Call::Call(REALproc callee, const std::vector<Passing>& arguments, Type result) 
   prepared_ = std::move(prepared);
 }
 
-Slot Call::throughLibffi(std::span<const Slot> arguments) const {
+Slot Call::indirectly(std::span<const Slot> arguments) const {
+  if (run_) return run_(own_, arguments.data());
   // The low bytes of a slot are the narrower value itself, on the little-endian processors there are.
   std::array<void*, 32> values;
   for (std::size_t i = 0; i < arguments.size(); ++i) values[i] = const_cast<Slot*>(&arguments[i]);

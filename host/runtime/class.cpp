@@ -23,6 +23,12 @@ bool Class::isA(const Class& other) const {
   for (const Class* each = this; each; each = each->super) {
     if (each == &other) return true;
   }
+  for (const Implementation& each : implementations) {
+    if (each.interface == &other) return true;
+  }
+  for (const Class* each : interfaces) {
+    if (each->isA(other)) return true;
+  }
   return false;
 }
 
@@ -51,7 +57,7 @@ std::vector<const Method*> Class::findSharedMethods(std::string_view methodName)
 }
 
 std::string nameOf(Type type) {
-  if (type.array) return nameOf(type.element()) + "()";
+  if (type.array) return nameOf(type.element()) + "(" + std::string(type.array - 1U, ',') + ")";
   switch (type.kind) {
     case Kind::None:
       return "nothing";

@@ -83,15 +83,46 @@ Heap* allocate(const Class& objectClass, std::size_t size) {
   return thing;
 }
 
+namespace {
+
+// Things that wait to be destroyed, each with the next one in place of its count.
+void wait(Heap*& first, Heap* thing) {
+  thing->references.store(reinterpret_cast<std::int64_t>(first), std::memory_order_relaxed);
+  first = thing;
+}
+Heap* nextOf(Heap*& first) {
+  Heap* const thing = first;
+  first = reinterpret_cast<Heap*>(thing->references.exchange(0, std::memory_order_relaxed));
+  return thing;
+}
+
+void finish(Heap* thing) {
+  if (thing->objectClass->finalize) thing->objectClass->finalize(*thing);
+  if (thing->references.load(std::memory_order_relaxed) != 0) return;  // its finalizer has kept it
+  thing->among->remove(thing);
+  std::free(thing);
+}
+
+}  // namespace
+
 void destroy(Heap* thing) {
   // A library that cannot lock what it keeps holds on to it all the same: such a host never destroys
   // anything.
   static const bool destroys =
       !settings().withheld.contains("REALLockObject") && !settings().withheld.contains("REALLockString");
   if (!destroys) return;
-  if (thing->objectClass->finalize) thing->objectClass->finalize(*thing);
-  thing->among->remove(thing);
-  std::free(thing);
+  // What a thing holds goes with it, and so on: a chain of any length must not exhaust the stack.
+  constexpr int deepest = 50;
+  static thread_local int depth = 0;
+  static thread_local Heap* waiting = nullptr;
+  if (depth == deepest) {
+    wait(waiting, thing);
+    return;
+  }
+  ++depth;
+  finish(thing);
+  while (depth == 1 && waiting) finish(nextOf(waiting));
+  --depth;
 }
 
 void forEachLive(const std::function<void(const Heap&)>& visit) {

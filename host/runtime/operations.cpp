@@ -155,7 +155,8 @@ template <typename Value>
 bool getProperty(REALobject object, const char* name, Value* out) {
   return orNothing([&]() -> bool {
     const PendingAside aside;
-    if (const Property* property = propertyNamed(object, name)) {
+    const Property* property = propertyNamed(object, name);
+    if (property && property->type.isReference() == std::is_same_v<Value, REALstring>) {
       const Slot arguments[] = {{.heap = heapOf(object)}, {.integer = property->parameter}};
       const Slot value = property->getter(arguments);
       std::memcpy(out, &value, sizeof *out);

@@ -40,7 +40,7 @@ void run(Ref<Object> thread) {
   try {
     if (state.handler) state.handler(*thread);
   } catch (const HostException& exception) {
-    if (uncaught) uncaught(exception);
+    reportUncaught(exception);
   }
   {
     const std::lock_guard lock(state.lock);
@@ -114,6 +114,10 @@ void setRunHandler(Object& thread, std::function<void(Object&)> handler) {
 }
 
 void setUncaughtHandler(std::function<void(const HostException&)> report) { uncaught = std::move(report); }
+
+void reportUncaught(const HostException& exception) {
+  if (uncaught) uncaught(exception);
+}
 
 void joinAll() {
   std::unique_lock lock(allLock);

@@ -1,0 +1,36 @@
+// What follows a value in an expression: members and arguments.
+#pragma once
+
+#include "language/syntax.h"
+
+namespace host {
+
+// What follows a value, taken one by one.
+class Links {
+ public:
+  // `left`: how many at the end are left to others.
+  Links(const std::vector<syntax::Link>& links, bool asStatement, std::size_t left = 0)
+      : links_(links), end_(links.size() - left), asStatement_(asStatement) {}
+
+  bool atEnd() const { return at_ == end_; }
+  bool resultUnused() const { return asStatement_ && atEnd(); }
+  const syntax::Name* takeName() { return take<syntax::Name>(); }
+  const syntax::Arguments* takeArguments() { return take<syntax::Arguments>(); }
+  const syntax::Arguments* peekArguments() const {
+    return atEnd() ? nullptr : std::get_if<syntax::Arguments>(&links_[at_]);
+  }
+
+ private:
+  template <typename Kind>
+  const Kind* take() {
+    const Kind* next = atEnd() ? nullptr : std::get_if<Kind>(&links_[at_]);
+    if (next) ++at_;
+    return next;
+  }
+
+  const std::vector<syntax::Link>& links_;
+  std::size_t at_ = 0, end_;
+  bool asStatement_;
+};
+
+}  // namespace host

@@ -1,0 +1,25 @@
+// What the Subs of a program take and give.
+#pragma once
+
+#include "language/names.h"
+
+namespace host {
+
+Access accessOf(const syntax::Modifiers& modifiers);
+
+// Throws ProgramError where a type is none, a default does not fit, or parameters have the same name. The
+// body is empty.
+Sub& newSub(ModuleNames& module, const syntax::Sub& parsed, const Names& names);
+
+// What calls the Sub, and is handed its arguments.
+Method& newMethod(std::deque<Method>& among, const Sub& sub, const syntax::Sub& parsed);
+
+bool sameParameters(const Method& one, const Method& other);
+
+// A Sub with a parameter that Assigns is no method of its own: it is what runs where the Function with the
+// other parameters is assigned to. Where there is none, the method can be nothing but assigned to.
+void pairAssigning(std::vector<const Method*>& methods, std::deque<Method>& among);
+// The Method that has the two; either may be null.
+void assignThrough(Method& method, const Method& assigning);
+
+}  // namespace host
