@@ -69,12 +69,6 @@ LiveThings& ownList() {
   return own;
 }
 
-// A library that cannot lock what it keeps holds on to it all the same: such a host never destroys anything.
-bool destroysAnything() {
-  const std::set<std::string>& withheld = settings().withheld;
-  return !withheld.contains("REALLockObject") && !withheld.contains("REALLockString");
-}
-
 // What was destroyed while memory was kept.
 std::mutex& keptLock = *new std::mutex;
 std::vector<Heap*>& kept = *new std::vector<Heap*>;
@@ -95,6 +89,12 @@ void keep(Heap* thing) {
 }
 
 }  // namespace
+
+// A library that cannot lock what it keeps holds on to it all the same: such a host never destroys anything.
+bool destroysAnything() {
+  const std::set<std::string>& withheld = settings().withheld;
+  return !withheld.contains("REALLockObject") && !withheld.contains("REALLockString");
+}
 
 Heap* allocate(const Class& objectClass, std::size_t size) {
   void* memory = std::malloc(size);

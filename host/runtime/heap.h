@@ -41,6 +41,10 @@ inline void release(Heap* thing) {  // null: nothing; destroys with the last ref
 // those of a thread that began later first.
 void forEachLive(const std::function<void(const Heap&)>& visit);
 
+// False on a host without an operation that adds references: there none is counted that could be relied on,
+// and nothing ends.
+bool destroysAnything();
+
 // Where the settings keep the memory of what is destroyed: false once a thing has been.
 inline bool isAlive(const Heap& thing) { return thing.among != nullptr; }
 // Calls back for each thing whose references were counted up or down after it was destroyed.

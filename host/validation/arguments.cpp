@@ -220,7 +220,7 @@ void Given::drop() {
   variables_.clear();
   for (Heap* each : things_) {
     if (!each) continue;
-    if (!isAlive(*each) || each->references <= 0) {
+    if (!isAlive(*each) || (each->references <= 0 && destroysAnything())) {
       throw Failure{"over-release", "it drops a reference that is not its own: to " +
                                         each->objectClass->name + " among its arguments"};
     }

@@ -31,7 +31,7 @@ std::string number(double value) {
 // A reference that was handed over is to something alive, and of the declared type.
 void checkResult(const Heap* thing, Type declared) {
   if (!thing) return;
-  if (!isAlive(*thing) || thing->references <= 0) {
+  if (!isAlive(*thing) || (thing->references <= 0 && destroysAnything())) {
     throw Failure{"over-release", "it gives a thing that is gone: " + thing->objectClass->name};
   }
   const Class* found = thing->objectClass;

@@ -595,10 +595,15 @@ void Validator::checkMembers() {
     for (std::size_t i = 0; i < tasks.size(); ++i) {
       result_.cases[tasks[i].check] += reports[i].cases;
       for (const Finding& each : reports[i].findings) add(each);
-      if (!reports[i].findings.empty()) {
-        knowledge_[tasks[i].member].failed = true;
-        usable_.erase(names_[tasks[i].member]);
-      }
+    }
+  };
+  // What fails already with plain values is not called any more.
+  const auto takeValues = [&](const std::vector<Task>& tasks, const std::vector<Report>& reports) {
+    take(tasks, reports);
+    for (std::size_t i = 0; i < tasks.size(); ++i) {
+      const std::size_t member = tasks[i].member;
+      knowledge_[member].failed = !reports[i].findings.empty();
+      if (knowledge_[member].failed) usable_.erase(names_[member]);
     }
   };
   // Objects are prepared only by members that have been found in order, first those that make them at all.
@@ -612,7 +617,7 @@ void Validator::checkMembers() {
     }
     const std::vector<Report> reports = runTasks(title, tasks);
     for (const Task& each : tasks) usable_.insert(names_[each.member]);
-    take(tasks, reports);
+    takeValues(tasks, reports);
   };
   prepare(isInstance_, "instances");
   prepare(prepares_, "preparations");
@@ -636,7 +641,7 @@ void Validator::checkMembers() {
 
   const std::vector<Task> tasks = tasksFor(check::values);
   const std::vector<Report> reports = runTasks(check::values, tasks);
-  take(tasks, reports);
+  takeValues(tasks, reports);
   for (std::size_t i = 0; i < tasks.size(); ++i) {
     if (reports[i].text.empty()) continue;
     Knowledge& known = knowledge_[tasks[i].member];
@@ -650,15 +655,8 @@ void Validator::checkMembers() {
   }
   for (const char* each : {check::registers, check::random, check::missing, check::refused, check::threads}) {
     if (!isWanted(each)) continue;
-    const std::vector<Task> some = tasksFor(each);
-    const std::vector<bool> failedBefore = [&] {
-      std::vector<bool> all;
-      for (const Knowledge& known : knowledge_) all.push_back(known.failed);
-      return all;
-    }();
-    take(some, runTasks(each, some));
-    // What one of these finds is no reason to leave the others out.
-    for (std::size_t i = 0; i < knowledge_.size(); ++i) knowledge_[i].failed = failedBefore[i];
+    const std::vector<Task> chosen = tasksFor(each);
+    take(chosen, runTasks(each, chosen));
   }
 }
 
