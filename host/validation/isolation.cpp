@@ -29,7 +29,8 @@ namespace {
 struct Notes {
   std::atomic<int> count;
   std::atomic<bool> isBeingWritten;
-  char text[1000];
+  using Text = char[1000];
+  Text step, doing;
 };
 Notes* notes = nullptr;
 
@@ -68,19 +69,25 @@ void leaveProcess(int status) {
 }
 
 namespace {
-void note(const std::string& step, int counted) {
+void note(const std::string& step, bool isStep) {
   if (!notes) return;
   if (notes->isBeingWritten.exchange(true, std::memory_order_acquire)) return;  // another thread's will do
-  const std::size_t size = std::min(step.size(), sizeof notes->text - 1);
-  std::memcpy(notes->text, step.data(), size);
-  notes->text[size] = '\0';
-  notes->count.fetch_add(counted, std::memory_order_relaxed);
+  const auto put = [&](Notes::Text& to) {
+    const std::size_t size = std::min(step.size(), sizeof to - 1);
+    std::memcpy(to, step.data(), size);
+    to[size] = '\0';
+  };
+  put(notes->doing);
+  if (isStep) {
+    put(notes->step);
+    notes->count.fetch_add(1, std::memory_order_relaxed);
+  }
   notes->isBeingWritten.store(false, std::memory_order_release);
 }
 }  // namespace
 
-void noteStep(const std::string& step) { note(step, 1); }
-void notePreparation(const std::string& step) { note(step, 0); }
+void noteStep(const std::string& step) { note(step, true); }
+void notePreparation(const std::string& step) { note(step, false); }
 
 Ending inProcess(double seconds, bool shown, const std::function<std::string()>& body) {
   Notes* const outer = notes;
@@ -130,7 +137,8 @@ Ending inProcess(double seconds, bool shown, const std::function<std::string()>&
     ending.how = Ending::How::byItself;
     ending.number = WEXITSTATUS(status);
   }
-  ending.lastStep = own->text;
+  ending.step = own->step;
+  ending.doing = own->doing;
   ending.steps = own->count;
   munmap(own, sizeof(Notes));
   notes = outer;

@@ -10,11 +10,12 @@ namespace host {
 struct Ending {
   enum class How { normally, bySignal, byItself, tooLate };
   How how = How::normally;
-  int number = 0;        // the signal, or the exit status
-  bool isBusy = false;   // of one that was too late: it was computing, not waiting
-  std::string text;      // of one that ended normally: what the body gave
-  std::string lastStep;  // what it noted last
-  int steps = 0;         // how many notes there were
+  int number = 0;       // the signal, or the exit status
+  bool isBusy = false;  // of one that was too late: it was computing, not waiting
+  std::string text;     // of one that ended normally: what the body gave
+  std::string step;     // the last step that it noted
+  std::string doing;    // what it noted last, step or preparation
+  int steps = 0;        // how many steps there were
 };
 
 // Calls the body in a copy of this process, which must have one thread, and waits for it. What it prints is

@@ -205,7 +205,7 @@ void Validator::runCase(Report& report, const std::string& where, const char* na
     }
     return text;
   });
-  std::string step = ending.lastStep;
+  std::string step = ending.how == Ending::How::normally ? ending.step : ending.doing;
   if (step.starts_with(where + " ")) step.erase(0, where.size() + 1);
   if (!step.empty()) step = ", " + step;
   if (!circumstances.empty()) step = ", " + circumstances + step;
