@@ -33,7 +33,7 @@ class RecordChecks {
   struct Owner;
   void report(const std::string& where, const std::string& fault, const std::string& message);
   bool isName(const std::string& where, const char* name);
-  bool checkVersion(const std::string& where, std::int32_t version);
+  void checkVersion(const std::string& where, std::int32_t version);
   void checkFlags(const std::string& where, std::uint32_t flags, std::uint32_t wanted);
   bool checkAttributes(const std::string& where, const REALattribute* attributes, std::size_t count);
   bool checkMethod(const Owner& owner, const REALmethodDefinition& record, std::set<std::string>& taken);

@@ -544,8 +544,8 @@ void Validator::checkLoading() {
 }
 
 void Validator::checkVersions() {
-  std::set<std::string> already;
-  for (const Finding& each : result_.findings) already.insert(each.where + each.fault + each.message);
+  std::set<std::string> already;  // what is wrong on one host is not said again of the others
+  for (const Finding& each : result_.findings) already.insert(each.where + " " + each.fault);
   std::size_t done = 0;
   for (const double version : hostVersions) {
     if (options_.progress) options_.progress(check::versions, done++, std::size(hostVersions));
@@ -579,7 +579,7 @@ void Validator::checkVersions() {
       Unpacking from(report.text);
       for (std::size_t left = std::stoul(from.next()); left > 0; --left) {
         Finding found = unpackFinding(from);
-        if (!already.insert(found.where + found.fault + found.message).second) continue;
+        if (!already.insert(found.where + " " + found.fault).second) continue;
         found.check = check::versions;
         found.message += std::string(", ") + name;
         add(found);
