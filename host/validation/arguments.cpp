@@ -7,6 +7,7 @@
 #include <cstring>
 #include <iterator>
 #include <limits>
+#include <utility>
 
 #include "runtime/array.h"
 #include "runtime/exception.h"
@@ -218,7 +219,9 @@ void Given::drop() {
     if (variable->type.isReference()) things_.push_back(variable->slot.heap);
   }
   variables_.clear();
-  for (Heap* each : things_) {
+  while (!things_.empty()) {
+    Heap* const each = things_.back();
+    things_.pop_back();
     if (!each) continue;
     if (!isAlive(*each) || (each->references <= 0 && destroysAnything())) {
       throw Failure{"over-release", "it drops a reference that is not its own: to " +
@@ -226,8 +229,21 @@ void Given::drop() {
     }
     release(each);
   }
-  things_.clear();
   blocks_.clear();
+}
+
+Given& Given::operator=(Given&& other) noexcept {
+  std::swap(slots, other.slots);
+  std::swap(text, other.text);
+  std::swap(self, other.self);
+  std::swap(things_, other.things_);
+  std::swap(blocks_, other.blocks_);
+  std::swap(variables_, other.variables_);
+  return *this;
+}
+
+Given::~Given() {
+  for (Heap* each : things_) release(each);
 }
 
 std::string describeVariables(const Given& given) {

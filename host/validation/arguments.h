@@ -30,14 +30,19 @@ struct Failure {
   std::string fault, message;
 };
 
-// What one call is given, made for it alone; drop() ends it.
+// What one call is given, made for it alone.
 class Given {
  public:
+  Given() = default;
+  Given(Given&&) = default;
+  Given& operator=(Given&& other) noexcept;
+  ~Given();  // gives back what drop() has not
+
   std::vector<Slot> slots;  // as the function takes them
   std::string text;         // for people: "(Int128QTX, 2, nil)"
   Object* self = nullptr;   // among the things; null: there is none
 
-  // Give back what was made. Throws Failure where somebody has dropped a reference that was not theirs.
+  // Gives back what was made. Throws Failure where somebody has dropped a reference that was not theirs.
   void drop();
 
  private:
@@ -62,6 +67,8 @@ class ValueSource {
  public:
   // Objects get their values from members that are `usable`.
   ValueSource(const std::vector<Member>& members, const std::set<std::string>& usable);
+
+  // What makes values throws HostException where an initializer raises an exception.
 
   // All parameters at the same edge, from the ordinary one on; then each alone at each of its edges.
   std::vector<EdgeSet> commonEdges(const Member& member) const;

@@ -198,16 +198,26 @@ std::string callWith(const Member& member, const Call& call, Given given, Faults
 
 namespace {
 
+std::string describe(const HostException& exception) {
+  return "raises " + describeObject(*exception.exception, 0);
+}
+
 // An instance that is made and goes again, with no part of it prepared.
 std::string makeInstance(const Class& objectClass, Faults* faults) {
-  Ref<Object> made = catching([&]() -> Ref<Object> {
-    if (!faults) return makeObject(objectClass);
-    const Armed armed(*faults);
-    return makeObject(objectClass);
-  });
-  std::string answer = faults ? "" : describeObject(*made, 0);
+  std::string answer;
   catching([&] {
-    made = nullptr;
+    try {
+      Ref<Object> made;
+      if (faults) {
+        const Armed armed(*faults);
+        made = makeObject(objectClass);
+      } else {
+        made = makeObject(objectClass);
+        answer = describeObject(*made, 0);
+      }
+    } catch (const HostException& exception) {
+      answer = describe(exception);
+    }
     return 0;
   });
   refuseViolation();
@@ -221,9 +231,14 @@ std::string Exercise::atEdges(const EdgeSet& edges, Faults* faults, bool lastFir
     noteStep(member_.name + " while one is made and goes again");
     return makeInstance(*member_.self, faults);
   }
-  Given given = values_.atEdges(member_, edges, lastFirst);
+  Given given;
+  try {
+    given = values_.atEdges(member_, edges, lastFirst);
+  } catch (const HostException& exception) {
+    return "cannot be called: an initializer " + describe(exception);
+  }
   std::string step = member_.name + " with " + given.text;
-  if (faults) {
+  if (faults && faults->n != 0) {
     step += std::string(" where ") + faults->source->name() + ", time " + std::to_string(faults->n) +
             (faults->onwards ? " and from then on" : "");
   }

@@ -69,6 +69,8 @@ REALstring lostText(std::int64_t number) {
   (void)number;
   return nullptr;
 }
+// What the compiler cannot see through, so that it leaves the allocations in.
+void* (*volatile allocate)(std::size_t) = std::malloc;
 std::mutex once;
 void leaveLocked(REALobject counter) {
   once.lock();
@@ -115,6 +117,34 @@ void endProcess(std::int64_t value) {
 }
 void crashAtSome(std::int64_t value) {
   if (value > std::int64_t{1} << 40 && (value & 7) == 5) std::abort();
+}
+// Where there is no memory.
+REALobject useWithoutLooking(std::int64_t value) {
+  auto* const memory = static_cast<volatile char*>(allocate(64));
+  memory[0] = static_cast<char>(value);
+  std::free(const_cast<char*>(memory));
+  return nullptr;
+}
+void stayLocked(std::int64_t) {
+  once.lock();
+  void* const memory = allocate(64);
+  if (!memory) return;
+  std::free(memory);
+  once.unlock();
+}
+REALobject leakWithoutMemory(std::int64_t) {
+  const REALobject made = newCounter();
+  void* const memory = allocate(64);
+  if (!memory) return nullptr;
+  std::free(memory);
+  return made;
+}
+std::int64_t otherwiseWithoutMemory(std::int64_t value) {
+  static bool failed = false;
+  void* const memory = allocate(64);
+  failed = failed || !memory;
+  std::free(memory);
+  return failed ? -7 : value;
 }
 void crashAtOnce(REALobject) { std::abort(); }
 
@@ -177,6 +207,10 @@ const std::map<std::string, REALmethodDefinition> faultyFunctions = {
     {"threads", method("Broken(number as Integer) as Integer", sharedByThreads)},
     {"result", method("Broken(number as Integer) as Counter", textForCounter)},
     {"exit", method("Broken(number as Integer)", endProcess)},
+    {"memory", method("Broken(number as Integer) as Counter", useWithoutLooking)},
+    {"memory and lock", method("Broken(number as Integer)", stayLocked)},
+    {"memory and leak", method("Broken(number as Integer) as Counter", leakWithoutMemory)},
+    {"memory and change", method("Broken(number as Integer) as Integer", otherwiseWithoutMemory)},
     {"random", method("Broken(number as Integer)", crashAtSome)},
 };
 
