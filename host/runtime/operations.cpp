@@ -148,13 +148,16 @@ bool setPropertyInteger(REALobject object, const char* name, RBInteger value) {
   return setProperty(object, name, Slot{.integer = value}, Kind::Int64);
 }
 
-// A property that the host reads itself, in the data of the class that declares it.
-bool readField(const Heap& object, const Property& property, void* out, std::size_t size) {
-  if (sizeOf(property.type) != size || property.type.isReference()) return false;
+// A number that the host reads itself, in the data of the class that declares the property.
+template <typename Value>
+bool readField(const Heap& object, const Property& property, Value* out) {
+  const bool fits = std::is_same_v<Value, double> ? property.type.isFloating()
+                                                  : std::is_integral_v<Value> && property.type.isInteger();
+  if (!fits || sizeOf(property.type) != sizeof *out) return false;
   const Class* declaring = object.objectClass;
   while (!findNamed(declaring->properties, property.name)) declaring = declaring->super;
   std::memcpy(out, reinterpret_cast<const std::byte*>(&object) + declaring->dataOffset + property.parameter,
-              size);
+              sizeof *out);
   return true;
 }
 
@@ -163,7 +166,7 @@ bool getProperty(REALobject object, const char* name, Value* out) {
   return orNothing([&]() -> bool {
     const PendingAside aside;
     if (const Property* property = propertyNamed(object, name)) {
-      if (property->field) return readField(*heapOf(object), *property, out, sizeof *out);
+      if (property->field) return readField(*heapOf(object), *property, out);
       const Slot arguments[] = {{.heap = heapOf(object)}, {.integer = property->parameter}};
       const Slot value = property->getter(arguments);
       std::memcpy(out, &value, sizeof *out);

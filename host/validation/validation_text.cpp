@@ -57,7 +57,8 @@ std::string textOf(const Validation& validation, const ValidationOptions& option
     text += fmt::format("{:<10} {:>6}  {:<10}  {}\n", check.name, validation.cases.at(check.name), found,
                         check.says);
   }
-  text += "\n" + file + ": " + counted(validation.records, "record", "records") + ", " +
+  text += "\n" + options.library.filename().string() + ": " +
+          counted(validation.records, "record", "records") + ", " +
           counted(validation.members, "member", "members") + ": ";
   return text +
          (validation.findings.empty() ? "no fault was found"

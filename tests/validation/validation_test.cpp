@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -145,6 +146,20 @@ TEST(Validation, WritesJsonForMachines) {
             std::string::npos)
       << outcome.output;
   EXPECT_NE(validate({"--json"}, "nothing").output.find("\"findings\": []\n}\n"), std::string::npos);
+}
+
+TEST(Validation, SaysWhatTheDocumentationShows) {
+  const std::string page = contentOf(std::filesystem::path(QTX_SOURCE_DIR) / "docs/host-programs.md");
+  const std::string opening = "```sh\n./qtx validate --only HypotQTX\n```\n```text\n";
+  const std::size_t start = page.find(opening);
+  ASSERT_NE(start, std::string::npos);
+  std::string shown = page.substr(start + opening.size());
+  shown.erase(shown.find("```"));
+  std::string said = validate({"--only", "HypotQTX"}).output;
+  if (const std::size_t extension = said.find("libqtx.dylib"); extension != std::string::npos) {
+    said.replace(extension, 12, "libqtx.so");
+  }
+  EXPECT_EQ(said, shown);
 }
 
 TEST(Validation, ShowsProgressOnATerminalAlone) {
