@@ -7,12 +7,14 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <mutex>
 #include <optional>
 #include <sstream>
+#include <thread>
 
 #include "command_line_pages.h"
 #include "language/language.h"
@@ -21,6 +23,7 @@
 #include "runtime/report.h"
 #include "runtime/settings.h"
 #include "runtime/thread.h"
+#include "validation/validation_text.h"
 
 namespace {
 
@@ -120,6 +123,20 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
   return failed ? programFailed : 0;
 }
 
+// "values 12/297", in one line of a terminal that is written over and over.
+void showProgress(const std::string& check, std::size_t done, std::size_t all) {
+  std::fprintf(stderr, "\r\x1B[K%s %zu/%zu", check.c_str(), done, all);
+}
+
+int validateLibrary(ValidationOptions options, bool asJson) {
+  const bool isTerminal = isatty(STDERR_FILENO) != 0;
+  if (isTerminal) options.progress = showProgress;
+  const Validation validation = validate(options);
+  if (isTerminal) std::fputs("\r\x1B[K", stderr);
+  std::fputs((asJson ? jsonOf(validation, options) : textOf(validation, options)).c_str(), stdout);
+  return validation.findings.empty() ? 0 : programFailed;
+}
+
 int runCommandLine(int argc, char** argv) {
   CLI::App app{"Runs programs in the host's language against a plug-in library", "qtxhost"};
   app.require_subcommand(1);
@@ -171,6 +188,43 @@ int runCommandLine(int argc, char** argv) {
   replCommand->add_flag("--trace", trace, "Turns the library's tracing on");
   CLI::App* listCommand = app.add_subcommand("list", "Lists the library's classes, members and functions");
   addCommon(listCommand);
+  CLI::App* validateCommand =
+      app.add_subcommand("validate", "Finds out whether a library keeps to the host's interface");
+  addCommon(validateCommand);
+  ValidationOptions validation;
+  bool asJson = false;
+  validation.jobs = std::max(1U, std::thread::hardware_concurrency());
+  std::vector<std::string> checkNames;
+  std::string checkTexts = "Each case runs in a process of its own. The checks:";
+  for (const CheckDescription& each : checkDescriptions()) {
+    checkNames.push_back(each.name);
+    checkTexts += std::string("\n  ") + each.name + std::string(11 - std::strlen(each.name), ' ') + each.says;
+  }
+  validateCommand->footer(checkTexts +
+                          "\nThe exit status is 1 if a fault is found.\n\nExamples:\n  qtxhost validate\n"
+                          "  qtxhost validate build/libmine.so --only Push --check refused");
+  validateCommand->add_option("LIBRARY", library, "The same as --library");
+  validateCommand
+      ->add_option("--only", validation.only, "A member, or a part of names of members; may be repeated")
+      ->expected(1)
+      ->take_all();
+  validateCommand->add_option("--check", validation.checks, "A check to make; may be repeated (default: all)")
+      ->expected(1)
+      ->take_all()
+      ->check(CLI::IsMember(checkNames));
+  validateCommand->add_option("--seed", validation.seed, "What random values begin with")
+      ->capture_default_str();
+  validateCommand->add_option("--rounds", validation.rounds, "How many rounds of random calls a member gets")
+      ->capture_default_str();
+  validateCommand->add_flag("--thorough", validation.thorough,
+                            "All values where some would do, which takes minutes");
+  validateCommand->add_option("--seconds", validation.seconds, "How long a case may take before it hangs")
+      ->capture_default_str()
+      ->check(CLI::PositiveNumber);
+  validateCommand->add_option("--jobs", validation.jobs,
+                              "How many cases run at once (default: a processor each)");
+  validateCommand->add_flag("--show-output", validation.shown, "Shows what the library prints");
+  validateCommand->add_flag("--json", asJson, "Writes the result as JSON");
   std::string shell;
   CLI::App* completionCommand =
       app.add_subcommand("completion", "Prints what completes the command line in a shell");
@@ -211,7 +265,12 @@ int runCommandLine(int argc, char** argv) {
     }
     settings().withheld.insert(name);
   }
-  loadLibrary(library.empty() ? findLibrary() : std::filesystem::path(library));
+  const std::filesystem::path chosen = library.empty() ? findLibrary() : std::filesystem::path(library);
+  if (validateCommand->parsed()) {
+    validation.library = chosen;
+    return validateLibrary(validation, asJson);
+  }
+  loadLibrary(chosen);
   registerBuiltins();
   if (trace) switchTracingOn();
   if (listCommand->parsed()) {

@@ -82,8 +82,13 @@ TEST(RandomDraws, DifferFromProcessToProcess) {
 }
 
 TEST(CommandLine, ShowsHelpForEverything) {
-  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{
-           {"--help"}, {"run", "--help"}, {"repl", "--help"}, {"list", "--help"}, {"completion", "--help"}}) {
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{"--help"},
+                                             {"run", "--help"},
+                                             {"repl", "--help"},
+                                             {"list", "--help"},
+                                             {"completion", "--help"},
+                                             {"validate", "--help"}}) {
     const Outcome help = qtxhost(arguments);
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.output.find(" [OPTIONS]"), std::string::npos);  // in the line that shows the usage

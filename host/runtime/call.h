@@ -34,11 +34,18 @@ class Call {
   // type. A reference result is owned by the caller. Throws HostException when the function left an exception
   // pending (its result is released first).
   Slot operator()(std::span<const Slot> arguments) const {
-    const Slot result = direct_ ? direct_(function_, arguments.data()) : indirectly(arguments);
+    const Slot result = enter(arguments);
     if (pendingException) [[unlikely]]
       throwPending(returnsThing_ ? result.heap : nullptr);
     return result;
   }
+
+  // The same, but an exception that the function left pending stays so, beside the result.
+  Slot enter(std::span<const Slot> arguments) const {
+    return direct_ ? direct_(function_, arguments.data()) : indirectly(arguments);
+  }
+
+  REALproc function() const { return function_; }
 
  private:
   struct Prepared;

@@ -9,6 +9,7 @@
 
 #include "runtime/host_classes.h"
 #include "runtime/object.h"
+#include "runtime/settings.h"
 #include "runtime/text.h"
 
 namespace host {
@@ -53,6 +54,45 @@ TEST(LiveThings, MayGoOnAnotherThreadThanTheyCameFrom) {
   EXPECT_EQ(alive(), "0 ");
   made.clear();
   EXPECT_EQ(alive(), "");
+}
+
+std::string misused() {
+  std::string all;
+  forEachMisused(
+      [&](const Heap& thing) { all += std::string(bytesOf(static_cast<const Text*>(&thing))) + " "; });
+  return all;
+}
+
+TEST(DestroyedThings, AreKeptOnRequestAndTellWhetherTheyAreUsed) {
+  startRuntime();
+  settings().keepsMemory = true;
+  Heap* const left = makeText("left alone").detach();
+  Heap* const dropped = makeText("dropped").detach();
+  Heap* const revived = makeText("revived").detach();
+  for (Heap* each : {left, dropped, revived}) {
+    EXPECT_TRUE(isAlive(*each));
+    release(each);
+    EXPECT_FALSE(isAlive(*each));
+  }
+  EXPECT_EQ(alive(), "");
+  EXPECT_EQ(misused(), "");
+  release(dropped);
+  EXPECT_EQ(misused(), "dropped ");
+  retain(revived);
+  release(revived);
+  EXPECT_EQ(misused(), "dropped revived ");
+}
+
+TEST(DestroyedThings, AreNoneOnAHostThatCannotAddReferences) {
+  startRuntime();
+  settings().keepsMemory = true;
+  EXPECT_TRUE(destroysAnything());
+  settings().withheld = {"REALLockString"};
+  EXPECT_FALSE(destroysAnything());
+  Heap* const text = makeText("stays").detach();
+  release(text);
+  EXPECT_TRUE(isAlive(*text));
+  EXPECT_EQ(alive(), "stays ");
 }
 
 }  // namespace
