@@ -409,6 +409,7 @@ const AskedRow askedRows[] = {
     {encoding::utf8, "", {asUTF8, asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
     {encoding::ascii, "12", {}, {"lock", "encoding", "bytes", "length", "unlock"}},
     {encoding::ascii, "12", {asUTF8, asASCII, asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    {encoding::ascii, "12", {asASCII}, {"lock", "encoding", "bytes", "length", "unlock"}},
     {encoding::ascii, "\x80", {asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
     // Whether it is ASCII is looked up under a reference of its own.
     {encoding::utf8,
@@ -500,6 +501,19 @@ TEST(Text, IsEmptyWhereThereIsNoMemoryForOtherViews) {
     expectNoViews(host, encoding,
                   "QTX Debug: String is not zero terminated. Fixed.\nQTX Debug: Out of memory\n");
   }
+}
+
+// What the host throws while the bytes are looked at.
+TEST(Text, LeavesNothingBehindWhereTheHostThrows) {
+  FakeHost host;
+  host.offer(
+      "StringGetCString", +[](REALstring) -> const char* { throw 5; });
+  withString(host, "\x9A", encoding::none, [&](REALstring string) {
+    EXPECT_THROW(rbText{string}, int);  // looks the operations up
+    const long before = livingAllocations();
+    EXPECT_THROW(rbText{string}, int);
+    EXPECT_EQ(livingAllocations(), before);
+  });
 }
 
 TEST(Text, IsReadWhereItLiesWithoutMemory) {
