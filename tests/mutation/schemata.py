@@ -228,8 +228,10 @@ class Schemata:
         for copy, at, _ in places:
             begin, end = copy.result.rfind(b'\n', 0, at) + 1, copy.result.find(b'\n', at)
             line = copy.result[begin:end]
-            if self.restore([k for _, k in copy.declared if self.nameOf(copy, k) in re.findall(rb'\w+', line)]):
-                return
+            words = re.findall(rb'\w+', line)
+            for declaring in [copy, *self.copies.values()]:  # what stands in the same file is the likelier
+                if self.restore([k for _, k in declaring.declared if self.nameOf(declaring, k) in words]):
+                    return
             for first, _, group in copy.places:
                 if begin <= first < end:
                     self.leaveOut(group, constantWanted)
