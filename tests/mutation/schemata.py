@@ -5,6 +5,8 @@ from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
 
+NUMBERS = 4096  # more than the mutants of any file
+
 
 @dataclass
 class Mutant:
@@ -139,8 +141,11 @@ class Schemata:
 
     def __init__(self, texts, mutants, keywords, folder):
         self.texts, self.mutants, self.keywords, self.folder = texts, mutants, keywords, folder
-        for number, mutant in enumerate(mutants, 1):
-            mutant.number = number
+        # Each file has numbers of its own: a change in one leaves the copies of the others as they are.
+        following = {name: NUMBERS * i + 1 for i, name in enumerate(sorted(texts))}
+        for mutant in mutants:
+            mutant.number = following[mutant.file]
+            following[mutant.file] += 1
         self.constant = set()  # keywords that stay
 
     def write(self):
