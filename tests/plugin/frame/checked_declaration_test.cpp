@@ -253,6 +253,8 @@ TEST(PropertyRecord, LeavesAFieldToTheHost) {
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record.getter), UINTPTR_MAX);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record.setter), UINTPTR_MAX);
   EXPECT_EQ(record.parameter, 8);
+  EXPECT_STREQ(record.name, "second");
+  EXPECT_STREQ(record.type, "Integer");
 }
 
 }  // namespace
