@@ -318,6 +318,7 @@ TEST(AtomicQueue, GivesNilWhereTheHostMakesNoArrays) {
   fixture.host.withhold("RuntimeArrayCreateSingleDimBoundedArray");
   Queue queue(fixture, {1, 2});
   EXPECT_EQ(queue.array(), nullptr);
+  EXPECT_EQ(fixture.host.lookUps["PluginObjectArrayInsertProc"], 0) << "nothing is put into nil";
   EXPECT_EQ(queue.count(), 2);
 }
 

@@ -66,6 +66,13 @@ TEST(GuideTable, PassesOverLesserKnotsWhereverTheyLie) {
   }
 }
 
+// A bucket's number would not fit what it is computed in. The knots themselves are not looked at.
+TEST(GuideTable, IsNotFilledForMoreKnotsThanItCanCount) {
+  GuideTable guide;
+  guide.fill(nullptr, std::size_t{1} << 31, nullptr);
+  EXPECT_FALSE(guide.isFilled());
+}
+
 // Where it pays: most coordinates among spread knots lie within a window of the start.
 TEST(GuideTable, LeadsNearTheCoordinate) {
   Generator generator(8);
