@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
@@ -17,9 +18,12 @@
 #include "language/language.h"
 #include "runtime/library.h"
 #include "runtime/operations.h"
+#include "runtime/output.h"
 #include "runtime/report.h"
 #include "runtime/settings.h"
 #include "runtime/thread.h"
+#include "runtime/trap.h"
+#include "runtime/waiting.h"
 
 namespace {
 
@@ -93,10 +97,18 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
   const auto report = [&](const HostException& exception) {
     const std::lock_guard lock(reporting);
     failed = true;
-    std::fflush(stdout);
+    flushOutput();
     std::fputs(describe(exception).c_str(), stderr);
   };
   setUncaughtHandler(report);
+  const auto reportEnd = [&](const char* what, const std::string& places) {
+    const std::lock_guard lock(reporting);
+    failed = true;
+    flushOutput();
+    std::fprintf(stderr, "%s: %s\n%s", name.c_str(), what, places.c_str());
+  };
+  setDeadlockHandler([&](const std::string& places) { reportEnd(Deadlock().what(), places); });
+  handleSignals();
   try {
     const Program program(name, text, steps);
     try {
@@ -104,10 +116,8 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
     } catch (const HostException& exception) {
       report(exception);
     } catch (const OutOfSteps& end) {
-      const std::lock_guard lock(reporting);
-      failed = true;
-      std::fflush(stdout);
-      std::fprintf(stderr, "%s: %s\n", name.c_str(), end.what());
+      reportEnd(end.what(), "");
+    } catch (const ProgramEnd&) {  // has been told, or will be
     }
     joinAll();
   } catch (const ProgramError& error) {
@@ -115,7 +125,11 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
                  error.what());
     return programFailed;
   }
-  std::fflush(stdout);
+  flushOutput();
+  if (const int failure = outputFailure()) {
+    std::fprintf(stderr, "qtxhost: standard output: %s\n", std::strerror(failure));
+    return couldNotRun;
+  }
   return failed ? programFailed : 0;
 }
 

@@ -38,7 +38,7 @@ Expr arrayOf(const Callee& callee, Exprs arguments) {
     Ref<Array> array = makeArray(type, 0);
     for (const Expr& value : values) {
       const Held held(*value, f);
-      array->insert(array->count(), held.slot);
+      array->append(held.slot);
     }
     return array;
   });

@@ -1,10 +1,9 @@
 // Statements as they run.
 #include "language/statements.h"
 
-#include <cstdio>
-
 #include "language/conversions.h"
 #include "runtime/exception.h"
+#include "runtime/output.h"
 #include "runtime/text.h"
 #include "runtime/thread.h"
 
@@ -75,9 +74,7 @@ Stmt returnValue(Position position, Expr value) {
 Stmt print(Position position, Expr value) {
   return statement(position, [value = displayed(std::move(value))](Frame& frame) {
     const Ref<Heap> text = value->reference(frame);
-    // Written in one piece, so that lines of several threads never mix.
-    const std::string line = utf8Of(static_cast<const Text*>(text.get())) + '\n';
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    print(utf8Of(static_cast<const Text*>(text.get())) + '\n');
   });
 }
 
@@ -124,10 +121,7 @@ Stmt addHandler(Position position, Expr object, const Sub& sub, Position subPosi
         retain(&started);
         argument.heap = &started;
       }
-      try {
-        callSub(sub, &argument);
-      } catch (const OutOfSteps&) {  // ends this thread; the others notice themselves
-      }
+      callSub(sub, &argument);
     });
   });
 }

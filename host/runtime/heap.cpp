@@ -83,15 +83,54 @@ Heap* allocate(const Class& objectClass, std::size_t size) {
   return thing;
 }
 
+namespace {
+
+// How deep the destruction of one thing leads to that of another on a thread's stack. What would lie deeper
+// is put in a list and comes when the stack is free again, so that a chain of any length can go.
+constexpr int deepestDestruction = 64;
+struct Destruction {
+  int depth = 0;
+  Heap* putOff = nullptr;  // the next one stands where its references were counted
+};
+constinit thread_local Destruction destruction;
+
+void destroyNow(Heap* thing) {
+  {
+    const struct Deeper {
+      Deeper() { ++destruction.depth; }
+      ~Deeper() { --destruction.depth; }
+    } here;
+    if (thing->objectClass->finalize) thing->objectClass->finalize(*thing);
+  }
+  thing->among->remove(thing);
+  std::free(thing);
+}
+
+void putOff(Heap* thing) {
+  thing->references.store(reinterpret_cast<std::intptr_t>(destruction.putOff), std::memory_order_relaxed);
+  destruction.putOff = thing;
+}
+Heap* takePutOff() {
+  Heap* const thing = destruction.putOff;
+  destruction.putOff = reinterpret_cast<Heap*>(
+      static_cast<std::intptr_t>(thing->references.exchange(0, std::memory_order_relaxed)));
+  return thing;
+}
+
+}  // namespace
+
 void destroy(Heap* thing) {
   // A library that cannot lock what it keeps holds on to it all the same: such a host never destroys
   // anything.
   static const bool destroys =
       !settings().withheld.contains("REALLockObject") && !settings().withheld.contains("REALLockString");
   if (!destroys) return;
-  if (thing->objectClass->finalize) thing->objectClass->finalize(*thing);
-  thing->among->remove(thing);
-  std::free(thing);
+  if (destruction.depth >= deepestDestruction) {
+    putOff(thing);
+    return;
+  }
+  destroyNow(thing);
+  while (destruction.depth == 0 && destruction.putOff) destroyNow(takePutOff());
 }
 
 void forEachLive(const std::function<void(const Heap&)>& visit) {
