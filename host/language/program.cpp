@@ -59,14 +59,16 @@ const char* stackLimit() {
 // While it lives, the frame is this thread's innermost call.
 class CallScope {
  public:
-  explicit CallScope(Frame& frame) {
-    frame.caller = runningCall;
-    if (runningCall) frame.depth = runningCall->depth + 1;
+  explicit CallScope(Frame& frame) : caller_(runningCall) {
+    frame.caller = caller_;
     runningCall = &frame;
   }
-  ~CallScope() { runningCall = runningCall->caller; }
+  ~CallScope() { runningCall = caller_; }
   CallScope(const CallScope&) = delete;
   CallScope& operator=(const CallScope&) = delete;
+
+ private:
+  const RunningCall* const caller_;
 };
 
 void runFrame(const std::string& file, Frame& frame, const Block& body, const char* name) {

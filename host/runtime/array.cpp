@@ -50,13 +50,14 @@ void move(Slot* to, const Slot* from, std::int64_t count) {
 void Array::setCount(std::int64_t newCount) {
   static_assert(sizeof(Heap) + sizeof(elementType) + sizeof(capacity) == publishedAt);
   elementCount.store(newCount, std::memory_order_release);
-  if (settings().otherArrayShape) return;
+  const Settings& chosen = settings();
+  if (chosen.otherArrayShape) return;
   const auto publish = [this](std::size_t offset, auto value) {
     storeRelaxed(*reinterpret_cast<decltype(value)*>(published + (offset - publishedAt)), value);
   };
   const auto upperBound = static_cast<std::int32_t>(newCount - 1);
   publish(arrayShape::storage, reinterpret_cast<std::uintptr_t>(memory()));
-  if (settings().version >= arrayShape::widerSinceHostVersion) {
+  if (chosen.version >= arrayShape::widerSinceHostVersion) {
     publish(arrayShape::dimensions, std::int64_t{1});
     publish(arrayShape::upperBoundSince2021, upperBound);
   } else {
@@ -128,8 +129,10 @@ void Array::set(std::int64_t index, Slot value) {
   release(old);
 }
 
-void Array::put(std::int64_t index, Slot value) {
+void Array::insert(std::int64_t index, Slot value) {
+  const Changing change(this);
   const std::int64_t known = count();
+  if (index != known) check(index);
   reserve(known + 1);
   if (elementType.isReference()) retain(value.heap);
   move(memory() + index + 1, memory() + index, known - index);
@@ -137,15 +140,13 @@ void Array::put(std::int64_t index, Slot value) {
   setCount(known + 1);
 }
 
-void Array::insert(std::int64_t index, Slot value) {
-  const Changing change(this);
-  if (index != count()) check(index);
-  put(index, value);
-}
-
 void Array::append(Slot value) {
   const Changing change(this);
-  put(count(), value);
+  const std::int64_t known = count();
+  if (known >= capacity) reserve(known + 1);
+  if (elementType.isReference()) retain(value.heap);
+  store(memory()[known], value);
+  setCount(known + 1);
 }
 
 Slot Array::take(std::int64_t index) {

@@ -39,7 +39,6 @@ struct Array : Heap {
   void setCount(std::int64_t newCount);
   void reserve(std::int64_t wanted);
   void check(std::int64_t index) const;
-  void put(std::int64_t index, Slot value);
   Slot take(std::int64_t index);
 };
 

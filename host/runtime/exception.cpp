@@ -15,12 +15,13 @@ ExceptionData& dataOf(const Object& exception) {
 
 Trace Trace::here() {
   Trace trace;
-  if (!runningCall) return trace;
-  const std::size_t depth = runningCall->depth;
+  std::size_t depth = 0;
+  for (const RunningCall* each = runningCall; each; each = each->caller) ++depth;
   if (depth > keptFirst + keptLast + 1) trace.skipped = depth - keptFirst - keptLast;
   trace.calls.reserve(depth - trace.skipped);
-  for (const RunningCall* each = runningCall; each; each = each->caller) {
-    const bool isLeftOut = trace.skipped != 0 && each->depth > keptLast && depth - each->depth >= keptFirst;
+  std::size_t passed = 0;
+  for (const RunningCall* each = runningCall; each; each = each->caller, ++passed) {
+    const bool isLeftOut = passed >= keptFirst && passed < keptFirst + trace.skipped;
     if (!isLeftOut) trace.calls.push_back({each->file, each->sub, each->line});
   }
   return trace;

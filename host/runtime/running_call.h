@@ -1,8 +1,6 @@
 // Where a thread's program is: for messages, and for whoever asks while a signal is handled.
 #pragma once
 
-#include <cstddef>
-
 namespace host {
 
 // A call of a Sub or Function, or the module level. Lives on the stack of the thread that runs it.
@@ -10,7 +8,6 @@ struct RunningCall {
   const char* file = "";
   const char* sub = "";  // empty: the module level
   int line = 0;          // of the statement being run
-  std::size_t depth = 1;
   const RunningCall* caller = nullptr;
 };
 
