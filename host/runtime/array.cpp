@@ -12,6 +12,7 @@
 
 #include "frame/host_interface.h"
 #include "runtime/class.h"
+#include "runtime/foreign_reads.h"
 #include "runtime/settings.h"
 #include "runtime/sharing.h"
 #include "runtime/throwing.h"
@@ -33,6 +34,13 @@ Slot* behind(void* head) { return reinterpret_cast<Slot*>(static_cast<Former*>(h
 
 Slot load(const Slot& from) { return Slot{.word = loadRelaxed(from.word)}; }
 void store(Slot& to, Slot value) { storeRelaxed(to.word, value.word); }
+
+// Gives back what has been in an array.
+void releaseTaken(Heap* taken) {
+  const auto drop = [](void* thing) { release(static_cast<Heap*>(thing)); };
+  if (taken && threadsShare() && keepsWhileRead(taken, drop)) return;
+  release(taken);
+}
 
 // Like std::memmove. Threads that read the elements meanwhile see some of them where they were.
 void move(Slot* to, const Slot* from, std::int64_t count) {
@@ -126,7 +134,7 @@ void Array::set(std::int64_t index, Slot value) {
     retain(value.heap);
     old = std::exchange(memory()[index].heap, value.heap);
   }
-  release(old);
+  releaseTaken(old);
 }
 
 void Array::insert(std::int64_t index, Slot value) {
@@ -159,8 +167,16 @@ Slot Array::take(std::int64_t index) {
 }
 
 Slot Array::pop() {
-  const Changing change(this);
-  return take(count() - 1);
+  Slot last;
+  {
+    const Changing change(this);
+    last = take(count() - 1);
+  }
+  if (elementType.isReference() && threadsShare()) {
+    retain(last.heap);
+    releaseTaken(last.heap);
+  }
+  return last;
 }
 
 void Array::remove(std::int64_t index) {
@@ -169,17 +185,21 @@ void Array::remove(std::int64_t index) {
     const Changing change(this);
     old = take(index);
   }
-  if (elementType.isReference()) release(old.heap);
+  if (elementType.isReference()) releaseTaken(old.heap);
 }
 
 void Array::resize(std::int64_t newCount) {
   newCount = std::max<std::int64_t>(newCount, 0);
-  std::vector<Ref<Heap>> dropped;  // given back when this thread is no longer alone with the array
+  struct Dropped : std::vector<Heap*> {
+    ~Dropped() {
+      for (Heap* each : *this) releaseTaken(each);
+    }
+  } dropped;  // given back when this thread is no longer alone with the array
   const Changing change(this);
   const std::int64_t known = count();
   if (elementType.isReference() && newCount < known) {
     dropped.reserve(static_cast<std::size_t>(known - newCount));
-    for (std::int64_t i = known; i > newCount; --i) dropped.push_back(Ref<Heap>::adopt(memory()[i - 1].heap));
+    for (std::int64_t i = known; i > newCount; --i) dropped.push_back(memory()[i - 1].heap);
   }
   reserve(newCount);
   for (std::int64_t i = known; i < newCount; ++i) store(memory()[i], Slot{});

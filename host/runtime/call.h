@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frame/host_interface.h"
+#include "runtime/sharing.h"
 #include "runtime/throwing.h"
 #include "runtime/value.h"
 
@@ -29,19 +30,26 @@ class Call {
   // type. A reference result is owned by the caller. Throws HostException when the function left an exception
   // pending (its result is released first).
   Slot operator()(std::span<const Slot> arguments) const {
+    if (readsReferences_ && threadsShare()) [[unlikely]]
+      return whileReading(arguments);
+    return run(arguments);
+  }
+
+ private:
+  struct Prepared;
+  Slot run(std::span<const Slot> arguments) const {
     const Slot result = direct_ ? direct_(function_, arguments.data()) : throughLibffi(arguments);
     if (pendingException) [[unlikely]]
       throwPending(returnsThing_ ? result.heap : nullptr);
     return result;
   }
-
- private:
-  struct Prepared;
+  Slot whileReading(std::span<const Slot> arguments) const;
   Slot throughLibffi(std::span<const Slot> arguments) const;
 
   REALproc function_ = nullptr;
   Slot (*direct_)(REALproc function, const Slot* arguments) = nullptr;  // for the frequent shapes; else null
   bool returnsThing_ = false;
+  bool readsReferences_ = false;              // is handed an array of them
   std::shared_ptr<const Prepared> prepared_;  // libffi keeps pointers into it
 };
 
