@@ -20,9 +20,12 @@
 #include "language/language.h"
 #include "runtime/library.h"
 #include "runtime/operations.h"
+#include "runtime/output.h"
 #include "runtime/report.h"
 #include "runtime/settings.h"
 #include "runtime/thread.h"
+#include "runtime/trap.h"
+#include "runtime/waiting.h"
 #include "validation/validation_text.h"
 
 namespace {
@@ -97,10 +100,18 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
   const auto report = [&](const HostException& exception) {
     const std::lock_guard lock(reporting);
     failed = true;
-    std::fflush(stdout);
+    flushOutput();
     std::fputs(describe(exception).c_str(), stderr);
   };
   setUncaughtHandler(report);
+  const auto reportEnd = [&](const char* what, const std::string& places) {
+    const std::lock_guard lock(reporting);
+    failed = true;
+    flushOutput();
+    std::fprintf(stderr, "%s: %s\n%s", name.c_str(), what, places.c_str());
+  };
+  setDeadlockHandler([&](const std::string& places) { reportEnd(Deadlock().what(), places); });
+  handleSignals();
   try {
     const Program program(name, text, steps);
     try {
@@ -108,10 +119,8 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
     } catch (const HostException& exception) {
       report(exception);
     } catch (const OutOfSteps& end) {
-      const std::lock_guard lock(reporting);
-      failed = true;
-      std::fflush(stdout);
-      std::fprintf(stderr, "%s: %s\n", name.c_str(), end.what());
+      reportEnd(end.what(), "");
+    } catch (const ProgramEnd&) {  // has been told, or will be
     }
     joinAll();
   } catch (const ProgramError& error) {
@@ -119,7 +128,11 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
                  error.what());
     return programFailed;
   }
-  std::fflush(stdout);
+  flushOutput();
+  if (const int failure = outputFailure()) {
+    std::fprintf(stderr, "qtxhost: standard output: %s\n", std::strerror(failure));
+    return couldNotRun;
+  }
   return failed ? programFailed : 0;
 }
 

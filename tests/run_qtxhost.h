@@ -24,4 +24,7 @@ Outcome runQtxhost(const std::vector<std::string>& arguments, const std::string&
 // output.
 Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::string& typed);
 
+// In a child process, whose standard streams are what they should be.
+[[noreturn]] void becomeQtxhost(const std::vector<std::string>& arguments);
+
 std::string contentOf(const std::filesystem::path& file);

@@ -33,7 +33,7 @@ bool runDestructor(const OwnClass& made, Heap& object) {
     callSub(*made.destruction->sub, &self);
   } catch (const HostException& exception) {  // whoever let go of the object has nothing to do with it
     reportUncaught(exception);
-  } catch (const OutOfSteps&) {  // the others notice themselves
+  } catch (const ProgramEnd&) {  // the others notice themselves
   }
   return object.references.fetch_sub(1, std::memory_order_acq_rel) == 1;
 }

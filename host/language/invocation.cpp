@@ -159,7 +159,7 @@ Expr listOf(Type element, Exprs values) {
     Ref<Array> array = makeArray(element, 0);
     for (const Expr& value : values) {
       const Held held(*value, f);
-      array->insert(array->count(), held.slot);
+      array->append(held.slot);
     }
     return array;
   });

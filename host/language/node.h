@@ -11,14 +11,14 @@
 
 #include "language/problem.h"
 #include "runtime/heap.h"
+#include "runtime/running_call.h"
 #include "runtime/value.h"
 
 namespace host {
 
 // One call of a Sub or Function, or the main program.
-struct Frame {
+struct Frame : RunningCall {
   Slot* locals = nullptr;
-  int line = 0;      // of the statement being run
   Slot result = {};  // owned, where it is a reference
 };
 

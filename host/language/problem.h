@@ -1,9 +1,10 @@
 // What is wrong with a program: with its text, and where; and that it takes too long.
 #pragma once
 
-#include <exception>
 #include <stdexcept>
 #include <string>
+
+#include "runtime/throwing.h"
 
 namespace host {
 
@@ -20,9 +21,8 @@ class ProgramError : public std::runtime_error {
   bool atEnd;  // the text is right as far as it goes; more lines may complete it
 };
 
-// Ends a program that has taken all the steps that it may. No exception of its language: it could catch that
-// and go on.
-class OutOfSteps final : public std::exception {
+// Ends a program that has taken all the steps that it may.
+class OutOfSteps final : public ProgramEnd {
  public:
   const char* what() const noexcept override { return "the program has taken all the steps that it may"; }
 };

@@ -5,8 +5,10 @@
 #include <pthread.h>
 
 #include <cstring>
+#include <utility>
 
 #include "runtime/thread.h"
+#include "runtime/trap.h"
 
 namespace host {
 
@@ -54,20 +56,29 @@ const char* stackLimit() {
   return limit;
 }
 
-std::string where(const std::string& file, const Frame& frame, const std::string& sub) {
-  return file + ":" + std::to_string(frame.line) + (sub.empty() ? "" : ": " + sub);
-}
+// While it lives, the frame is this thread's innermost call.
+class CallScope {
+ public:
+  explicit CallScope(Frame& frame) : caller_(runningCall) {
+    frame.caller = caller_;
+    runningCall = &frame;
+  }
+  ~CallScope() { runningCall = caller_; }
+  CallScope(const CallScope&) = delete;
+  CallScope& operator=(const CallScope&) = delete;
 
-void runFrame(const std::string& file, Frame& frame, const Block& body, const std::string& name) {
+ private:
+  const RunningCall* const caller_;
+};
+
+void runFrame(const std::string& file, Frame& frame, const Block& body, const char* name) {
+  frame.file = file.c_str();
+  frame.sub = name;
+  const CallScope scope(frame);
   try {
     body.run(frame);
-  } catch (HostException& exception) {
-    exception.trace.push_back(where(file, frame, name));
-    throw;
   } catch (const std::bad_alloc&) {
-    HostException exception("OutOfMemoryException", "There is not enough memory.");
-    exception.trace.push_back(where(file, frame, name));
-    throw exception;
+    throw HostException("OutOfMemoryException", "There is not enough memory.");
   }
 }
 
@@ -88,16 +99,15 @@ Slot callSub(const Sub& sub, const Slot* arguments) {
   for (std::size_t i = 0; i < given; ++i) locals[i] = arguments[i];
   const LocalsScope scope(locals, sub.locals);
   checkStack();
-  Frame frame;
+  struct CallFrame : Frame {
+    explicit CallFrame(Type ofResult) : type(ofResult) {}
+    ~CallFrame() { releaseSlot(result, type); }  // where an exception leaves it
+    const Type type;
+  } frame(sub.result);
   frame.locals = locals;
   frame.line = sub.position.line;
-  try {
-    runFrame(sub.file, frame, sub.body, sub.name);
-  } catch (...) {
-    releaseSlot(frame.result, sub.result);
-    throw;
-  }
-  return frame.result;
+  runFrame(sub.file, frame, sub.body, sub.name.c_str());
+  return std::exchange(frame.result, Slot{});
 }
 
 Call callOf(const Method& method) {
@@ -153,6 +163,7 @@ void runMain(const Main& main) {
   pthread_attr_setstacksize(&attributes, threadStackSize);
   pthread_t thread;
   const auto entry = [](void* argument) -> void* {
+    const AlternateStack forSignals;
     (*static_cast<decltype(body)*>(argument))();
     return nullptr;
   };

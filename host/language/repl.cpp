@@ -8,6 +8,7 @@
 #include <string>
 
 #include "language/language.h"
+#include "runtime/output.h"
 #include "runtime/report.h"
 #include "runtime/thread.h"
 
@@ -70,13 +71,13 @@ void repl() {
   const std::string file = "input";
   Session session(file);
   Lines lines;
-  if (lines.isTerminal()) std::puts("Type :help for help.");
+  if (lines.isTerminal()) print("Type :help for help.\n");
   setUncaughtHandler([](const HostException& exception) { std::fputs(describe(exception).c_str(), stderr); });
   std::string pending;
   while (const std::optional<std::string> line = lines.next(!pending.empty())) {
     if (pending.empty() && line->starts_with(":")) {
       if (line->starts_with(":quit") || line->starts_with(":q\n")) break;
-      std::fputs(help, stdout);
+      print(help);
       continue;
     }
     pending += *line;
@@ -85,16 +86,20 @@ void repl() {
       pending.clear();
     } catch (const ProgramError& error) {
       if (error.atEnd) continue;  // the next line may complete it
-      std::fflush(stdout);
+      flushOutput();
       std::fprintf(stderr, "%s:%d:%d: error: %s\n", file.c_str(), error.position.line, error.position.column,
                    error.what());
       pending.clear();
     } catch (const HostException& exception) {
-      std::fflush(stdout);
+      flushOutput();
       std::fputs(describe(exception).c_str(), stderr);
       pending.clear();
+    } catch (const ProgramEnd& end) {
+      flushOutput();
+      std::fprintf(stderr, "%s: %s\n", file.c_str(), end.what());
+      pending.clear();
     }
-    std::fflush(stdout);
+    flushOutput();
   }
   joinAll();
 }

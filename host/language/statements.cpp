@@ -2,12 +2,12 @@
 #include "language/statements.h"
 
 #include <atomic>
-#include <cstdio>
 #include <mutex>
 
 #include "language/conversions.h"
 #include "language/fields.h"
 #include "runtime/exception.h"
+#include "runtime/output.h"
 #include "runtime/text.h"
 #include "runtime/thread.h"
 
@@ -78,9 +78,7 @@ Stmt returnValue(Position position, Expr value) {
 Stmt print(Position position, Expr value) {
   return statement(position, [value = displayed(std::move(value))](Frame& frame) {
     const Ref<Heap> text = value->reference(frame);
-    // Written in one piece, so that lines of several threads never mix.
-    const std::string line = utf8Of(static_cast<const Text*>(text.get())) + '\n';
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    print(utf8Of(static_cast<const Text*>(text.get())) + '\n');
   });
 }
 
@@ -125,10 +123,7 @@ Stmt addHandler(Position position, Expr object, const Method& handler, Expr self
     if (self) notNil({.heap = owner.get()});
     setRunHandler(static_cast<Object&>(*held), [&handler, owner](Object& started) {
       const Slot arguments[] = {{.heap = owner ? owner.get() : &started}, {.heap = &started}};
-      try {
-        handler.call(arguments);
-      } catch (const OutOfSteps&) {  // ends this thread; the others notice themselves
-      }
+      handler.call(arguments);
     });
   });
 }

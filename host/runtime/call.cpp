@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "runtime/foreign_reads.h"
+
 namespace host {
 
 namespace {
@@ -149,6 +151,7 @@ Call::Call(REALproc callee, const std::vector<Passing>& arguments, Type result) 
   auto prepared = std::make_shared<Prepared>();
   for (const Passing& each : arguments) {
     prepared->types.push_back(each.byRef ? &ffi_type_pointer : ffiTypeOf(each.type));
+    readsReferences_ = readsReferences_ || (each.type.array && each.type.element().isReference());
   }
   prepared->result = result;
   ffi_prep_cif(&prepared->interface, FFI_DEFAULT_ABI, static_cast<unsigned>(prepared->types.size()),
@@ -156,6 +159,11 @@ Call::Call(REALproc callee, const std::vector<Passing>& arguments, Type result) 
   direct_ = directFor(ffiTypeOf(result), result == Type{Kind::Boolean}, prepared->types);
   returnsThing_ = result.isReference();
   prepared_ = std::move(prepared);
+}
+
+Slot Call::whileReading(std::span<const Slot> arguments) const {
+  const ForeignReads reads;
+  return checked(arguments);
 }
 
 Slot Call::indirectly(std::span<const Slot> arguments) const {

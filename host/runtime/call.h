@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "frame/host_interface.h"
+#include "runtime/sharing.h"
 #include "runtime/throwing.h"
 #include "runtime/value.h"
 
@@ -34,10 +35,9 @@ class Call {
   // type. A reference result is owned by the caller. Throws HostException when the function left an exception
   // pending (its result is released first).
   Slot operator()(std::span<const Slot> arguments) const {
-    const Slot result = enter(arguments);
-    if (pendingException) [[unlikely]]
-      throwPending(returnsThing_ ? result.heap : nullptr);
-    return result;
+    if (readsReferences_ && threadsShare()) [[unlikely]]
+      return whileReading(arguments);
+    return checked(arguments);
   }
 
   // The same, but an exception that the function left pending stays so, beside the result.
@@ -49,6 +49,13 @@ class Call {
 
  private:
   struct Prepared;
+  Slot checked(std::span<const Slot> arguments) const {
+    const Slot result = enter(arguments);
+    if (pendingException) [[unlikely]]
+      throwPending(returnsThing_ ? result.heap : nullptr);
+    return result;
+  }
+  Slot whileReading(std::span<const Slot> arguments) const;
   Slot indirectly(std::span<const Slot> arguments) const;
 
   REALproc function_ = nullptr;
@@ -56,6 +63,7 @@ class Call {
   Run run_ = nullptr;
   const void* own_ = nullptr;
   bool returnsThing_ = false;
+  bool readsReferences_ = false;              // is handed an array of them
   std::shared_ptr<const Prepared> prepared_;  // libffi keeps pointers into it
 };
 

@@ -113,24 +113,39 @@ Heap* allocate(const Class& objectClass, std::size_t size) {
 
 namespace {
 
-// Things that wait to be destroyed, each with the next one in place of its count.
-void wait(Heap*& first, Heap* thing) {
-  thing->references.store(reinterpret_cast<std::int64_t>(first), std::memory_order_relaxed);
-  first = thing;
-}
-Heap* nextOf(Heap*& first) {
-  Heap* const thing = first;
-  first = reinterpret_cast<Heap*>(thing->references.exchange(0, std::memory_order_relaxed));
-  return thing;
-}
+// How deep the destruction of one thing leads to that of another on a thread's stack. What would lie deeper
+// is put in a list and comes when the stack is free again, so that a chain of any length can go.
+constexpr int deepestDestruction = 64;
+struct Destruction {
+  int depth = 0;
+  Heap* putOff = nullptr;  // the next one stands where its references were counted
+};
+constinit thread_local Destruction destruction;
 
-void finish(Heap* thing) {
+void destroyNow(Heap* thing) {
+  {
+    const struct Deeper {
+      Deeper() { ++destruction.depth; }
+      ~Deeper() { --destruction.depth; }
+    } here;
+    if (thing->objectClass->finalize) thing->objectClass->finalize(*thing);
+  }
   const bool keepsMemory = settings().keepsMemory;
-  if (thing->objectClass->finalize) thing->objectClass->finalize(*thing);
   // Its finalizer has kept it; where memory is kept to be looked at, libraries' mistakes may look the same.
   if (!keepsMemory && thing->references.load(std::memory_order_relaxed) != 0) return;
   thing->among->remove(thing);
   keepsMemory ? keep(thing) : std::free(thing);
+}
+
+void putOff(Heap* thing) {
+  thing->references.store(reinterpret_cast<std::intptr_t>(destruction.putOff), std::memory_order_relaxed);
+  destruction.putOff = thing;
+}
+Heap* takePutOff() {
+  Heap* const thing = destruction.putOff;
+  destruction.putOff = reinterpret_cast<Heap*>(
+      static_cast<std::intptr_t>(thing->references.exchange(0, std::memory_order_relaxed)));
+  return thing;
 }
 
 }  // namespace
@@ -143,18 +158,12 @@ void destroy(Heap* thing) {
     thing->place = destroyedAgain;
     return;
   }
-  // What a thing holds goes with it, and so on: a chain of any length must not exhaust the stack.
-  constexpr int deepest = 50;
-  static thread_local int depth = 0;
-  static thread_local Heap* waiting = nullptr;
-  if (depth == deepest) {
-    wait(waiting, thing);
+  if (destruction.depth >= deepestDestruction) {
+    putOff(thing);
     return;
   }
-  ++depth;
-  finish(thing);
-  while (depth == 1 && waiting) finish(nextOf(waiting));
-  --depth;
+  destroyNow(thing);
+  while (destruction.depth == 0 && destruction.putOff) destroyNow(takePutOff());
 }
 
 void forEachLive(const std::function<void(const Heap&)>& visit) {

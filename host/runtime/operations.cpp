@@ -220,7 +220,7 @@ using DoubleGetter = double (*)(REALarrayDouble, RBInteger);
 using ObjectInserter = void (*)(REALarrayObject, RBInteger, REALobject);
 IntegerGetter integerGetter(REALarrayInteger) {
   return [](REALarrayInteger array, RBInteger index) {
-    return asPending([&] { return arrayOf(array)->at(index).integer; });
+    return asPending([&] { return arrayOf(array)->get(index).integer; });
   };
 }
 IntegerSetter integerSetter(REALarrayInteger) {
@@ -230,7 +230,7 @@ IntegerSetter integerSetter(REALarrayInteger) {
 }
 DoubleGetter doubleGetter(REALarrayDouble) {
   return [](REALarrayDouble array, RBInteger index) {
-    return asPending([&] { return arrayOf(array)->at(index).number; });
+    return asPending([&] { return arrayOf(array)->get(index).number; });
   };
 }
 ObjectInserter objectInserter(REALarrayObject) {

@@ -66,7 +66,7 @@ void eachHeld(const Heap& thing, Visit visit) {
   if (&type == hostClasses().array) {
     const auto& array = static_cast<const Array&>(thing);
     for (std::int64_t i = 0; array.elementType.isReference() && i < array.count(); ++i) {
-      if (const Heap* held = array.at(i).heap) visit(*held);
+      if (const Heap* held = array.elements.load()[i].heap) visit(*held);
     }
     return;
   }
@@ -126,12 +126,19 @@ LeakReport leakReport(const std::set<std::string>& kept) {
 }
 
 std::string describe(const HostException& exception) {
-  std::string place = exception.trace.empty() ? "" : exception.trace.front();
-  // "file:line: Sub": the first line names the place alone.
-  if (const std::size_t sub = place.find(": "); sub != std::string::npos) place.erase(sub);
-  std::string text = place.empty() ? "" : place + ": ";
+  const Trace& trace = exception.trace;
+  const auto place = [](const Trace::Call& call) {
+    return std::string(call.file) + ":" + std::to_string(call.line);
+  };
+  std::string text = trace.calls.empty() ? "" : place(trace.calls.front()) + ": ";
   text += exception.exception->objectClass->name + ": " + messageOf(*exception.exception) + "\n";
-  for (const std::string& each : exception.trace) text += "  at " + each + "\n";
+  for (std::size_t i = 0; i < trace.calls.size(); ++i) {
+    if (trace.skipped != 0 && i == Trace::keptFirst) {
+      text += "  ... " + std::to_string(trace.skipped) + " calls more ...\n";
+    }
+    const Trace::Call& each = trace.calls[i];
+    text += "  at " + place(each) + (*each.sub ? std::string(": ") + each.sub : "") + "\n";
+  }
   return text;
 }
 

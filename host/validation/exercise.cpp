@@ -72,7 +72,7 @@ std::string describe(Slot slot, Type type, int depth) {
     if (!array) return "nil";
     std::string text = "(" + std::to_string(array->count());
     for (std::int64_t i = 0; i < array->count() && i < 50; ++i) {
-      text += "," + describe(array->at(i), array->elementType, depth + 1);
+      text += "," + describe(array->elements.load()[i], array->elementType, depth + 1);
     }
     return text + ")";
   }

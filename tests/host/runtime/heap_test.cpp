@@ -7,6 +7,7 @@
 #include <thread>
 #include <vector>
 
+#include "runtime/array.h"
 #include "runtime/host_classes.h"
 #include "runtime/object.h"
 #include "runtime/settings.h"
@@ -93,6 +94,21 @@ TEST(DestroyedThings, AreNoneOnAHostThatCannotAddReferences) {
   release(text);
   EXPECT_TRUE(isAlive(*text));
   EXPECT_EQ(alive(), "stays ");
+}
+
+TEST(LiveThings, GoInAChainOfAnyLength) {
+  startRuntime();
+  for (const std::int64_t length : {63, 64, 65, 66, 500000}) {
+    Ref<> chain;
+    for (std::int64_t i = 0; i < length; ++i) {
+      Ref<Array> array = makeArray({Kind::Variant}, 2);
+      array->set(0, Slot{.heap = chain.get()});
+      array->set(1, Slot{.heap = makeObject(*hostClasses().date).get()});
+      chain = array;
+    }
+    chain = nullptr;
+    EXPECT_EQ(alive(), "");
+  }
 }
 
 }  // namespace

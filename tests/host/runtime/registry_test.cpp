@@ -177,7 +177,7 @@ TEST(LeakReport, NamesWhatIsAlive) {
 TEST(Describe, NamesPlaceClassMessageAndCalls) {
   startRuntime();
   HostException exception("OutOfBoundsException", "too far");
-  exception.trace = {"main.bas:12: Inner", "main.bas:30"};
+  exception.trace.calls = {{"main.bas", "Inner", 12}, {"main.bas", "", 30}};
   const HostException nowhere("OutOfBoundsException", "too far");
   EXPECT_EQ(describe(nowhere), "OutOfBoundsException: too far\n");
   EXPECT_EQ(describe(HostException("NoSuchException", "odd")), "RuntimeException: odd\n");
