@@ -55,10 +55,14 @@ CheckedLibrary loadChecked(const std::filesystem::path& file) {
   const EntryPoint entry = openLibrary(file);
   checks = &own;
   askedFor = &library.asked;
-  entry(&resolveChecked);
+  try {
+    entry(&resolveChecked);
+    own.finish();
+  } catch (...) {
+    own.findings.push_back({"REALPluginMain", check::records, "throw", "it lets a C++ exception out", ""});
+  }
   askedFor = nullptr;
   checks = nullptr;
-  own.finish();
   std::sort(library.asked.begin(), library.asked.end());
   library.asked.erase(std::unique(library.asked.begin(), library.asked.end()), library.asked.end());
   library.findings = std::move(own.findings);

@@ -248,6 +248,7 @@ std::string Exercise::atEdges(const EdgeSet& edges, Faults* faults, bool lastFir
 
 std::vector<std::string> Exercise::answers(const std::vector<EdgeSet>& sets, bool lastFirst) const {
   std::vector<std::string> all;
+  all.reserve(sets.size());
   for (const EdgeSet& each : sets) all.push_back(atEdges(each, nullptr, lastFirst));
   return all;
 }

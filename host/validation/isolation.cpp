@@ -14,8 +14,10 @@
 #include <cerrno>
 #include <chrono>
 #include <cstring>
+#include <ctime>
 #include <new>
 #include <stdexcept>
+#include <thread>
 
 #if defined(__linux__) && defined(__GNUC__)
 extern "C" void __gcov_dump() __attribute__((weak));
@@ -57,6 +59,31 @@ Notes* sharedNotes() {
 
 double secondsOf(const timeval& time) {
   return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+}
+// What the processes that were waited for have computed.
+double secondsOfChildren() {
+  rusage usage;
+  getrusage(RUSAGE_CHILDREN, &usage);
+  return secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime);
+}
+
+// Ends a process that was too late. True: it was computing, however slowly on a machine that has much to do,
+// and did not just wait.
+bool endBusy(pid_t process, double seconds) {
+  bool isBusy = false;
+#if !defined(__APPLE__)
+  clockid_t clock;
+  timespec earlier, later;
+  const bool isKnown = clock_getcpuclockid(process, &clock) == 0 && clock_gettime(clock, &earlier) == 0;
+  std::this_thread::sleep_for(std::chrono::milliseconds(300));
+  isBusy = isKnown && clock_gettime(clock, &later) == 0 &&
+           (later.tv_sec != earlier.tv_sec || later.tv_nsec - earlier.tv_nsec > 100'000);
+#endif
+  const double before = secondsOfChildren();
+  kill(process, SIGKILL);
+  while (waitpid(process, nullptr, 0) < 0 && errno == EINTR) {
+  }
+  return isBusy || secondsOfChildren() - before > seconds / 4;
 }
 
 }  // namespace
@@ -114,7 +141,6 @@ Ending inProcess(double seconds, bool shown, const std::function<std::string()>&
     if (found < 0 && errno == EINTR) continue;
     if (found <= 0) {
       ending.how = Ending::How::tooLate;
-      kill(child, SIGKILL);
       break;
     }
     char buffer[4096];
@@ -124,18 +150,19 @@ Ending inProcess(double seconds, bool shown, const std::function<std::string()>&
     ending.text.append(buffer, static_cast<std::size_t>(count));
   }
   close(ends[0]);
-  int status = 0;
-  rusage usage{};
-  while (wait4(child, &status, 0, &usage) < 0 && errno == EINTR) {
-  }
   if (ending.how == Ending::How::tooLate) {
-    ending.isBusy = secondsOf(usage.ru_utime) + secondsOf(usage.ru_stime) > seconds / 4;
-  } else if (WIFSIGNALED(status)) {
-    ending.how = Ending::How::bySignal;
-    ending.number = WTERMSIG(status);
-  } else if (WEXITSTATUS(status) != 0) {
-    ending.how = Ending::How::byItself;
-    ending.number = WEXITSTATUS(status);
+    ending.isBusy = endBusy(child, seconds);
+  } else {
+    int status = 0;
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    if (WIFSIGNALED(status)) {
+      ending.how = Ending::How::bySignal;
+      ending.number = WTERMSIG(status);
+    } else if (WEXITSTATUS(status) != 0) {
+      ending.how = Ending::How::byItself;
+      ending.number = WEXITSTATUS(status);
+    }
   }
   ending.step = own->step;
   ending.doing = own->doing;

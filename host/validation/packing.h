@@ -30,7 +30,7 @@ class Unpacking {
     const std::size_t size = std::stoul(std::string(rest_.substr(0, colon)));
     if (size > rest_.size() - colon - 1)
       throw std::runtime_error("what another process has said is incomplete");
-    const std::string text(rest_.substr(colon + 1, size));
+    std::string text(rest_.substr(colon + 1, size));
     rest_.remove_prefix(colon + 1 + size);
     return text;
   }

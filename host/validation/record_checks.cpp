@@ -23,8 +23,8 @@ constexpr std::uint32_t known =
 
 // Beyond these, a record is taken for one that was read at a wrong place.
 constexpr std::size_t mostMembers = 100'000, mostData = std::size_t{1} << 24, longestName = 200;
-// Calls have room for so many arguments, the object and what a setter takes among them.
-constexpr std::size_t mostParameters = 24;
+// Calls have room for 32 arguments: besides these the object, and what a setter takes, or fills registers.
+constexpr std::size_t mostParameters = 20;
 
 const REALproc asField = reinterpret_cast<REALproc>(~std::uintptr_t{0});
 

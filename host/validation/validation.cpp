@@ -53,7 +53,27 @@ bool containsName(const std::string& text, const std::string& part) {
   return std::search(text.begin(), text.end(), part.begin(), part.end(), same) != text.end();
 }
 
-std::string quoted(const std::string& text) { return "'" + text + "'"; }
+// For a shell.
+std::string quoted(const std::string& text) {
+  std::string all = "'";
+  for (const char c : text) all += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return all + "'";
+}
+
+// What a library gives may be any bytes.
+std::string printable(const std::string& text) {
+  std::string all;
+  for (const char c : text) {
+    if (c >= ' ' && c < '\x7F') {
+      all += c;
+    } else {
+      char code[8];
+      std::snprintf(code, sizeof code, "\\x%02X", static_cast<unsigned>(static_cast<unsigned char>(c)));
+      all += code;
+    }
+  }
+  return all;
+}
 
 // So many of them, from the first on and evenly spread.
 template <typename Item>
@@ -239,7 +259,7 @@ void Validator::runCase(Report& report, const std::string& where, const char* na
       }
       break;
   }
-  report.findings.push_back({where, name, fault, message + step, again});
+  report.findings.push_back({where, name, fault, printable(message + step), again});
 }
 
 void Validator::checkValues(Report& report, const Member& member) {
@@ -280,7 +300,12 @@ void Validator::checkRegisters(Report& report, const Member& member, const Knowl
   runCase(report, member.name, check::registers, "", againFor(member.name, check::registers), [&] {
     const auto callWithJunk = [&](const EdgeSet& set, std::int64_t junk, std::size_t numberCount) {
       std::vector<Passing> passed = member.passed();
-      Given given = values_->atEdges(member, set);
+      Given given;
+      try {
+        given = values_->atEdges(member, set);
+      } catch (const HostException&) {
+        return std::string();  // an initializer did
+      }
       const auto isNumber = [](const Passing& each) { return !each.byRef && each.type.isFloating(); };
       const auto numbersBefore =
           static_cast<std::size_t>(std::count_if(passed.begin(), passed.end(), isNumber));
@@ -378,8 +403,10 @@ void Validator::checkThreads(Report& report, const Member& member, const Knowled
             const std::vector<EdgeSet> sets = setsFor(member);
             const std::vector<std::string> expected = expectedOf(known);
             Exercise::untilNothingStays([&] {
-              onThreads(threadCount, [&](std::size_t) {
-                for (std::size_t i = 0; i < sets.size(); ++i) {
+              onThreads(threadCount, [&](std::size_t thread) {
+                // Each begins elsewhere, so that they call with different values at the same time.
+                for (std::size_t k = 0; k < sets.size(); ++k) {
+                  const std::size_t i = (k + thread * sets.size() / threadCount) % sets.size();
                   const std::string answer = exercise.atEdges(sets[i]);
                   if (!expected.empty() && answer != expected[i]) {
                     throw Failure{"changed", "it answers otherwise where other threads call it too: " +
@@ -448,14 +475,16 @@ std::vector<Report> Validator::runTasks(const char* title, const std::vector<Tas
     }
     workers.emplace_back(worker, std::move(out));
   }
-  std::size_t ended = 0;
+  std::size_t ended = 0, shown = SIZE_MAX;
   while (ended < workers.size()) {
     ended = 0;
     for (auto& [worker, out] : workers) {
       if (worker == 0 || waitpid(worker, nullptr, WNOHANG) == worker) worker = 0;
       if (worker == 0) ++ended;
     }
-    if (options_.progress) options_.progress(title, counters.done, tasks.size());
+    const std::size_t done = counters.done;
+    if (options_.progress && done != shown) options_.progress(title, done, tasks.size());
+    shown = done;
     if (ended < workers.size()) std::this_thread::sleep_for(std::chrono::milliseconds(5));
   }
   munmap(memory, sizeof(Counters));

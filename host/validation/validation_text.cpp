@@ -46,12 +46,10 @@ std::string textOf(const Validation& validation, const ValidationOptions& option
     if (!each.again.empty()) text += "    qtxhost validate " + file + " " + each.again + "\n";
   }
   if (!text.empty()) text += "\n";
-  std::size_t faulty = 0;
   for (const CheckDescription& check : checkDescriptions()) {
     if (!wasMade(check, validation)) continue;
     const auto faults = std::count_if(validation.findings.begin(), validation.findings.end(),
                                       [&](const Finding& each) { return each.check == check.name; });
-    faulty += static_cast<std::size_t>(faults);
     const std::string found =
         faults == 0 ? "no fault" : counted(static_cast<std::size_t>(faults), "fault", "faults");
     text += fmt::format("{:<10} {:>6}  {:<10}  {}\n", check.name, validation.cases.at(check.name), found,

@@ -103,9 +103,9 @@ REALobject leakWhereRefused(std::int64_t) {
   return made;
 }
 std::int64_t sharedByThreads(std::int64_t value) {
-  static volatile std::int64_t last;
+  static std::atomic<std::int64_t> last;
   last = value;
-  for (int i = 0; i < 50; ++i) sched_yield();
+  for (int i = 0; i < 3; ++i) sched_yield();
   return last;
 }
 REALobject textForCounter(std::int64_t) {
@@ -234,6 +234,7 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolv
   const char* named = std::getenv("QTX_BROKEN");
   const std::string fault = named ? named : "nothing";
   if (fault == "load") std::abort();
+  if (fault == "load and throw") throw std::out_of_range("no");
   const void* const version = resolver("REALGetRBVersion");
   if (fault == "load without an operation" && !version) std::abort();
   const double hostVersion = host<double>("REALGetRBVersion");
