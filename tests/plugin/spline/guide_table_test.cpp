@@ -73,6 +73,12 @@ TEST(GuideTable, IsNotFilledForMoreKnotsThanItCanCount) {
   EXPECT_FALSE(guide.isFilled());
 }
 
+TEST(GuideTable, IsNotFilledForLessThanAWindow) {
+  Generator generator(9);
+  EXPECT_FALSE(Table(hardKnots(Hard::even, GuideTable::window - 1, generator)).guide.isFilled());
+  EXPECT_TRUE(Table(hardKnots(Hard::even, GuideTable::window, generator)).guide.isFilled());
+}
+
 // Where it pays: most coordinates among spread knots lie within a window of the start.
 TEST(GuideTable, LeadsNearTheCoordinate) {
   Generator generator(8);
