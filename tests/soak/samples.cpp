@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <numeric>
 #include <optional>
 
 #include "runtime/array.h"
@@ -270,13 +269,13 @@ Samples::Samples(Worker& alone) {
       sample.expected = sample.answer(alone);
     }
   }
-  callAll(alone);
+  for (std::size_t part = 0; part < parts; ++part) callPart(part, alone);
 }
 Samples::~Samples() = default;
 
-void Samples::callAll(Worker& worker) const {
-  std::vector<std::size_t> order(all_.size());
-  std::iota(order.begin(), order.end(), std::size_t{0});
+void Samples::callPart(std::size_t part, Worker& worker) const {
+  std::vector<std::size_t> order;
+  for (std::size_t i = part % parts; i < all_.size(); i += parts) order.push_back(i);
   std::shuffle(order.begin(), order.end(), worker.random);
   for (const std::size_t each : order) {
     const Sample& sample = *all_[each];

@@ -15,8 +15,9 @@ class Samples {
   explicit Samples(Worker& alone);
   ~Samples();
 
-  // Calls all, in an order of the worker's own. Throws Loss.
-  void callAll(Worker& worker) const;
+  // Calls an eighth of them, another one each time, in an order of the worker's own. Throws Loss.
+  static constexpr std::size_t parts = threadCount;
+  void callPart(std::size_t part, Worker& worker) const;
 
  private:
   struct Sample;

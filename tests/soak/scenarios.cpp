@@ -364,7 +364,7 @@ class Steps {
   void smallValues() {
     const std::size_t i = worker_.below(2);
     const Names::Wide& wide = names_.wide[i];
-    const std::uint64_t value = worker_.below(16);
+    const std::uint64_t value = worker_.below(4) == 0 ? worker_.below(16) : 2;  // where the threads meet
     const bool isConstant = value < 3 && worker_.below(2) == 0;
     const auto result = Ref<>::adopt(
         isConstant
@@ -373,7 +373,7 @@ class Steps {
     require(result && worker_.call(*wide.low, {slotOf(result.get()), slotOf(none)}).word == value &&
                 worker_.call(*wide.high, {slotOf(result.get()), slotOf(none)}).word == 0,
             "a small value is another");
-    if (worker_.below(16) == 0) {
+    if (worker_.below(4) == 0) {
       require(worker_.call(*wide.data, {slotOf(result.get()), slotOf(none)}).pointer != nullptr,
               "Data is nil");
     }
@@ -382,7 +382,7 @@ class Steps {
   void draws() {
     const double drawn = worker_.call(names_.draw, {Slot{.number = 0}, Slot{.number = 1}}).number;
     require(drawn > -40 && drawn < 40, "a draw is out of range");
-    if (share_.draws.size() < 500) share_.draws.push_back(drawn);
+    if (share_.draws.size() < 10000) share_.draws.push_back(drawn);
   }
 
  private:
@@ -396,9 +396,15 @@ class Steps {
   const Names& names_ = names();
 };
 
+constexpr void (Steps::*all[])() = {&Steps::sums,    &Steps::tickets,     &Steps::exchanges, &Steps::bits,
+                                    &Steps::stored,  &Steps::flags,       &Steps::line,      &Steps::bag,
+                                    &Steps::emptied, &Steps::smallValues, &Steps::draws};
+
 }  // namespace
 
-Scenarios::Scenarios() : objects_(std::make_unique<Objects>()) {
+const std::size_t Scenarios::count = std::size(all);
+
+Scenarios::Scenarios(std::size_t round) : round_(round), objects_(std::make_unique<Objects>()) {
   for (auto& each : shares_) each = std::make_unique<Share>();
   for (const Ref<Object>& each : objects_->mask) {
     (*member(each->objectClass->name, "set LowValue").call)(
@@ -408,15 +414,11 @@ Scenarios::Scenarios() : objects_(std::make_unique<Objects>()) {
 Scenarios::~Scenarios() = default;
 
 void Scenarios::run(Worker& worker) {
-  static constexpr void (Steps::*all[])() = {
-      &Steps::sums, &Steps::tickets, &Steps::exchanges, &Steps::bits,        &Steps::stored, &Steps::flags,
-      &Steps::line, &Steps::bag,     &Steps::emptied,   &Steps::smallValues, &Steps::draws};
   Steps steps(worker, *objects_, *shares_[worker.index]);
-  for (const auto first : all) {
-    // In bursts, in which the threads meet, and mixed.
-    for (std::size_t i = worker.below(40); i > 0; --i) (steps.*first)();
-    for (std::size_t i = 20; i > 0; --i) (steps.*all[worker.below(std::size(all))])();
-  }
+  // Most of a round is spent on one, so that the threads meet in it; then mixed.
+  const auto chosen = all[round_ % std::size(all)];
+  for (int i = 0; i < 2000; ++i) (steps.*chosen)();
+  for (int i = 0; i < 200; ++i) (steps.*all[worker.below(std::size(all))])();
 }
 
 void Scenarios::check(Worker& alone) {

@@ -10,7 +10,8 @@ namespace soak {
 // For one round: made and checked while no other thread runs.
 class Scenarios {
  public:
-  Scenarios();
+  static const std::size_t count;
+  explicit Scenarios(std::size_t round);
   ~Scenarios();
 
   // Some steps of each, on a thread of the round. Throws Loss.
@@ -22,6 +23,7 @@ class Scenarios {
   struct Share;  // what one thread has done
 
  private:
+  std::size_t round_;
   std::unique_ptr<Objects> objects_;
   std::array<std::unique_ptr<Share>, threadCount> shares_;
 };

@@ -34,8 +34,7 @@ class Run {
   void all() {
     const bool shown = isatty(STDERR_FILENO) != 0;
     do {
-      round();
-      ++rounds_;
+      cycle();
       if (shown) {
         std::fprintf(stderr, "\r%lld of %lld s, %llu rounds, %llu million calls ", elapsed(),
                      static_cast<long long>(duration_.count()), static_cast<unsigned long long>(rounds_),
@@ -73,35 +72,45 @@ class Run {
   }
 
  private:
-  // Threads of its own each time: their ends are tried out too.
-  void round() {
+  // Each scenario has its round; all share their samples.
+  void cycle() {
     Worker& alone = *workers_[threadCount];
     {
       const Samples samples(alone);
-      Scenarios scenarios;
-      const auto end = Clock::now() + std::chrono::milliseconds(300);
-      std::atomic<std::size_t> running = threadCount;
-      std::vector<std::thread> threads;
-      for (std::size_t i = 0; i < threadCount; ++i) {
-        threads.emplace_back([&, &worker = *workers_[i]] {
-          try {
-            do {
-              scenarios.run(worker);
-              samples.callAll(worker);
-            } while (Clock::now() < end && !failure_.load());
-          } catch (...) {
-            const std::lock_guard lock(mutex_);
-            if (!failure_.exchange(true)) reason_ = std::current_exception();
-          }
-          running.fetch_sub(1);
-        });
+      for (std::size_t i = 0; i < Scenarios::count; ++i) {
+        Scenarios scenarios(i);
+        round(samples, scenarios);
+        scenarios.check(alone);
+        ++rounds_;
       }
-      waitFor(running);
-      for (std::thread& each : threads) each.join();
-      if (reason_) std::rethrow_exception(reason_);
-      scenarios.check(alone);
     }
     checkNothingLeft(alone);
+  }
+
+  // Threads of its own each time: their ends are tried out too.
+  void round(const Samples& samples, Scenarios& scenarios) {
+    const auto end = Clock::now() + std::chrono::milliseconds(100);
+    std::atomic<std::size_t> running = threadCount;
+    std::vector<std::thread> threads;
+    for (std::size_t i = 0; i < threadCount; ++i) {
+      threads.emplace_back([&, &worker = *workers_[i]] {
+        try {
+          // The threads begin with different parts: together they call all.
+          std::size_t part = worker.index;
+          do {
+            scenarios.run(worker);
+            samples.callPart(part++, worker);
+          } while (Clock::now() < end && !failure_.load());
+        } catch (...) {
+          const std::lock_guard lock(mutex_);
+          if (!failure_.exchange(true)) reason_ = std::current_exception();
+        }
+        running.fetch_sub(1);
+      });
+    }
+    waitFor(running);
+    for (std::thread& each : threads) each.join();
+    if (reason_) std::rethrow_exception(reason_);
   }
 
   // Ends the process where somebody waits for ever, since a thread cannot be ended.
