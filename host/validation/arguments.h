@@ -63,12 +63,11 @@ std::string describeVariables(const Given& given);
 // For each parameter that is chosen, the object first, which of its edges it gets; 0 is an ordinary value.
 using EdgeSet = std::vector<std::size_t>;
 
+// What makes values throws HostException where an initializer raises an exception.
 class ValueSource {
  public:
   // Objects get their values from members that are `usable`.
   ValueSource(const std::vector<Member>& members, const std::set<std::string>& usable);
-
-  // What makes values throws HostException where an initializer raises an exception.
 
   // All parameters at the same edge, from the ordinary one on; then each alone at each of its edges.
   std::vector<EdgeSet> commonEdges(const Member& member) const;

@@ -35,7 +35,7 @@ std::int64_t& dataOf(REALobject counter) {
 void makeCounter(REALobject self) { dataOf(self) = 1; }
 std::int64_t getCount(REALobject self, RBInteger) { return dataOf(self); }
 void setCount(REALobject self, RBInteger, std::int64_t value) { dataOf(self) = value; }
-std::int64_t plus(REALobject self, REALobject other) { return dataOf(self) + (other ? dataOf(other) : 0); }
+std::int64_t plus(REALobject self, REALobject other) { return dataOf(self) ^ (other ? dataOf(other) : 0); }
 REALobject next(REALobject self) {
   const REALobject made = newCounter();
   if (made) dataOf(made) = dataOf(self) ^ 1;
