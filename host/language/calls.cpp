@@ -29,7 +29,7 @@ int distanceOfAll(const Exprs& arguments, const Declaration& declaration) {
   const bool rest = takesRest(parameters);
   if ((arguments.size() > parameters.size() && !rest) || arguments.size() < declaration.requiredCount())
     return -1;
-  int total = 0;
+  int total = rest ? 1 : 0;  // one that takes just so many is nearer
   for (std::size_t i = 0; i < arguments.size(); ++i) {
     const bool further = rest && i + 1 >= parameters.size();
     const Parameter& parameter = further ? parameters.back() : parameters[i];
@@ -37,7 +37,7 @@ int distanceOfAll(const Exprs& arguments, const Declaration& declaration) {
                          ? distance(*arguments[i], parameter.type.element())
                          : distanceOfOne(*arguments[i], parameter);
     if (each < 0) return -1;
-    total += further ? each + 1 : each;  // one that takes just so many is nearer
+    total += each;
   }
   return total;
 }

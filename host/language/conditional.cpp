@@ -5,16 +5,16 @@
 
 namespace host {
 
-namespace {
-
-const Class* nearestOfBoth(const Class* one, const Class* other) {
-  if (!other) return nullptr;
+const Class* commonClass(const Class* one, const Class* other) {
+  if (!one || !other) return nullptr;
   if (one->isA(*other)) return other;
   for (; one; one = one->super) {
     if (other->isA(*one)) return one;
   }
   return nullptr;
 }
+
+namespace {
 
 Type commonType(const Expression& first, const Expression& second) {
   const Type one = first.type, other = second.type;
@@ -28,8 +28,7 @@ Type commonType(const Expression& first, const Expression& second) {
     return {one.isInteger() && other.isInteger() ? Kind::Int64 : Kind::Double};
   }
   if (isPlainObject(one) && isPlainObject(other)) {
-    return {Kind::Object, false,
-            one.objectClass ? nearestOfBoth(one.objectClass, other.objectClass) : nullptr};
+    return {Kind::Object, false, commonClass(one.objectClass, other.objectClass)};
   }
   return {Kind::Variant};
 }

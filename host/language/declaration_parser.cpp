@@ -108,7 +108,7 @@ void DeclarationParser::member(const std::string& where, Members& into) {
              (opens(Keyword::propertyWord) && !tokens_.is(Keyword::asWord, 1) &&
               tokens_.accept(Keyword::propertyWord)) ||
              (tokens_.peek().kind == TokenKind::word && !isReserved(tokens_.peek().keyword))) {
-    into.properties.push_back(property(given));
+    properties(given, into);
   } else {
     tokens_.failExpecting("a declaration or 'End " + where + "'");
   }
@@ -304,17 +304,19 @@ syntax::Class DeclarationParser::interface() {
 
 // Properties.
 
-syntax::Property DeclarationParser::property(const Modifiers& given) {
-  syntax::Property made;
-  made.modifiers = given;
-  made.stored = statements_.dimGroup();
-  if (made.stored.variables.size() != 1) {
-    tokens_.failHere("expected one variable; each has a line of its own here");
+void DeclarationParser::properties(const Modifiers& given, Members& into) {
+  syntax::Dim::Group group = statements_.dimGroup();
+  for (syntax::Dim::Variable& variable : group.variables) {
+    syntax::Property& made = into.properties.emplace_back();
+    made.modifiers = given;
+    made.name = variable.name;
+    made.type = group.type;
+    made.stored.type = group.type;
+    made.stored.variables.push_back(std::move(variable));
   }
-  made.name = made.stored.variables[0].name;
-  made.type = made.stored.type;
-  if (atAccessor()) accessors(made);
-  return made;
+  syntax::Property& last = into.properties.back();
+  last.stored.initial = std::move(group.initial);  // of several there is none
+  if (atAccessor()) accessors(last);
 }
 
 // Get or Set alone in the next line, which makes it a computed property.

@@ -32,7 +32,7 @@ class DeclarationParser {
   syntax::Class ofClass();
   void inherits(syntax::Class& made);
   syntax::Class interface();
-  syntax::Property property(const syntax::Modifiers& modifiers);
+  void properties(const syntax::Modifiers& modifiers, syntax::Members& into);
   bool atAccessor() const;
   void accessors(syntax::Property& computed);
 

@@ -123,7 +123,7 @@ class Declarer::Work {
   }
 
   void declareEnum(const syntax::Enum& parsed, Declarations& space) {
-    within(*space.outer, [&](Names& names) {
+    within(space, [&](Names& names) {  // a value may be computed from those before it
       Type type{Kind::Int64};
       if (parsed.type) type = names.typeOf(*parsed.type);
       if (!type.isInteger()) {

@@ -163,7 +163,12 @@ Expr ExpressionCompiler::compileNode(const syntax::New& made) {
   if (type.kind != Kind::Object || !type.objectClass) {
     fail(made.type.position, "expected a class after New, found " + nameOf(type));
   }
-  return newObject(*type.objectClass, made.type.position, arguments(&made.arguments));
+  const Class& objectClass = *type.objectClass;
+  if (objectClass.isInterface) fail(made.type.position, "an interface has no objects of its own");
+  Exprs given = arguments(&made.arguments);
+  if (objectClass.signature && given.size() == 1) return convertTo(std::move(given[0]), type, "the method");
+  checkConstructor(objectClass, made.type);
+  return newObject(objectClass, made.type.position, std::move(given));
 }
 
 Expr ExpressionCompiler::compileNode(const syntax::Parenthesised& parentheses) {
@@ -383,7 +388,11 @@ Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Na
     takesArguments = takesArguments || !method->declaration.parameters.empty();
   }
   const Arguments* given = links.peekArguments();
-  const bool indexed = !takesArguments && given && given->parenthesised && !given->values.empty();
+  const Method& first = *methods[0];
+  const bool hasElements =
+      !first.isOwn || first.declaration.result.array || isPlainObject(first.declaration.result);
+  const bool indexed =
+      !takesArguments && hasElements && given && given->parenthesised && !given->values.empty();
   Exprs compiled = indexed ? Exprs() : arguments(links.takeArguments());
   return callMethod(methods, calleeOf(name), std::move(object), std::move(compiled), links.resultUnused());
 }

@@ -42,6 +42,7 @@ class ExpressionCompiler {
   std::vector<const Method*> allowed(std::vector<const Method*> methods, const syntax::Name& name) const;
   const Declarations* spaceOf(const syntax::Chain& chain) const;
   Expr allButLast(const syntax::Chain& chain);
+  void checkConstructor(const Class& made, const syntax::Name& name) const;
   bool isConstantOfSpace(const syntax::Chain& chain) const;
   Expr elements(Expr value, Position start, const syntax::Arguments& indices);
   Expr viewAs(const Class& type, const syntax::Name& name, const syntax::Arguments& arguments);

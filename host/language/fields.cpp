@@ -65,6 +65,7 @@ class FieldPlace final : public Place {
     return object_.with(frame, [&](Heap& object) { return loadShared(slotIn(object, property_)); });
   }
   void put(Frame& frame, Slot owned) const override {
+    if (!type.isReference()) return putPlain(frame, owned);
     Held held(owned, type);
     object_.with(frame, [&](Heap& object) { storeField(slotIn(object, property_), type, held.detach()); });
   }
@@ -82,6 +83,11 @@ class FieldPlace final : public Place {
   }
 
  private:
+  void putPlain(Frame& frame, Slot value) const {
+    object_.with(frame, [&](Heap& object) {
+      __atomic_store_n(&slotIn(object, property_).word, value.word, __ATOMIC_RELAXED);
+    });
+  }
   Slot plain(Frame& frame) const {
     return object_.with(frame, [&](Heap& object) {
       return Slot{.word = __atomic_load_n(&slotIn(object, property_).word, __ATOMIC_RELAXED)};

@@ -68,16 +68,6 @@ Expr Declarations::value(const std::string& key) const {
 
 namespace {
 
-// What objects need that have outlived their program: those that hold each other, or that a library keeps.
-struct Outlived {
-  std::deque<Sub> subs;
-  std::deque<Method> methods;
-  std::deque<Global> globals;
-  std::deque<Declarations> spaces;
-  std::deque<OwnClass> classes;
-  std::unique_ptr<StepsLeft> stepsLeft;
-};
-
 bool anyIsAlive() {
   bool alive = false;
   forEachLive([&](const Heap& thing) { alive = alive || thing.objectClass->isOwn; });
@@ -91,9 +81,14 @@ ModuleNames::~ModuleNames() {
     if (global.type.isReference()) storeShared(global.slot, nullptr);
   }
   if (allClasses.empty() || !anyIsAlive()) return;
-  static auto* const outlived = new std::deque<Outlived>;  // until the process ends
-  outlived->push_back({std::move(allSubs), std::move(allMethods), std::move(allGlobals), std::move(allSpaces),
-                       std::move(allClasses), std::move(stepsLeft)});
+  // Objects that hold each other, or that a library keeps, stay what they are until the process ends; but
+  // there is nothing any more that could run.
+  static auto* const outlived = new std::deque<std::deque<OwnClass>>;
+  for (OwnClass& each : allClasses) {
+    each.destruction.reset();
+    each.declared = {};
+  }
+  outlived->push_back(std::move(allClasses));
 }
 
 void Names::checkFree(const syntax::Name& name) const {
@@ -220,8 +215,8 @@ std::vector<const Method*> Names::findSubs(const std::string& name) const {
   eachSpace([&](const Declarations& space) {
     const auto* found = findIn(space.subs, key);
     if (found && seesIn(space, key)) subs.insert(subs.end(), found->begin(), found->end());
-    // What several modules declare is overloaded.
-    return !subs.empty() && (space.outer != &module_ || inside(space));
+    // What several modules declare for everyone is overloaded.
+    return !subs.empty() && (!space.outer || inside(space));
   });
   return subs;
 }
@@ -321,6 +316,11 @@ std::vector<const Method*> Names::unchanging(const std::vector<const Method*>& m
   for (const Method* each : methods) {
     Method& copy = module_.allMethods.emplace_back(*each);
     copy.place = -1;
+    if (copy.assigning) {
+      Method& assigning = module_.allMethods.emplace_back(*copy.assigning);
+      assigning.place = -1;
+      copy.setter = callOf(assigning);
+    }
     copies.push_back(&copy);
   }
   return copies;
@@ -339,10 +339,13 @@ void Names::failUnknown(const syntax::Name& name) const {
   }
   eachSpace([&](const Declarations& space) {
     for (const auto& [key, value] : space.values) {
+      if (!seesIn(space, key)) continue;
       const auto* global = std::get_if<Global*>(&value);
       known.push_back(global ? (*global)->name : key);
     }
-    for (const auto& [key, subs] : space.subs) known.push_back(subs[0]->declaration.name);
+    for (const auto& [key, subs] : space.subs) {
+      if (seesIn(space, key)) known.push_back(subs[0]->declaration.name);
+    }
     for (const auto& [key, each] : space.spaces) known.push_back(each->name);
     return false;
   });

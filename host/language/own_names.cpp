@@ -166,6 +166,15 @@ std::vector<const Method*> ExpressionCompiler::allowed(std::vector<const Method*
   return methods;
 }
 
+// A class may keep its objects' making to itself.
+void ExpressionCompiler::checkConstructor(const Class& made, const Name& name) const {
+  for (const Class* each = &made; each && each->isOwn; each = each->super) {
+    std::vector<const Method*> own;
+    collectNamed(each->methods, "Constructor", own);
+    if (!own.empty()) return void(allowed(std::move(own), {"Constructor", name.position}));
+  }
+}
+
 // AddressOf name, AddressOf object.name, AddressOf module.name.
 Expr ExpressionCompiler::compileNode(const syntax::AddressOf& taken) {
   const auto* chain = std::get_if<syntax::Chain>(&taken.method->node);

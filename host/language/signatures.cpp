@@ -104,7 +104,10 @@ bool sameParameters(const Method& one, const Method& other) {
          std::equal(first.begin(), first.end(), second.begin(), second.end(), same);
 }
 
-void assignThrough(Method& method, const Method& assigning) { method.setter = assigning.call; }
+void assignThrough(Method& method, const Method& assigning) {
+  method.assigning = &assigning;
+  method.setter = assigning.call;
+}
 
 void pairAssigning(std::vector<const Method*>& methods, std::deque<Method>& among) {
   for (std::size_t i = 0; i < methods.size(); ++i) {
@@ -128,6 +131,7 @@ void pairAssigning(std::vector<const Method*>& methods, std::deque<Method>& amon
     method.declaration = wanted;
     method.declaration.result = value;
     method.sub = nullptr;
+    method.place = -1;
     method.assigns = false;
     method.call = unreadable();
     assignThrough(method, assigning);

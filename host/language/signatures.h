@@ -19,7 +19,7 @@ bool sameParameters(const Method& one, const Method& other);
 // A Sub with a parameter that Assigns is no method of its own: it is what runs where the Function with the
 // other parameters is assigned to. Where there is none, the method can be nothing but assigned to.
 void pairAssigning(std::vector<const Method*>& methods, std::deque<Method>& among);
-// The Method that has the two; either may be null.
+// The second runs where the first is assigned to.
 void assignThrough(Method& method, const Method& assigning);
 
 }  // namespace host

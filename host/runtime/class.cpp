@@ -47,6 +47,10 @@ const Property* Class::findSharedProperty(std::string_view propertyName) const {
 std::vector<const Method*> Class::findMethods(std::string_view methodName) const {
   std::vector<const Method*> found;
   for (const Class* each = this; each; each = each->super) collectNamed(each->methods, methodName, found);
+  for (const Class* each : isInterface ? interfaces : std::vector<const Class*>()) {
+    const std::vector<const Method*> more = each->findMethods(methodName);
+    found.insert(found.end(), more.begin(), more.end());
+  }
   return found;
 }
 std::vector<const Method*> Class::findSharedMethods(std::string_view methodName) const {

@@ -23,12 +23,13 @@ struct Method {
   Call setter;  // of an assignable method: the arguments, then the value; empty otherwise
   bool fromLibrary = false;
 
-  bool isOwn = false;            // of a program
-  bool assigns = false;          // runs where another method is assigned to
-  bool extends = false;          // called on the first argument as if it were a member
-  const Sub* sub = nullptr;      // what `call` runs; null: of an interface, or it is only assigned to
-  const Class* owner = nullptr;  // the class that declares it
-  std::ptrdiff_t place = -1;     // in the table of the object's class; none: it is what runs
+  bool isOwn = false;                 // of a program
+  bool assigns = false;               // runs where another method is assigned to
+  bool extends = false;               // called on the first argument as if it were a member
+  const Sub* sub = nullptr;           // what `call` runs; null: of an interface, or it is only assigned to
+  const Method* assigning = nullptr;  // what `setter` calls
+  const Class* owner = nullptr;       // the class that declares it
+  std::ptrdiff_t place = -1;          // in the table of the object's class; none: it is what runs
   Access access = Access::everyone;
 };
 
