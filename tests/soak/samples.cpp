@@ -164,8 +164,8 @@ struct History {
 };
 
 Ref<Heap> Arguments::object(const Class& of, Random& random, int depth) {
-  return History(of, random, depth).make([](const Member& step, std::span<const Slot> slots) {
-    (*step.call)(slots);
+  return History(of, random, depth).make([](const Member& step, std::span<const Slot> given) {
+    (*step.call)(given);
   });
 }
 
