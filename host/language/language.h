@@ -22,7 +22,7 @@ class Program {
   // where there is a limit. Throws ProgramError.
   Program(const std::string& file, std::string_view text, std::optional<std::int64_t> steps = {});
   ~Program();
-  void run() const;  // throws HostException, OutOfSteps
+  void run() const;  // throws HostException, ProgramEnd
 
  private:
   struct Parts;

@@ -47,7 +47,7 @@ struct Main {
 using StepsLeft = std::atomic<std::int64_t>;
 Stmt countStep(StepsLeft& left);  // throws OutOfSteps
 
-// Runs on a thread with a deep stack; throws HostException, OutOfSteps.
+// Runs on a thread with a deep stack; throws HostException, ProgramEnd.
 void runMain(const Main& main);
 // The same on this thread.
 void runHere(const Main& main);

@@ -33,7 +33,8 @@ Former* headOf(Slot* elements) { return elements ? reinterpret_cast<Former*>(ele
 Slot* behind(void* head) { return reinterpret_cast<Slot*>(static_cast<Former*>(head) + 1); }
 
 Slot load(const Slot& from) { return Slot{.word = loadRelaxed(from.word)}; }
-void store(Slot& to, Slot value) { storeRelaxed(to.word, value.word); }
+// Whoever finds a thing here, a library by a plain load, finds it complete.
+void store(Slot& to, Slot value) { __atomic_store_n(&to.word, value.word, __ATOMIC_RELEASE); }
 
 // Gives back what has been in an array.
 void releaseTaken(Heap* taken) {
@@ -61,7 +62,8 @@ void Array::setCount(std::int64_t newCount) {
   const Settings& chosen = settings();
   if (chosen.otherArrayShape) return;
   const auto publish = [this](std::size_t offset, auto value) {
-    storeRelaxed(*reinterpret_cast<decltype(value)*>(published + (offset - publishedAt)), value);
+    __atomic_store_n(reinterpret_cast<decltype(value)*>(published + (offset - publishedAt)), value,
+                     __ATOMIC_RELEASE);
   };
   const auto upperBound = static_cast<std::int32_t>(newCount - 1);
   publish(arrayShape::storage, reinterpret_cast<std::uintptr_t>(memory()));
@@ -102,10 +104,9 @@ void Array::reserve(std::int64_t wanted) {
   } else if (!head) {
     static_cast<Former*>(made)->former = nullptr;
   }
-  const Slot* const formerly = memory();
   elements.store(behind(made), std::memory_order_release);
   capacity = larger;
-  if (formerly != memory()) setCount(count());  // libraries look here for them
+  setCount(count());  // says where they are, before there are more
 }
 
 Slot Array::get(std::int64_t index) const {
@@ -132,7 +133,8 @@ void Array::set(std::int64_t index, Slot value) {
     const Changing change(this);
     check(index);
     retain(value.heap);
-    old = std::exchange(memory()[index].heap, value.heap);
+    old = load(memory()[index]).heap;
+    store(memory()[index], value);
   }
   releaseTaken(old);
 }

@@ -103,6 +103,7 @@ Value get(REALobject self, RBInteger offset) {
 template <typename Value>
 void set(REALobject self, RBInteger offset, Value value) {
   asPending([&] {
+    const Using use(&memoryIn(self));  // so that the bytes do not move meanwhile
     std::byte* to = locate(self, offset, sizeof(Value));
     std::byte bytes[sizeof(Value)];
     std::memcpy(bytes, &value, sizeof value);
@@ -126,6 +127,7 @@ REALstring getString(REALobject self, RBInteger offset, RBInteger length) {
 }
 void setString(REALobject self, RBInteger offset, RBInteger length, REALstring value) {
   asPending([&] {
+    const Using use(&memoryIn(self));
     std::byte* to = locate(self, offset, length);
     std::string bytes(bytesOf(reinterpret_cast<Text*>(value)));
     bytes.resize(static_cast<std::size_t>(length));
@@ -140,6 +142,7 @@ void fromString(REALobject self, REALstring value) {
     const std::string_view bytes = bytesOf(reinterpret_cast<Text*>(value));
     const auto size = static_cast<std::int64_t>(bytes.size());
     resize(memoryIn(self), size);
+    const Using use(&memoryIn(self));
     copyToShared(locate(self, 0, size), bytes.data(), bytes.size());
   });
 }

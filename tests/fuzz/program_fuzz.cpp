@@ -37,6 +37,8 @@ void withdrawMembers() {
       const bool doubles = each.name == "AtomicQueueQTX" && name == "Add";
       return namesAddress(method.declaration) || name == "Start" || name == "Join" || doubles;
     });
+    std::erase_if(each.sharedMethods,
+                  [](const Method& method) { return method.declaration.name == "Sleep"; });
     std::erase_if(each.properties,
                   [](const Property& property) { return property.type.kind == Kind::Pointer; });
   }
@@ -87,7 +89,7 @@ class SharedDeclarations {
         runHere(main);
       } catch (const HostException& exception) {
         describe(exception);
-      } catch (const OutOfSteps&) {
+      } catch (const ProgramEnd&) {
       }
       emptyContainers();
     });
