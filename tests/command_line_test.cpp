@@ -241,12 +241,12 @@ TEST(CommandLine, FindsTheLibraryWhereAnInstallationPutsIt) {
   if (!fs::exists(library)) library.replace_extension(".dylib");
   const fs::path folder = fs::temp_directory_path() / ("qtx-installed-" + std::to_string(getpid()));
   fs::create_directories(folder / "bin");
-  fs::create_directories(folder / "lib" / "qtx");
+  fs::create_directories(folder / "lib" / "qtx" / "plugins");
   fs::copy(program, folder / "bin");
   const std::string emulator = sizeof QTX_EMULATOR > 1 ? QTX_EMULATOR "|" : "";
   setenv("QTX_HOST_COMMAND", (emulator + (folder / "bin" / program.filename()).string()).c_str(), 1);
   const Outcome alone = qtxhost({"run", "-"}, "Print 1\n");
-  fs::create_symlink(library, folder / "lib" / "qtx" / library.filename());
+  fs::create_symlink(library, folder / "lib" / "qtx" / "plugins" / library.filename());
   const Outcome installed = qtxhost({"run", "-"}, "Print FacQTX(4)\n");
   unsetenv("QTX_HOST_COMMAND");
   fs::remove_all(folder);

@@ -197,7 +197,7 @@ void describe(std::string& answer, Slot value, Type type, Worker& worker) {
     answer += "nil";
   } else if (type.array) {
     const auto& array = static_cast<const Array&>(*value.heap);
-    for (std::int64_t i = 0; i < array.count(); ++i) append(answer, array.at(i).word);
+    for (std::int64_t i = 0; i < array.count(); ++i) append(answer, array.elements.load()[i].word);
   } else if (type.kind == Kind::String) {
     answer += bytesOf(static_cast<const Text*>(value.heap));
   } else if (type.kind == Kind::Object) {

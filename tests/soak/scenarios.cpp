@@ -387,7 +387,7 @@ class Steps {
 
  private:
   static void checkItems(const Array& array, const char* what) {
-    for (std::int64_t i = 0; i < array.count(); ++i) itemIn(array.at(i).heap, what);
+    for (std::int64_t i = 0; i < array.count(); ++i) itemIn(array.elements.load()[i].heap, what);
   }
 
   Worker& worker_;
@@ -474,7 +474,7 @@ void checkNothingLeft(Worker& alone) {
     // Whoever takes one gives back what others had to leave.
     for (const Member* each : wide.constants) release(alone.call(*each, std::span<const Slot>()).heap);
   }
-  const std::string left = leakReport({std::begin(wideClasses), std::end(wideClasses)});
+  const std::string left = leakReport({std::begin(wideClasses), std::end(wideClasses)}).leaks;
   require(left.empty(), "references are left:\n" + left);
   std::size_t small[2] = {};
   forEachLive([&](const Heap& thing) {
