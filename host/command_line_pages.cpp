@@ -136,7 +136,7 @@ std::string inQuotes(const std::string& text) {
 
 std::string forBash(const CLI::App& app) {
   std::ostringstream out;
-  const std::string name = app.get_name();
+  const std::string& name = app.get_name();
   std::vector<std::string> commands;
   for (const CLI::App* each : shownCommands(app)) commands.push_back(each->get_name());
   std::vector<Proposals> places = {proposalsOf(app, "")};

@@ -74,6 +74,12 @@ bool anyIsAlive() {
   return alive;
 }
 
+// The classes of objects that hold each other, or that a library keeps: until the process ends.
+std::deque<std::deque<OwnClass>>& outlived() {
+  static auto* const all = new std::deque<std::deque<OwnClass>>;
+  return *all;
+}
+
 }  // namespace
 
 ModuleNames::~ModuleNames() {
@@ -81,14 +87,12 @@ ModuleNames::~ModuleNames() {
     if (global.type.isReference()) storeShared(global.slot, nullptr);
   }
   if (allClasses.empty() || !anyIsAlive()) return;
-  // Objects that hold each other, or that a library keeps, stay what they are until the process ends; but
-  // there is nothing any more that could run.
-  static auto* const outlived = new std::deque<std::deque<OwnClass>>;
+  // Such objects stay what they are, but there is nothing any more that could run.
   for (OwnClass& each : allClasses) {
     each.destruction.reset();
     each.declared = {};
   }
-  outlived->push_back(std::move(allClasses));
+  outlived().push_back(std::move(allClasses));
 }
 
 void Names::checkFree(const syntax::Name& name) const {
