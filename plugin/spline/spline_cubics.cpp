@@ -173,8 +173,8 @@ __attribute__((target("avx512f,avx512dq,avx512vl"))) void computeCubicsByEights(
 }
 
 void computeCubics(const double* x, const double* y, std::size_t n, double* cubics) {
-  constexpr std::size_t many =
-      32;  // below, what is left over behind the last eight costs more than they gain
+  // Below, what is left over behind the last eight costs more than they gain.
+  constexpr std::size_t many = 32;
   if (n >= many && thisProcessor().hasWidestVectors) {
     computeCubicsByEights(x, y, n, cubics);
   } else if (thisProcessor().hasWideVectors) {
