@@ -1,3 +1,4 @@
+' takes: long
 ' When objects end, what keeps them, and what they do then.
 Class Node
   Property Next1 As Node
