@@ -134,7 +134,8 @@ def examples(sources):
         text = file.read_text()
         about = " ".join(line[2:] for line in text.split("\n\n")[0].split("'\n")[0].splitlines()
                          if not re.match(r"' \w+: ", line))
-        output = sources / "tests/examples" / (file.stem + ".out")
+        prints = re.search(r"^' prints: (.*)", text)
+        output = sources / (prints.group(1) if prints else f"tests/examples/{file.stem}.out")
         yield {"name": file.stem, "about": about, "program": text,
                "output": output.read_text() if output.exists() else None}
 

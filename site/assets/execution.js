@@ -3,6 +3,14 @@
 const runner = document.querySelector("meta[name=qtx-runner]")?.content;
 export const canRun = Boolean(runner);
 
+// Compiled once for all runs on this page; where that fails, each Worker tries it and says why.
+let compiled;
+async function compile() {
+  const file = await fetch(new URL("qtxhost.wasm", new URL(runner, document.baseURI)));
+  // Not streamed: not every server says what kind of file it is.
+  return file.ok ? WebAssembly.compile(await file.arrayBuffer()) : undefined;
+}
+
 export class Execution {
   // Calls told.output(text), told.error(text, line or null), and at the end told.ended(status), or told.broken(why) where
   // what runs programs could not be loaded or has itself failed.
@@ -21,7 +29,8 @@ export class Execution {
       this.stop();
       told.broken(event.message || "it could not be loaded");
     };
-    this.worker.postMessage({ program });
+    compiled ??= compile().catch(() => undefined);
+    compiled.then((module) => this.worker.postMessage(module ? { program, module } : { program }));
   }
 
   stop() {
