@@ -115,6 +115,9 @@ Statement StatementParser::statement() {
     case Keyword::finallyWord:
       tokens_.failHere("'" + token.text + "' has nothing that it belongs to");
     default:
+      if (token.kind == TokenKind::integer) {
+        tokens_.failHere("expected a statement; this host has no line numbers: leave them out");
+      }
       return simple();
   }
 }
