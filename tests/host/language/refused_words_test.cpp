@@ -41,6 +41,8 @@ TEST(RefusedWords, SayWhatThisHostHasInstead) {
 TEST(RefusedWords, SayThatLinesAreNotNumberedAndNoDirectives) {
   expectRefused({
       {"10 Print 1", "1:1 expected a statement; this host has no line numbers: leave them out"},
+      {"5", "1:1 expected a statement; this is a value that nothing is done with"},
+      {"5 Mod 2", "1:1 expected a statement; this is a value that nothing is done with"},
       {"If True Then\n20 Print 1\nEnd If",
        "2:1 expected a statement; this host has no line numbers: leave them out"},
       {"#If TargetMacOS Then",
@@ -64,7 +66,6 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
        "ClassName(v).Something"},
       {"Dim v As Variant\nPrint v.IsNull(1)",
        "2:9 wrong number of arguments for IsNull: found 2, expected IsNull(value as Variant) as Boolean"},
-      {"Dim v As Variant = 1\nv.Type", "2:1 a computed value is no statement"},
       {"Dim a() As CriticalSection\na.Sort",
        "2:1 Sort orders numbers, texts and Variants, not CriticalSection"},
       {"Dim a() As Ptr\na.Sort", "2:1 Sort orders numbers, texts and Variants, not Ptr"},
@@ -74,7 +75,7 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
       {"Dim a() As Integer\nPrint a.IndexOf(1, \"x\")", "2:20 expected Integer as the start, found String"},
       {"Dim d As New Dictionary\nFor Each k As Variant In d\nNext",
        "2:26 expected Variant() as what For Each goes through, found Dictionary"},
-      {"Dim d As New Dictionary\nPrint d.Get(1)", "2:9 Dictionary has no member 'Get'; did you mean 'Key'?"},
+      {"Dim d As New Dictionary\nPrint d.Get(1)", "2:9 Dictionary has no member 'Get'"},
   });
 }
 
