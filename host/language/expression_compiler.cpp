@@ -1,6 +1,7 @@
 // Expressions: which variable, Sub, class, module or function a name stands for, and which member follows.
 #include "language/expression_compiler.h"
 
+#include "language/absent_words.h"
 #include "language/arrays.h"
 #include "language/calls.h"
 #include "language/conditional.h"
@@ -284,6 +285,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
   if (const Property* shared = registry().findSharedProperty(name.text)) {
     return property(*shared, nullptr);
   }
+  if (!absent(name.text).empty()) names_.failUnknown(name);  // before what follows it is looked at
   Exprs given = arguments(links.takeArguments());
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
   names_.failUnknown(name);
@@ -315,8 +317,8 @@ Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Link
   }
   std::vector<std::string> known;
   for (const Method& method : type.sharedMethods) known.push_back(method.declaration.name);
-  fail(name.position,
-       "the class " + type.name + " has no shared member '" + name.text + "'" + suggestion(name.text, known));
+  fail(name.position, "the class " + type.name + " has no shared member '" + name.text + "'" +
+                          suggestion(name.text, known) + absent(type.name));
 }
 
 Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, Links& links) {
@@ -344,9 +346,9 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
   if (type.kind == Kind::Object && type.objectClass) {
     return memberOfObject(*type.objectClass, std::move(object), name, links);
   }
+  if (isVariant(type)) return memberOfVariant(std::move(object), name, links);
   const std::string unknown = "a " + nameOf(type) + " has no member '" + name.text + "'";
-  if (type.kind == Kind::Object || type.kind == Kind::Variant || type.kind == Kind::None ||
-      type.kind == Kind::Nil) {
+  if (type.kind == Kind::Object || type.kind == Kind::None || type.kind == Kind::Nil) {
     fail(name.position, unknown);
   }
   // s.Left(2) is Left(s, 2).
@@ -357,6 +359,25 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
   }
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
   fail(name.position, unknown);
+}
+
+// v.IntegerValue is Variant.IntegerValue(v).
+Expr ExpressionCompiler::memberOfVariant(Expr value, const Name& name, Links& links) {
+  const Class& words = *registry().findClass("Variant");
+  const std::vector<const Method*> methods = words.findSharedMethods(name.text);
+  if (methods.empty()) {
+    std::vector<std::string> known;
+    for (const Method& method : words.sharedMethods) known.push_back(method.declaration.name);
+    const std::string near = suggestion(name.text, known);
+    fail(name.position, "a Variant has no member '" + name.text + "'" +
+                            (near.empty() ? "; a member of what is in it follows a view of it, such as "
+                                            "ClassName(v)." +
+                                                name.text
+                                          : near));
+  }
+  Exprs given = arguments(links.takeArguments());
+  given.insert(given.begin(), std::move(value));
+  return callMethod(methods, calleeOf(name), nullptr, std::move(given), links.resultUnused());
 }
 
 Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Name& name, Links& links) {
@@ -380,7 +401,8 @@ Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Na
       for (const Method& method : each->methods) known.push_back(method.declaration.name);
       for (const Property& other : each->properties) known.push_back(other.name);
     }
-    fail(name.position, type.name + " has no member '" + name.text + "'" + suggestion(name.text, known));
+    fail(name.position,
+         type.name + " has no member '" + name.text + "'" + suggestion(name.text, known) + absent(type.name));
   }
   // An array that a method without parameters gives may be indexed at once.
   bool takesArguments = false;

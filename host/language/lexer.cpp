@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "language/absent_words.h"
 #include "runtime/class.h"
 
 namespace host {
@@ -276,7 +277,7 @@ class Lexer {
       at_ += each.spelling.size();
       return;
     }
-    fail(here(), std::string("unexpected character '") + peek() + "'");
+    fail(here(), std::string("unexpected character '") + peek() + "'" + absent(peek()));
   }
 
   std::string_view text_;
