@@ -219,6 +219,22 @@ TEST(ModifiedNormal, IsAlgorithmPDAtEveryBorderOfItsFirstSteps) {
   }
 }
 
+// So step S decides nothing but how soon a number is accepted, and may accept fewer.
+TEST(ModifiedNormal, AcceptsInStepQWhatStepSAccepts) {
+  for (const double mu : means) {
+    const AlgorithmPD reference{mu};
+    const double most = std::floor(mu - 1.1484);
+    for (double t = -6; t < 0; t += 0.001) {
+      const double k = std::floor(mu + reference.s * t);
+      if (k < 0 || k >= most) continue;
+      const double u = (mu - k) * (mu - k) * (mu - k) / (6 * mu * mu);
+      if (u < 1) {
+        ASSERT_TRUE(reference.isAccepted(k, u)) << mu << " " << k;
+      }
+    }
+  }
+}
+
 TEST(ModifiedNormal, IsAlgorithmPDAtEveryBorderOfItsLastSteps) {
   for (const double mu : means) {
     const AlgorithmPD reference{mu};
