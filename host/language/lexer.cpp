@@ -277,7 +277,7 @@ class Lexer {
       at_ += each.spelling.size();
       return;
     }
-    fail(here(), std::string("unexpected character '") + peek() + "'" + absent(peek()));
+    fail(here(), std::string("unexpected character '") + peek() + "'" + absentDirective(text_.substr(at_)));
   }
 
   std::string_view text_;
