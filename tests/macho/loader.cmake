@@ -1,4 +1,5 @@
 # The loader itself, for its tests and its fuzzer. entry_….S are for the two processors that the library is built for.
+set(CMAKE_ASM_COMPILER ${CMAKE_CXX_COMPILER})  # else the system's own, whose settings would take the place of Clang's
 enable_language(ASM)
 set(here ${CMAKE_CURRENT_LIST_DIR})
 add_library(macho_loader STATIC
