@@ -2,9 +2,9 @@
 // documentation.
 //
 // A program's first lines may carry "' options: …" (more options for qtxhost), "' exit: N", "' output:
-// varies" and "' takes: long". NAME.out beside it holds its standard output, which only a program whose
-// output varies goes without; NAME.err holds its standard error, which otherwise is empty where the exit
-// status is 0.
+// varies" and "' takes: long"; on a page also "' warns: …" where the compiler warns of it. NAME.out beside it
+// holds its standard output, which only a program whose output varies goes without; NAME.err holds its
+// standard error, which otherwise is empty where the exit status is 0.
 #pragma once
 
 #include <filesystem>
@@ -22,6 +22,7 @@ struct HostProgram {
   std::vector<std::string> options;
   int exitStatus = 0;
   bool takesLong = false;
+  bool warns = false;
 
   // To run it with qtxhost and more options of the test's own, leaks reported.
   std::vector<std::string> arguments(const std::vector<std::string>& more = {}) const;

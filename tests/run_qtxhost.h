@@ -20,8 +20,12 @@ constexpr const char* sanitizerOptions = "exitcode=99";
 Outcome runQtxhost(const std::vector<std::string>& arguments, const std::string& input,
                    const std::filesystem::path& folder);
 
-// With a terminal that somebody has typed all this on; what it shows, prompts and echo among it, is the
-// output.
-Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::string& typed);
+// What somebody types as soon as the terminal shows a text after what it showed before.
+struct Typed {
+  std::string after, keys;
+};
+
+// With a terminal of which all that it shows, prompts and echo among it, is the output.
+Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::vector<Typed>& typed);
 
 std::string contentOf(const std::filesystem::path& file);

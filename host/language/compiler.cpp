@@ -1,6 +1,7 @@
 // The passes: every Sub is declared before any body is compiled, so that each may use all of them.
 #include "language/compiler.h"
 
+#include "language/endings.h"
 #include "language/invocation.h"
 #include "language/parser.h"
 #include "language/spelling.h"
@@ -10,66 +11,89 @@ namespace host {
 
 namespace {
 
-void declareParameters(Sub& sub, const syntax::Sub& parsed, ModuleNames& module) {
+void declareParameter(Sub& sub, const syntax::Sub::Parameter& parsed, ModuleNames& module) {
+  for (const SubParameter& other : sub.parameters) {
+    if (lowerCase(other.name) == lowerCase(parsed.name.text)) {
+      fail(sub.position, "two parameters of " + sub.name + " are called " + parsed.name.text);
+    }
+  }
   std::vector<Type> none;
   Names names(module, none, false, false);
-  for (const syntax::Sub::Parameter& each : parsed.parameters) {
-    for (const SubParameter& other : sub.parameters) {
-      if (lowerCase(other.name) == lowerCase(each.name.text)) {
-        fail(sub.position, "two parameters of " + sub.name + " are called " + each.name.text);
-      }
-    }
-    SubParameter parameter{each.name.text, typeOf(each.type), each.byRef, std::nullopt};
-    if (each.defaultValue) {
-      const std::string what = "the default of " + parameter.name;
-      parameter.defaultValue =
-          ExpressionCompiler(names).constant(*each.defaultValue, parameter.type, what).first;
-    }
-    sub.parameters.push_back(std::move(parameter));
+  SubParameter parameter{parsed.name.text, typeOf(parsed.type), parsed.byRef, std::nullopt};
+  if (parsed.defaultValue) {
+    const std::string what = "the default of " + parameter.name;
+    parameter.defaultValue =
+        ExpressionCompiler(names).constant(*parsed.defaultValue, parameter.type, what).first;
   }
-  if (sub.parameters.size() > mostParameters) fail(sub.position, sub.name + " has too many parameters");
+  if (sub.parameters.size() == mostParameters) fail(sub.position, sub.name + " has too many parameters");
+  sub.parameters.push_back(std::move(parameter));
 }
 
-Sub& declareSub(const syntax::Sub& parsed, ModuleNames& module, bool mayRedeclare) {
+// What is wrong with the declaration keeps it from being called, and its body is compiled all the same.
+Sub& declareSub(const syntax::Sub& parsed, ModuleNames& module, bool mayRedeclare, Problems& problems) {
   const std::string& name = parsed.name.text;
-  if (!mayRedeclare && module.subs.contains(lowerCase(name))) {
-    fail(parsed.name.position, "there is another Sub or Function " + name + " already");
-  }
   Sub& sub = module.allSubs.emplace_back();
   sub.name = name;
   sub.file = module.file;
   sub.position = parsed.name.position;
-  declareParameters(sub, parsed, module);
-  if (parsed.result) sub.result = typeOf(*parsed.result);
-  module.subs[lowerCase(name)] = &sub;
+  bool fits = parsed.isRead;
+  fits &= problems.attempt([&] {
+    if (!mayRedeclare && module.subs.contains(lowerCase(name))) {
+      fail(parsed.name.position, "there is another Sub or Function " + name + " already");
+    }
+  });
+  for (const syntax::Sub::Parameter& each : parsed.parameters) {
+    if (problems.attempt([&] { declareParameter(sub, each, module); })) continue;
+    problems.expectUnknown(each.name.text);
+    fits = false;
+  }
+  const bool hasResult = problems.attempt([&] {
+    if (parsed.result) sub.result = typeOf(*parsed.result);
+  });
+  fits &= hasResult;
+  if (!parsed.isRead || !hasResult) sub.result = {Kind::Variant};  // which takes whatever is returned
+  if (fits) {
+    module.subs[lowerCase(name)] = &sub;
+  } else {
+    problems.expectUnknown(name);
+  }
   return sub;
 }
 
-void compileBody(Sub& sub, const syntax::Block& body, ModuleNames& module) {
+void compileBody(Sub& sub, const syntax::Sub& parsed, ModuleNames& module, Problems& problems) {
   Names names(module, sub.locals, false, false);
   for (const SubParameter& parameter : sub.parameters) names.declareParameter(parameter, sub.position);
-  sub.body = StatementCompiler(names, &sub, false).counted(body);
+  sub.body = StatementCompiler(names, &sub, false, problems).counted(parsed.body);
+  if (parsed.result && !endsAlways(parsed.body)) {
+    problems.addWarning(sub.position, sub.name + " can end without Return");
+  }
 }
 
-Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool interactive) {
+Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool interactive, Problems& problems) {
   std::vector<Sub*> subs;
-  for (const syntax::Sub& each : parsed.subs) subs.push_back(&declareSub(each, module, interactive));
+  for (const syntax::Sub& each : parsed.subs)
+    subs.push_back(&declareSub(each, module, interactive, problems));
   Main main;
   main.file = module.file;
   Names names(module, main.locals, true, interactive);
-  main.body = StatementCompiler(names, nullptr, interactive).block(parsed.main);
-  for (std::size_t i = 0; i < subs.size(); ++i) compileBody(*subs[i], parsed.subs[i].body, module);
+  main.body = StatementCompiler(names, nullptr, interactive, problems).block(parsed.main);
+  for (std::size_t i = 0; i < subs.size(); ++i) compileBody(*subs[i], parsed.subs[i], module, problems);
   return main;
 }
 
 }  // namespace
 
 Main compile(ModuleNames& module, std::string_view text, bool interactive) {
-  const syntax::Program parsed = parse(text, interactive);
+  Problems problems;
+  const syntax::Program parsed = parse(text, interactive, problems);
+  problems.startPass();
   const auto subs = module.subs;
   const auto values = module.values;
   try {
-    return compileParsed(parsed, module, interactive);
+    Main main = compileParsed(parsed, module, interactive, problems);
+    problems.throwIfAny();
+    module.warnings = problems.found();
+    return main;
   } catch (...) {  // what is wrong declares nothing
     module.subs = subs;
     module.values = values;

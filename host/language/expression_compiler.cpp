@@ -158,6 +158,8 @@ Exprs ExpressionCompiler::arguments(const Arguments* given) {
 
 // Operands and operators.
 
+Expr ExpressionCompiler::compileNode(const syntax::Unread&) { throw FollowsFromAnother({}); }
+
 Expr ExpressionCompiler::compileNode(const syntax::Literal& literal) {
   struct Maker {
     // A number beyond the signed range is unsigned.

@@ -34,6 +34,7 @@ class ExpressionCompiler {
   Expr pointerAccess(Expr pointer, const syntax::Name& name, Links& links);
   Exprs arguments(const syntax::Arguments* given);
 
+  [[noreturn]] Expr compileNode(const syntax::Unread& unread);
   Expr compileNode(const syntax::Literal& literal);
   Expr compileNode(const syntax::Name& name);
   Expr compileNode(const syntax::New& made);

@@ -3,7 +3,6 @@
 
 #include "language/arrays.h"
 #include "language/conversions.h"
-#include "runtime/array.h"
 #include "runtime/variant.h"
 
 namespace host {
@@ -34,14 +33,7 @@ Expr arrayOf(const Callee& callee, Exprs arguments) {
     type = each->type.isNumber() && type.isNumber() ? Type{Kind::Double} : Type{Kind::Variant};
   }
   for (Expr& each : arguments) each = convertTo(std::move(each), type, "an element");
-  return referenceNode(type.arrayOf(), [values = std::move(arguments), type](Frame& f) -> Ref<Heap> {
-    Ref<Array> array = makeArray(type, 0);
-    for (const Expr& value : values) {
-      const Held held(*value, f);
-      array->insert(array->count(), held.slot);
-    }
-    return array;
-  });
+  return std::make_unique<ArrayOfElements>(type, std::move(arguments));
 }
 
 constexpr std::size_t anyCount = 1000000;

@@ -28,7 +28,8 @@ Type typeOf(const syntax::TypeName& name) {
                                       "UInt16",  "UInt32",  "UInt64",  "Single", "Double", "Currency",
                                       "String",  "Boolean", "Variant", "Ptr",    "Byte",   "Object"};
     for (const Class& each : registry().classes) known.push_back(each.name);
-    fail(name.position, "unknown type '" + name.text + "'" + suggestion(name.text, known));
+    throw UnknownName(name.position, name.text,
+                      "unknown type '" + name.text + "'" + suggestion(name.text, known));
   }
   return name.array ? type->arrayOf() : *type;
 }
@@ -130,7 +131,8 @@ void Names::failUnknown(const syntax::Name& name) const {
     for (const Property& property : module.properties) known.push_back(property.name);
   }
   for (const Method& function : registry().functions) known.push_back(function.declaration.name);
-  fail(name.position, "unknown name '" + name.text + "'" + suggestion(name.text, known));
+  throw UnknownName(name.position, name.text,
+                    "unknown name '" + name.text + "'" + suggestion(name.text, known));
 }
 
 }  // namespace host

@@ -32,6 +32,7 @@ struct ModuleNames {
   std::deque<Sub> allSubs;
   std::deque<Global> allGlobals;
   std::unique_ptr<StepsLeft> stepsLeft;  // null: no limit
+  std::vector<Problem> warnings;         // of what was compiled last
 
   ModuleNames() = default;
   ~ModuleNames();

@@ -11,8 +11,8 @@ using namespace syntax;
 
 class Parser {
  public:
-  Parser(std::string_view text, bool interactive)
-      : tokens_(text), statements_(tokens_, depth_, expressions_, interactive) {}
+  Parser(std::string_view text, bool interactive, Problems& problems)
+      : tokens_(text, problems), statements_(tokens_, depth_, expressions_, interactive) {}
 
   Program program() {
     Program program;
@@ -21,7 +21,7 @@ class Parser {
       if (tokens_.is(Keyword::subWord) || tokens_.is(Keyword::functionWord)) {
         program.subs.push_back(sub());
       } else {
-        program.main.push_back(statements_.line());
+        statements_.lineInto(program.main);
       }
     }
     return program;
@@ -30,8 +30,19 @@ class Parser {
  private:
   Sub sub() {
     const bool isFunction = tokens_.is(Keyword::functionWord);
-    const std::string kind = tokens_.take().text;
     Sub sub;
+    const Position start = tokens_.peek().position;
+    const std::size_t place = tokens_.place();
+    sub.isRead = tokens_.problems.attempt([&] { declaration(sub, isFunction); });
+    if (!sub.isRead) tokens_.skipStatement(place);
+    const BlockEnd end{Keyword::endWord, isFunction ? Keyword::functionWord : Keyword::subWord};
+    const Nesting nesting(depth_, tokens_);
+    sub.body = statements_.body({isFunction ? Keyword::functionWord : Keyword::subWord, start}, end);
+    return sub;
+  }
+
+  void declaration(Sub& sub, bool isFunction) {
+    const std::string kind = tokens_.take().text;
     sub.name = tokens_.takeName("the name of the " + kind);
     if (tokens_.accept(Symbol::open) && !tokens_.accept(Symbol::close)) {
       do {
@@ -44,16 +55,6 @@ class Parser {
       sub.result = tokens_.takeType();
     }
     tokens_.expectLineEnd("after the declaration of " + sub.name.text);
-    const BlockEnd end{Keyword::endWord, isFunction ? Keyword::functionWord : Keyword::subWord};
-    const Nesting nesting(depth_, tokens_);
-    while (tokens_.skipLineEnds(), !statements_.accept(end)) {
-      if (tokens_.peek().kind == TokenKind::endOfText) {
-        throw ProgramError(sub.name.position,
-                           "the " + kind + " " + sub.name.text + " has no 'End " + kind + "'", true);
-      }
-      sub.body.push_back(statements_.line());
-    }
-    return sub;
   }
 
   Sub::Parameter parameter(const std::vector<Sub::Parameter>& before) {
@@ -83,6 +84,8 @@ class Parser {
 
 }  // namespace
 
-Program parse(std::string_view text, bool interactive) { return Parser(text, interactive).program(); }
+Program parse(std::string_view text, bool interactive, Problems& problems) {
+  return Parser(text, interactive, problems).program();
+}
 
 }  // namespace host

@@ -8,9 +8,10 @@ namespace host {
 class StatementCompiler {
  public:
   // `sub` is null at module level. `interactive`: expressions are printed.
-  StatementCompiler(Names& names, const Sub* sub, bool interactive)
-      : names_(names), expressions_(names), sub_(sub), interactive_(interactive) {}
+  StatementCompiler(Names& names, const Sub* sub, bool interactive, Problems& problems)
+      : names_(names), expressions_(names), sub_(sub), interactive_(interactive), problems_(problems) {}
 
+  // What is wrong goes to the problems, and the statements after it are compiled.
   Block block(const syntax::Block& statements);
   // What may run again and again, and is counted where the program's steps are.
   Block counted(const syntax::Block& statements);
@@ -23,6 +24,10 @@ class StatementCompiler {
   void compile(const syntax::Dim& dim, Position position, Block& block);
   void declare(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
                Block& block);
+  // The type of what is declared; where there is none, the name is expected to be unknown.
+  Type typeFor(const syntax::Name& name, const syntax::TypeName& type);
+  [[noreturn]] void failToAssign(const syntax::Expression& target, Position position);
+  static void warnOfOverwriting(const syntax::Assign& assign, Type target, Type value);
   void compile(const syntax::Const& constant, Position position, Block& block);
   void compile(const syntax::Assign& assign, Position position, Block& block);
   void compile(const syntax::Evaluate& evaluated, Position position, Block& block);
@@ -44,6 +49,7 @@ class StatementCompiler {
   ExpressionCompiler expressions_;
   const Sub* sub_;
   bool interactive_;
+  Problems& problems_;
   int loops_[3] = {};  // around the statement being compiled, by LoopKind
 };
 

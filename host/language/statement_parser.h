@@ -13,38 +13,59 @@ struct BlockEnd {
 };
 using BlockEnds = std::initializer_list<BlockEnd>;
 
+// The word that a block begins with.
+struct Opener {
+  Keyword word;
+  Position position;
+  std::string variable = "";  // of For, where its end may name it
+};
+
 class StatementParser {
  public:
   StatementParser(TokenReader& tokens, int& depth, ExpressionParser& expressions, bool interactive)
       : tokens_(tokens), depth_(depth), expressions_(expressions), interactive_(interactive) {}
 
-  syntax::Statement line();  // one or more statements may follow on it after a colon
-  bool accept(BlockEnd end);
+  // One more statement; others may follow on its line after a colon. What cannot be read is passed over.
+  void lineInto(syntax::Block& block);
+  // What stands before the end, and the end.
+  syntax::Block body(const Opener& opener, BlockEnd end);
 
  private:
+  syntax::Statement line();
   bool at(BlockEnd end) const;
-  // The statements before one of the ends, the first of which is the one that closes it.
-  syntax::Block block(BlockEnds ends);
+  bool atOneOf(const std::vector<BlockEnd>& ends) const;
+  bool accept(BlockEnd end);
+  // The statements before one of the ends, the first of which is the one that closes it. Where there is none
+  // of them it ends before what is no part of it.
+  syntax::Block block(const Opener& opener, BlockEnds ends);
+  bool atOuterEnd() const;
+  void reportMissing(const Opener& opener, BlockEnd end);
+  // Reads a part of a statement that others follow on further lines; whether it can be read.
+  template <typename Read>
+  bool part(Read read);
+  bool opensBlock(const Opener& opener) const;
   syntax::Block alone();  // one statement
   syntax::Statement statement();
   syntax::Statement simple();
   static bool isNamed(const syntax::Expression& expression);
   bool atBareArgument() const;
   std::optional<syntax::Expression> valueIfAny();
+  syntax::Print print();
   std::optional<syntax::TypeName> typeIfAny();
 
   // What follows the word that opens the statement.
   syntax::Dim dim();
   syntax::Dim::Group dimGroup();
   syntax::Const constant();
-  syntax::If ifElse();
-  syntax::Select select();
+  syntax::If ifElse(const Opener& opener);
+  syntax::Select select(const Opener& opener);
   syntax::Select::Test test();
-  syntax::For counting();
-  syntax::ForEach forEach();
-  syntax::Loop whileLoop();
-  syntax::Loop doLoop();
-  syntax::Try tryCatch();
+  syntax::For counting(Opener opener);
+  syntax::ForEach forEach(const Opener& opener);
+  void next(const Opener& opener);
+  syntax::Loop whileLoop(const Opener& opener);
+  syntax::Loop doLoop(const Opener& opener);
+  syntax::Try tryCatch(const Opener& opener);
   syntax::Jump jump();  // the word included
   syntax::AddHandler addHandler();
   syntax::ReDim reDim();
@@ -53,6 +74,11 @@ class StatementParser {
   int& depth_;
   ExpressionParser& expressions_;
   bool interactive_;
+  struct Open {
+    const Opener& opener;
+    std::vector<BlockEnd> ends;
+  };
+  std::vector<Open> open_;  // the blocks around what is being read
 };
 
 }  // namespace host

@@ -26,6 +26,7 @@ struct Expression;
 using Box = std::unique_ptr<Expression>;
 using Expressions = std::vector<Expression>;
 
+struct Unread {};  // what was refused by the parser
 struct NilLiteral {};
 struct Literal {
   std::variant<std::uint64_t, double, bool, std::string, NilLiteral> value;
@@ -73,7 +74,7 @@ struct Sequence {
 
 struct Expression {
   Position position;
-  std::variant<Literal, Name, New, Parenthesised, Negation, Not, Chain, Sequence> node;
+  std::variant<Unread, Literal, Name, New, Parenthesised, Negation, Not, Chain, Sequence> node;
 };
 
 struct Statement;
@@ -202,6 +203,7 @@ struct Sub {
   Name name;
   std::vector<Parameter> parameters;
   std::optional<TypeName> result;
+  bool isRead = true;  // all of the declaration
   Block body;
 };
 

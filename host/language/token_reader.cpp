@@ -45,6 +45,21 @@ void TokenReader::skipLineEnds() {
   while (peek().kind == TokenKind::endOfLine) take();
 }
 
+void TokenReader::skipStatement(std::size_t from) {
+  while (peek().kind != TokenKind::endOfLine && peek().kind != TokenKind::endOfText) take();
+  static constexpr Keyword declaring[] = {Keyword::dimWord,     Keyword::varWord,   Keyword::constWord,
+                                          Keyword::forWord,     Keyword::catchWord, Keyword::subWord,
+                                          Keyword::functionWord};
+  const auto declares = [&](const Token& word) {
+    return std::find(std::begin(declaring), std::end(declaring), word.keyword) != std::end(declaring);
+  };
+  if (!declares(tokens_[from]) && !(from > 0 && declares(tokens_[from - 1]))) return;
+  for (; from < at_; ++from) {
+    const Token& token = tokens_[from];
+    if (token.kind == TokenKind::word && token.keyword == Keyword::none) problems.expectUnknown(token.text);
+  }
+}
+
 syntax::Name TokenReader::takeName(const std::string& what) {
   if (peek().kind != TokenKind::word) failExpecting(what);
   if (isReserved(peek().keyword)) {
@@ -69,7 +84,13 @@ void TokenReader::failHere(const std::string& message) const {
 }
 
 void TokenReader::failExpecting(const std::string& what) const {
-  failHere("expected " + what + ", found " + describe(peek()));
+  std::string message = "expected " + what + ", found " + describe(peek());
+  const bool mayGoOn = peek().kind == TokenKind::endOfLine && peek(1).kind != TokenKind::endOfText &&
+                       at_ > 0 && tokens_[at_ - 1].kind == TokenKind::symbol &&
+                       tokens_[at_ - 1].symbol != Symbol::close;
+  if (mayGoOn) message += "; a line goes on in the next one after ' _'";
+  if (is(Symbol::ampersand)) message += "; texts are joined with '+'";
+  failHere(message);
 }
 
 }  // namespace host
