@@ -121,11 +121,11 @@ Expr callMethod(const std::vector<const Method*>& candidates, const Callee& call
                 Exprs arguments, bool resultUnused) {
   const Method& method = nearestOf(candidates, callee, arguments, resultUnused);
   checkParameters(method, callee.position);
-  return callExactly(method, std::move(self), std::move(arguments));
+  return callExactly(method, std::move(self), std::move(arguments), callee.member);
 }
 
-Expr callExactly(const Method& method, Expr self, Exprs arguments) {
-  return invoke(method, std::move(self), passedTo(method, std::move(arguments)));
+Expr callExactly(const Method& method, Expr self, Exprs arguments, const std::string& member) {
+  return invoke(method, std::move(self), passedTo(method, std::move(arguments)), member);
 }
 
 Expr newObject(const Class& made, Position position, Exprs arguments) {

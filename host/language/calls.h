@@ -14,6 +14,7 @@ namespace host {
 struct Callee {
   std::string name;
   Position position;
+  std::string member = "";  // with what it is a member of
 };
 
 std::string counted(std::size_t arguments);  // "1 argument", "2 arguments"
@@ -28,7 +29,7 @@ Expr callMethod(const std::vector<const Method*>& candidates, const Callee& call
                 Exprs arguments, bool resultUnused = false);
 
 // With the arguments converted to the method's parameters; distance() has found them to fit.
-Expr callExactly(const Method& method, Expr self, Exprs arguments);
+Expr callExactly(const Method& method, Expr self, Exprs arguments, const std::string& member = "");
 
 // New made(arguments).
 Expr newObject(const Class& made, Position position, Exprs arguments);

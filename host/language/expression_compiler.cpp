@@ -17,13 +17,23 @@ using syntax::Name;
 // What follows a value, taken one by one.
 class ExpressionCompiler::Links {
  public:
-  Links(const std::vector<syntax::Link>& links, bool asStatement)
-      : links_(links), asStatement_(asStatement) {}
+  Links(const std::vector<syntax::Link>& links, bool asStatement, const syntax::Expression* first = nullptr)
+      : links_(links), asStatement_(asStatement), first_(first) {}
 
   bool atEnd() const { return at_ == links_.size(); }
   bool resultUnused() const { return asStatement_ && atEnd(); }
   const Name* takeName() { return take<Name>(); }
   const Arguments* takeArguments() { return take<Arguments>(); }
+  // What has been taken, as the program writes it; empty where it does not begin with a name.
+  std::string taken() const {
+    const auto* name = first_ ? std::get_if<Name>(&first_->node) : nullptr;
+    std::string text = name ? name->text : "";
+    for (std::size_t i = 0; name && i < at_; ++i) {
+      const auto* member = std::get_if<Name>(&links_[i]);
+      text += member ? "." + member->text : std::get<Arguments>(links_[i]).values.empty() ? "()" : "(…)";
+    }
+    return text;
+  }
   const Arguments* peekArguments() const { return atEnd() ? nullptr : std::get_if<Arguments>(&links_[at_]); }
 
  private:
@@ -37,6 +47,7 @@ class ExpressionCompiler::Links {
   const std::vector<syntax::Link>& links_;
   std::size_t at_ = 0;
   bool asStatement_;
+  const syntax::Expression* first_;
 };
 
 namespace {
@@ -229,7 +240,7 @@ Expr ExpressionCompiler::compileNode(const syntax::Sequence& sequence) {
 // Names and members.
 
 Expr ExpressionCompiler::chain(const syntax::Chain& chain, bool asStatement) {
-  Links links(chain.links, asStatement);
+  Links links(chain.links, asStatement, chain.first.get());
   const Position start = chain.first->position;
   const Depth depth(depth_, chain.links.size(), start);
   const auto* name = std::get_if<Name>(&chain.first->node);
@@ -351,8 +362,9 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
 
 Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Name& name, Links& links) {
   if (const Property* found = type.findProperty(name.text)) {
-    return property(*found, std::move(object));
+    return property(*found, std::move(object), links.taken());
   }
+  const Callee callee{name.text, name.position, links.taken()};
   std::vector<const Method*> methods = type.findMethods(name.text);
   if (methods.empty()) {
     methods = type.findSharedMethods(name.text);
@@ -374,7 +386,7 @@ Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Na
   const Arguments* given = links.peekArguments();
   const bool indexed = !takesArguments && given && given->parenthesised && !given->values.empty();
   Exprs compiled = indexed ? Exprs() : arguments(links.takeArguments());
-  return callMethod(methods, calleeOf(name), std::move(object), std::move(compiled), links.resultUnused());
+  return callMethod(methods, callee, std::move(object), std::move(compiled), links.resultUnused());
 }
 
 // p.UInt64(8): what a Ptr points to, so many bytes on.

@@ -62,8 +62,11 @@ class Evaluated {
 // A call of a method. It can be assigned to where the method has a setter, which takes one more argument.
 class MethodCall {
  public:
-  MethodCall(const Method& method, Expr self, std::vector<Passed> arguments)
-      : method_(method), self_(std::move(self)), arguments_(std::move(arguments)) {}
+  MethodCall(const Method& method, Expr self, std::vector<Passed> arguments, std::string member = "")
+      : method_(method),
+        self_(std::move(self)),
+        arguments_(std::move(arguments)),
+        member_(std::move(member)) {}
 
   Slot run(Frame& frame, Heap* self) const {
     Evaluated values(arguments_, frame, self);
@@ -95,13 +98,14 @@ class MethodCall {
   Ref<Heap> object(Frame& frame) const {
     if (!self_) return nullptr;
     Ref<Heap> object = self_->reference(frame);
-    notNil({.heap = object.get()});
+    notNil({.heap = object.get()}, member_);
     return object;
   }
 
   const Method& method_;
   Expr self_;
   std::vector<Passed> arguments_;
+  std::string member_;  // as the program writes it
 };
 
 class MethodPlace final : public Place {
@@ -120,14 +124,17 @@ class MethodPlace final : public Place {
 
 }  // namespace
 
-Slot notNil(Slot object) {
-  if (!object.heap) throw HostException("NilObjectException", "A member of Nil is used.");
+Slot notNil(Slot object, const std::string& member) {
+  if (!object.heap) {
+    throw HostException("NilObjectException",
+                        "A member of Nil is used" + (member.empty() ? "." : ": " + member + "."));
+  }
   return object;
 }
 
-Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments) {
+Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std::string member) {
   const Type result = method.declaration.result;
-  MethodCall call(method, std::move(self), std::move(arguments));
+  MethodCall call(method, std::move(self), std::move(arguments), std::move(member));
   if (method.setter) return std::make_unique<MethodPlace>(result, std::move(call));
   return slotNode(result, [call = std::move(call)](Frame& f) { return call.run(f); });
 }

@@ -16,13 +16,15 @@ struct Passed {
 
 // Of a method, a shared method or a function; `self` is null for the latter two. A method that can be
 // assigned to gives a place.
-Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments);
+// `member`: how the program writes it, for the message where self is Nil.
+Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std::string member = "");
 // Of a Sub or Function of the program, which stays where it is.
 Expr invoke(const Sub& sub, std::vector<Passed> arguments);
 // A new object, on which the constructor is called.
 Expr construct(const Class& made, const Method& constructor, std::vector<Passed> arguments);
 
-// The object whose member is used; throws the host's NilObjectException for Nil.
-Slot notNil(Slot object);
+// The object whose member is used; throws the host's NilObjectException for Nil, which names the member as
+// the program writes it, where that is known.
+Slot notNil(Slot object, const std::string& member = "");
 
 }  // namespace host

@@ -26,7 +26,9 @@ namespace {
 // Texts are UTF-8, and a terminal of today shows them, whatever the environment says.
 void useUtf8() {
   std::setlocale(LC_CTYPE, "");
-  if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, "C.UTF-8");
+  for (const char* fallback : {"C.UTF-8", "UTF-8"}) {  // Linux; macOS
+    if (std::strcmp(nl_langinfo(CODESET), "UTF-8") != 0) std::setlocale(LC_CTYPE, fallback);
+  }
 }
 
 // Where the lines of earlier sessions are; empty where there is no such place.
