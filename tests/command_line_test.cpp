@@ -103,6 +103,9 @@ TEST(CommandLine, ShowsWhatTheDocumentationSays) {
   EXPECT_NE(type.find("is a sequence of Variants that threads share"), std::string::npos) << type;
   EXPECT_NE(qtxhost({"doc", "Uppercase"}).output.find("Uppercase(s as String) as String\n"),
             std::string::npos);
+  const std::string word = qtxhost({"doc", "Wend"}).output;
+  EXPECT_EQ(word.find("Control\n"), 0u) << word;
+  EXPECT_NE(word.find("\n  Wend\n"), std::string::npos) << word;
   EXPECT_NE(qtxhost({"doc", "CInt"}).status, 0);
 }
 

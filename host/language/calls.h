@@ -14,7 +14,7 @@ namespace host {
 struct Callee {
   std::string name;
   Position position;
-  std::string member = "";  // with what it is a member of
+  std::string member = {};  // with what it is a member of
 };
 
 std::string counted(std::size_t arguments);  // "1 argument", "2 arguments"

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "language/documentation_pages.h"
+#include "language/lexer.h"
 #include "language/spelling.h"
 #include "runtime/registry.h"
 #include "runtime/report.h"
@@ -226,6 +227,28 @@ std::string told(const std::string& name, const std::string& usedAs, Fits fits) 
   return all;
 }
 
+// Of a word of the language, which no text explains: the first program that shows it, and what is said of it.
+std::string exampleOf(const std::string& word) {
+  for (const Section& section : sections()) {
+    if (section.page + 1 < documentationPages().size()) continue;  // of the language is the last
+    const Parts parts = partsOf(section);
+    for (const std::string& example : parts.examples) {
+      if (!mentions(example, word)) continue;
+      std::string text = section.headings.back() + "\n";
+      for (const std::string& paragraph : parts.prose) addParagraph(text, paragraph);
+      addParagraph(text, "Example:\n" + example);
+      return text;
+    }
+  }
+  return "";
+}
+
+bool isKeyword(const std::string& word) {
+  Problems ignored;
+  const std::vector<Token> tokens = tokenize(word, ignored);
+  return !tokens.empty() && tokens[0].keyword != Keyword::none;
+}
+
 }  // namespace
 
 std::string documentationOf(std::string_view name) {
@@ -257,7 +280,8 @@ std::string documentationOf(std::string_view name) {
   if (!all.empty() || !owner.empty()) return all;
   all = listing(member);
   const std::string text = told(member, member, [](const Section&) { return true; });
-  return all + text;
+  all += text;
+  return all.empty() && isKeyword(member) ? exampleOf(member) : all;
 }
 
 std::string noDocumentationOf(std::string_view name) {

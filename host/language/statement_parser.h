@@ -17,7 +17,7 @@ using BlockEnds = std::initializer_list<BlockEnd>;
 struct Opener {
   Keyword word;
   Position position;
-  std::string variable = "";  // of For, where its end may name it
+  std::string variable = {};  // of For, where its end may name it
 };
 
 class StatementParser {
