@@ -58,15 +58,16 @@ class Editor {
         editor_, EL_PROMPT, +[](EditLine* editor) { return const_cast<char*>(of(editor).prompt_); });
     el_set(editor_, EL_EDITOR, "emacs");
     el_set(editor_, EL_HIST, history, history_);
-    el_set(
-        editor_, EL_ADDFN, "complete", "Completes a name",
-        +[](EditLine* editor, int) { return of(editor).complete(); });
+    // The narrow form of this copies the names and never gives them back.
+    el_wset(
+        editor_, EL_ADDFN, L"complete", L"Completes a name",
+        +[](EditLine* editor, wint_t) { return of(editor).complete(); });
     el_set(editor_, EL_BIND, "\t", "complete", nullptr);
     // While a line is edited, Ctrl-C is a key like others. No signal is made of any.
     el_set(editor_, EL_SETTY, "-d", "-isig", nullptr);
-    el_set(
-        editor_, EL_ADDFN, "drop", "Drops the line",
-        +[](EditLine* editor, int) { return of(editor).drop(); });
+    el_wset(
+        editor_, EL_ADDFN, L"drop", L"Drops the line",
+        +[](EditLine* editor, wint_t) { return of(editor).drop(); });
     el_set(editor_, EL_BIND, "^C", "drop", nullptr);
   }
   ~Editor() {
@@ -187,7 +188,9 @@ class Repl {
  public:
   bool run() {
     std::optional<Editor> editor;
+    std::optional<StoppedByInterrupt> stopped;
     if (isatty(STDIN_FILENO) != 0) {
+      stopped.emplace(session_);
       editor.emplace(session_);
       std::puts("Type help for help.");
     }
@@ -268,7 +271,6 @@ class Repl {
   // from a pipe the rest is read first.
   Outcome compile(const std::string& text, std::optional<bool> isTyped = {}) {
     try {
-      const StoppedByInterrupt stopped(session_);
       session_.run(text);
       const std::string warnings = describe(session_.warnings(), file_, text);
       std::fputs(warnings.c_str(), stderr);
