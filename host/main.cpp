@@ -7,19 +7,26 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iostream>
 #include <mutex>
 #include <optional>
 #include <sstream>
+#include <thread>
 
+#include "command_line_pages.h"
 #include "language/language.h"
 #include "runtime/library.h"
 #include "runtime/operations.h"
+#include "runtime/output.h"
 #include "runtime/report.h"
 #include "runtime/settings.h"
 #include "runtime/thread.h"
+#include "runtime/trap.h"
+#include "runtime/waiting.h"
+#include "validation/validation_text.h"
 
 namespace {
 
@@ -52,7 +59,7 @@ std::filesystem::path findLibrary() {
 #endif
   const std::filesystem::path here = ownFile().parent_path();
   for (const std::filesystem::path& candidate :
-       {here / name, here / "../lib" / name, here / "../lib/qtx" / name}) {
+       {here / name, here / "../lib" / name, here / "../lib/qtx/plugins" / name}) {
     if (std::filesystem::exists(candidate)) return candidate;
   }
   return here / name;
@@ -95,10 +102,18 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
   const auto report = [&](const HostException& exception) {
     const std::lock_guard lock(reporting);
     failed = true;
-    std::fflush(stdout);
+    flushOutput();
     std::fputs(describe(exception).c_str(), stderr);
   };
   setUncaughtHandler(report);
+  const auto reportEnd = [&](const char* what, const std::string& places) {
+    const std::lock_guard lock(reporting);
+    failed = true;
+    flushOutput();
+    std::fprintf(stderr, "%s: %s\n%s", name.c_str(), what, places.c_str());
+  };
+  setDeadlockHandler([&](const std::string& places) { reportEnd(Deadlock().what(), places); });
+  handleSignals();
   try {
     const Program program(name, text, steps);
     std::fputs(describe(program.warnings(), name, text).c_str(), stderr);
@@ -107,17 +122,19 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
     } catch (const HostException& exception) {
       report(exception);
     } catch (const OutOfSteps& end) {
-      const std::lock_guard lock(reporting);
-      failed = true;
-      std::fflush(stdout);
-      std::fprintf(stderr, "%s: %s\n", name.c_str(), end.what());
+      reportEnd(end.what(), "");
+    } catch (const ProgramEnd&) {  // has been told, or will be
     }
     joinAll();
   } catch (const ProgramError& error) {
     std::fputs(describe(error.problems, name, text).c_str(), stderr);
     return programFailed;
   }
-  std::fflush(stdout);
+  flushOutput();
+  if (const int failure = outputFailure()) {
+    std::fprintf(stderr, "qtxhost: standard output: %s\n", std::strerror(failure));
+    return couldNotRun;
+  }
   return failed ? programFailed : 0;
 }
 
@@ -138,13 +155,30 @@ int check(const std::vector<std::string>& files) {
   return status;
 }
 
+// "values 12/297", in one line of a terminal that is written over and over.
+void showProgress(const std::string& check, std::size_t done, std::size_t all) {
+  std::fprintf(stderr, "\r\x1B[K%s %zu/%zu", check.c_str(), done, all);
+}
+
+int validateLibrary(ValidationOptions options, bool asJson) {
+  const bool isTerminal = isatty(STDERR_FILENO) != 0;
+  if (isTerminal) options.progress = showProgress;
+  const Validation validation = validate(options);
+  if (isTerminal) std::fputs("\r\x1B[K", stderr);
+  std::fputs((asJson ? jsonOf(validation, options) : textOf(validation, options)).c_str(), stdout);
+  return validation.findings.empty() ? 0 : programFailed;
+}
+
 int runCommandLine(int argc, char** argv) {
-  CLI::App app{"Runs programs in the host's language against a plug-in library."};
+  CLI::App app{"Runs programs in the host's language against a plug-in library", "qtxhost"};
   app.require_subcommand(1);
   app.set_version_flag("--version", std::string("qtxhost ") + QTX_VERSION);
   app.footer(
       "Examples:\n  qtxhost run tour.bas\n  qtxhost run --host-version 2012.0 --trace tour.bas\n"
-      "  echo 'Print 6 * 7' | qtxhost run -\n  qtxhost check *.bas\n  qtxhost doc Len");
+      "  echo 'Print 6 * 7' | qtxhost run -\n  qtxhost check *.bas\n  qtxhost doc Len\n\n"
+      "Exit status:\n  0  if all went well\n"
+      "  1  if a program has an error, ends by one, or leaks where --leaks is given\n"
+      "  2  if the command line or a file is wrong");
 
   std::string library, arrayShape = "published", file, name;
   std::vector<std::string> withheld, kept, files;
@@ -197,6 +231,51 @@ int runCommandLine(int argc, char** argv) {
   CLI::App* listCommand = app.add_subcommand("list", "Lists the library's classes, members and functions");
   addCommon(listCommand);
   listCommand->add_option("NAME", name, "Only this class, or the members and functions called so");
+  CLI::App* validateCommand =
+      app.add_subcommand("validate", "Finds out whether a library keeps to the host's interface");
+  addCommon(validateCommand);
+  ValidationOptions validation;
+  bool asJson = false;
+  validation.jobs = std::max(1U, std::thread::hardware_concurrency());
+  std::vector<std::string> checkNames;
+  std::string checkTexts = "Each case runs in a process of its own. The checks:";
+  for (const CheckDescription& each : checkDescriptions()) {
+    checkNames.push_back(each.name);
+    checkTexts += std::string("\n  ") + each.name + std::string(11 - std::strlen(each.name), ' ') + each.says;
+  }
+  validateCommand->footer(checkTexts +
+                          "\nThe exit status is 1 if a fault is found.\n\nExamples:\n  qtxhost validate\n"
+                          "  qtxhost validate build/libmine.so --only Push --check refused");
+  validateCommand->add_option("LIBRARY", library, "The same as --library");
+  validateCommand
+      ->add_option("--only", validation.only, "A member, or a part of names of members; may be repeated")
+      ->expected(1)
+      ->take_all();
+  validateCommand->add_option("--check", validation.checks, "A check to make; may be repeated (default: all)")
+      ->expected(1)
+      ->take_all()
+      ->check(CLI::IsMember(checkNames));
+  validateCommand->add_option("--seed", validation.seed, "What random values begin with")
+      ->capture_default_str();
+  validateCommand->add_option("--rounds", validation.rounds, "How many rounds of random calls a member gets")
+      ->capture_default_str();
+  validateCommand->add_flag("--thorough", validation.thorough,
+                            "All values where some would do, which takes minutes");
+  validateCommand->add_option("--seconds", validation.seconds, "How long a case may take before it hangs")
+      ->capture_default_str()
+      ->check(CLI::PositiveNumber);
+  validateCommand->add_option("--jobs", validation.jobs,
+                              "How many cases run at once (default: a processor each)");
+  validateCommand->add_flag("--show-output", validation.shown, "Shows what the library prints");
+  validateCommand->add_flag("--json", asJson, "Writes the result as JSON");
+  std::string shell;
+  CLI::App* completionCommand =
+      app.add_subcommand("completion", "Prints what completes the command line in a shell");
+  completionCommand->add_option("SHELL", shell, "The shell")
+      ->required()
+      ->check(CLI::IsMember(completedShells));
+  CLI::App* manualCommand = app.add_subcommand("manual", "Prints this program's manual page, for man(1)");
+  manualCommand->group("");
 
   try {
     app.parse(argc, argv);
@@ -209,6 +288,14 @@ int runCommandLine(int argc, char** argv) {
     }
     std::fprintf(stderr, "qtxhost: %s\n", message.c_str());
     return couldNotRun;
+  }
+  if (completionCommand->parsed()) {
+    std::fputs(completion(app, shell).c_str(), stdout);
+    return 0;
+  }
+  if (manualCommand->parsed()) {
+    std::fputs(manualPage(app, QTX_VERSION).c_str(), stdout);
+    return 0;
   }
   settings().version = std::stod(version);
   settings().otherArrayShape = arrayShape == "other";
@@ -225,7 +312,12 @@ int runCommandLine(int argc, char** argv) {
     }
     settings().withheld.insert(operation);
   }
-  loadLibrary(library.empty() ? findLibrary() : std::filesystem::path(library));
+  const std::filesystem::path chosen = library.empty() ? findLibrary() : std::filesystem::path(library);
+  if (validateCommand->parsed()) {
+    validation.library = chosen;
+    return validateLibrary(validation, asJson);
+  }
+  loadLibrary(chosen);
   registerBuiltins();
   if (trace) switchTracingOn();
   if (listCommand->parsed() || docCommand->parsed()) {
@@ -242,9 +334,9 @@ int runCommandLine(int argc, char** argv) {
   }
   const int status = run(file, steps);
   if (!leaks) return status;
-  const std::string report = leakReport({kept.begin(), kept.end()});
-  std::fputs(report.c_str(), stderr);
-  return report.empty() ? status : programFailed;
+  const LeakReport report = leakReport({kept.begin(), kept.end()});
+  std::fputs((report.cycles + report.leaks).c_str(), stderr);
+  return report.leaks.empty() ? status : programFailed;
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -176,18 +177,47 @@ TEST(RandomDraws, DifferFromProcessToProcess) {
 }
 
 TEST(CommandLine, ShowsHelpForEverything) {
-  for (const std::vector<std::string>& arguments : std::vector<std::vector<std::string>>{{"--help"},
-                                                                                         {"run", "--help"},
-                                                                                         {"repl", "--help"},
-                                                                                         {"list", "--help"},
-                                                                                         {"check", "--help"},
-                                                                                         {"doc", "--help"}}) {
+  for (const std::vector<std::string>& arguments :
+       std::vector<std::vector<std::string>>{{"--help"},
+                                             {"run", "--help"},
+                                             {"repl", "--help"},
+                                             {"list", "--help"},
+                                             {"check", "--help"},
+                                             {"doc", "--help"},
+                                             {"completion", "--help"},
+                                             {"validate", "--help"}}) {
     const Outcome help = qtxhost(arguments);
     EXPECT_EQ(help.status, 0);
     EXPECT_NE(help.output.find(" [OPTIONS]"), std::string::npos);  // in the line that shows the usage
     EXPECT_EQ(help.errors, "");
   }
   EXPECT_EQ(qtxhost({"--version"}).output, "qtxhost " QTX_VERSION "\n");
+}
+
+TEST(CommandLine, HasAManualPageOfAllThatTheHelpShows) {
+  const std::string page = qtxhost({"manual"}).output;
+  EXPECT_EQ(page.find(".TH QTXHOST 1 \"\" \"QTXHOST " QTX_VERSION "\""), 0u) << page;
+  std::string help = qtxhost({"--help"}).output;
+  for (const char* command : {"run", "repl", "list", "completion"}) {
+    EXPECT_NE(page.find(std::string("\n.SS ") + command + "\n"), std::string::npos) << command;
+    help += qtxhost({command, "--help"}).output;
+  }
+  std::istringstream words(help);
+  for (std::string word; words >> word;) {
+    if (word.rfind("--", 0) != 0 || !std::isalpha(static_cast<unsigned char>(word[2]))) continue;
+    word = word.substr(0, word.find_first_of(";,:)"));
+    std::string asWritten;  // a minus sign is escaped
+    for (const char c : word) asWritten += c == '-' ? "\\-" : std::string(1, c);
+    EXPECT_NE(page.find("\\fB" + asWritten + "\\fR"), std::string::npos) << word;
+  }
+  EXPECT_NE(page.find("\n.SH EXAMPLES\n"), std::string::npos);
+  EXPECT_NE(page.find("\n.SH EXIT STATUS\n"), std::string::npos);
+}
+
+TEST(CommandLine, KnowsThreeShells) {
+  const Outcome refused = qtxhost({"completion", "tcsh"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_NE(refused.errors.find("tcsh"), std::string::npos);
 }
 
 // Whatever is long is refused in one line, or runs.
@@ -421,12 +451,12 @@ TEST(CommandLine, FindsTheLibraryWhereAnInstallationPutsIt) {
   if (!fs::exists(library)) library.replace_extension(".dylib");
   const fs::path folder = fs::temp_directory_path() / ("qtx-installed-" + std::to_string(getpid()));
   fs::create_directories(folder / "bin");
-  fs::create_directories(folder / "lib" / "qtx");
+  fs::create_directories(folder / "lib" / "qtx" / "plugins");
   fs::copy(program, folder / "bin");
   const std::string emulator = sizeof QTX_EMULATOR > 1 ? QTX_EMULATOR "|" : "";
   setenv("QTX_HOST_COMMAND", (emulator + (folder / "bin" / program.filename()).string()).c_str(), 1);
   const Outcome alone = qtxhost({"run", "-"}, "Print 1\n");
-  fs::create_symlink(library, folder / "lib" / "qtx" / library.filename());
+  fs::create_symlink(library, folder / "lib" / "qtx" / "plugins" / library.filename());
   const Outcome installed = qtxhost({"run", "-"}, "Print FacQTX(4)\n");
   unsetenv("QTX_HOST_COMMAND");
   fs::remove_all(folder);

@@ -28,6 +28,16 @@ else
   how=unpacked
 fi
 
+for file in man/man1/qtxhost.1.gz bash-completion/completions/qtxhost doc/qtx/copyright doc/qtx/README.md; do
+  if [ ! -s "$root/usr/share/$file" ]; then
+    echo "$name lacks $file"
+    exit 1
+  fi
+done
+if grep -rn '\./qtx' "$root/usr/share/doc/qtx"; then
+  echo "$name speaks of a command that it does not install"
+  exit 1
+fi
 version=$(qtxhost --version)
 if [ "$version" != "qtxhost $(dpkg-deb -f "$package" Version)" ]; then
   echo "$name holds $version"

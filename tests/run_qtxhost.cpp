@@ -53,8 +53,13 @@ std::string contentOf(const fs::path& file) {
 
 namespace {
 
-// In the child process.
-[[noreturn]] void become(std::vector<std::string> command, const std::vector<std::string>& arguments) {
+int exitStatus(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status); }
+
+}  // namespace
+
+void becomeQtxhost(const std::vector<std::string>& arguments) {
+  reportSanitizersApart();
+  std::vector<std::string> command = hostCommand();
   command.insert(command.end(), arguments.begin(), arguments.end());
   std::vector<char*> pointers;
   for (std::string& word : command) pointers.push_back(word.data());
@@ -62,10 +67,6 @@ namespace {
   execvp(pointers[0], pointers.data());
   _exit(127);
 }
-
-int exitStatus(int status) { return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status); }
-
-}  // namespace
 
 Outcome runQtxhost(const std::vector<std::string>& arguments, const std::string& text,
                    const fs::path& folder) {
@@ -82,9 +83,8 @@ Outcome runQtxhost(const std::vector<std::string>& arguments, const std::string&
     redirect(input, O_RDONLY, STDIN_FILENO);
     redirect(output, O_WRONLY | O_CREAT | O_TRUNC, STDOUT_FILENO);
     redirect(errors, O_WRONLY | O_CREAT | O_TRUNC, STDERR_FILENO);
-    reportSanitizersApart();
     if (chdir(folder.c_str()) != 0) _exit(126);
-    become(hostCommand(), arguments);
+    becomeQtxhost(arguments);
   }
   Outcome outcome;
   const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(100);
@@ -121,8 +121,7 @@ Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const st
     close(own);
     close(terminal);
     setenv("TERM", "dumb", 1);
-    reportSanitizersApart();
-    become(hostCommand(), arguments);
+    becomeQtxhost(arguments);
   }
   pollfd ready{terminal, POLLIN, 0};
   std::size_t next = 0, seen = 0;

@@ -17,11 +17,6 @@ Array& arrayIn(Slot slot) {
   return *static_cast<Array*>(slot.heap);
 }
 
-Slot shared(Slot slot, Type type) {
-  if (type.isReference()) retain(slot.heap);
-  return slot;
-}
-
 std::int64_t countFor(std::int64_t upperBound) {
   if (upperBound < -1) throw HostException("OutOfBoundsException", "The upper bound is less than -1.");
   if (upperBound == INT64_MAX) throw HostException("OutOfMemoryException", "The array is too big.");
@@ -58,8 +53,7 @@ Expr append(Expr array, Exprs& arguments) {
   Expr value = convertTo(std::move(arguments[0]), array->type.element(), "the element");
   return doing(std::move(array), [value = std::move(value)](Slot slot, Frame& f) {
     const Held owned(*value, f);
-    Array& elements = arrayIn(slot);
-    elements.insert(elements.count(), owned.slot);
+    arrayIn(slot).append(owned.slot);
   });
 }
 
@@ -85,12 +79,9 @@ Expr removeAll(Expr array, Exprs&) {
 
 Expr pop(Expr array, Exprs&) {
   const Type type = array->type.element();
-  return slotNode(type, [array = std::move(array), type](Frame& f) {
+  return slotNode(type, [array = std::move(array)](Frame& f) {
     const Held held(*array, f);
-    Array& elements = arrayIn(held.slot);
-    const Slot value = shared(elements.at(elements.count() - 1), type);
-    elements.remove(elements.count() - 1);
-    return value;
+    return arrayIn(held.slot).pop();
   });
 }
 
@@ -110,7 +101,7 @@ Expr element(Expr array, Position position, Exprs indices) {
   const Type type = array->type.element();
   return operandPlace<2>(
       type, {std::move(array), asIndex(std::move(indices[0]))},
-      [type](const Slot* operands) { return shared(arrayIn(operands[0]).at(operands[1].integer), type); },
+      [](const Slot* operands) { return arrayIn(operands[0]).get(operands[1].integer); },
       [](const Slot* operands, Slot value) { arrayIn(operands[0]).set(operands[1].integer, value); });
 }
 
@@ -133,13 +124,16 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
        "an array has no member '" + callee.name + "'" + suggestion(callee.name, arrayMembers()));
 }
 
-Expr newArray(Type type, Expr upperBound) {
+Expr newArray(Type type, Exprs upperBounds) {
+  Expr upperBound = upperBounds.empty() ? nullptr : std::move(upperBounds[0]);
   return referenceNode(type, [type, bound = std::move(upperBound)](Frame& f) -> Ref<Heap> {
     return makeArray(type.element(), bound ? countFor(bound->integer(f)) : 0);
   });
 }
 
-Stmt reDim(Position position, Expr array, Expr upperBound) {
+Stmt reDim(Position position, Expr array, Exprs upperBounds) {
+  if (upperBounds.size() != 1) fail(position, "this host's arrays have one dimension");
+  Expr upperBound = std::move(upperBounds[0]);
   return statement(position, [array = std::move(array), bound = std::move(upperBound)](Frame& f) {
     const Held held(*array, f);
     const std::int64_t upper = bound->integer(f);

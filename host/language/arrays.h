@@ -14,9 +14,10 @@ std::vector<std::string> arrayMembers();  // their names
 // A method of arrays, such as Append. Throws ProgramError.
 Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments);
 
-// The array that a Dim with that upper bound makes; without a bound an empty one.
-Expr newArray(Type type, Expr upperBound);
+// The array that a Dim with those upper bounds makes; without bounds an empty one.
+Expr newArray(Type type, Exprs upperBounds);
 
-Stmt reDim(Position position, Expr array, Expr upperBound);
+// Throws ProgramError where there are more or fewer bounds than dimensions.
+Stmt reDim(Position position, Expr array, Exprs upperBounds);
 
 }  // namespace host

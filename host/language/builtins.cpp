@@ -93,7 +93,7 @@ REALarray split(REALstring s, REALstring delimiter) {
     while (!text.empty()) {
       const std::size_t end = by.empty() ? std::string::npos : text.find(by, start);
       const Ref<Text> each = makeText(text.substr(start, end - start));
-      parts->insert(parts->count(), Slot{.heap = each.get()});
+      parts->append(Slot{.heap = each.get()});
       if (end == std::string::npos) break;
       start = end + by.size();
     }
@@ -101,13 +101,16 @@ REALarray split(REALstring s, REALstring delimiter) {
   });
 }
 REALstring join(REALarray parts, REALstring delimiter) {
-  std::string text;
-  auto* array = reinterpret_cast<Array*>(parts);
-  for (std::int64_t i = 0; array && i < array->count(); ++i) {
-    if (i > 0) text += utf8Of(textOf(delimiter));
-    text += utf8Of(static_cast<const Text*>(array->at(i).heap));
-  }
-  return made(text);
+  return asPending([&] {
+    std::string text;
+    auto* array = reinterpret_cast<Array*>(parts);
+    for (std::int64_t i = 0; array && i < array->count(); ++i) {
+      if (i > 0) text += utf8Of(textOf(delimiter));
+      const Ref<> part = Ref<>::adopt(array->get(i).heap);
+      text += utf8Of(static_cast<const Text*>(part.get()));
+    }
+    return made(text);
+  });
 }
 
 REALstring chr(RBInteger code) {

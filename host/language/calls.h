@@ -28,6 +28,9 @@ Expr callSub(const Sub& sub, Position position, Exprs arguments);
 Expr callMethod(const std::vector<const Method*>& candidates, const Callee& callee, Expr self,
                 Exprs arguments, bool resultUnused = false);
 
+// A call through a delegate of the class.
+Expr callDelegate(const Class& made, const Callee& callee, Expr delegate, Exprs arguments);
+
 // With the arguments converted to the method's parameters; distance() has found them to fit.
 Expr callExactly(const Method& method, Expr self, Exprs arguments, const std::string& member = "");
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "language/delegates.h"
 #include "language/invocation.h"
 #include "runtime/array.h"
 #include "runtime/text.h"
@@ -90,13 +91,17 @@ Ref<Heap> ArrayOfElements::reference(Frame& frame) const {
   Ref<Array> array = makeArray(element, 0);
   for (const Expr& value : elements) {
     const Held held(*value, frame);
-    array->insert(array->count(), held.slot);
+    array->append(held.slot);
   }
   return array;
 }
 
 int distance(const Expression& from, Type to) {
   const Type type = from.type;
+  if (const MethodReference* reference = from.methodReference()) {
+    const bool isDelegate = isPlainObject(to) && to.objectClass && to.objectClass->signature;
+    return isDelegate && reference->fitting(*to.objectClass->signature) ? 0 : -1;
+  }
   if (type == to) return 0;
   if (type.kind == Kind::None) return -1;
   if (type.kind == Kind::Nil) return to.isReference() && !isText(to) ? 1 : to.kind == Kind::Pointer ? 2 : -1;
@@ -159,8 +164,14 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
   const Position position = value->position;
   const int far = distance(*value, type);
   if (far < 0) {
-    fail(position, "expected " + nameOf(type) + " as " + what + ", found " +
-                       (from.kind == Kind::None ? "something without a value" : nameOf(from)));
+    const std::string found = value->methodReference()  ? "the address of a method that does not fit"
+                              : from.kind == Kind::None ? "something without a value"
+                                                        : nameOf(from);
+    fail(position, "expected " + nameOf(type) + " as " + what + ", found " + found);
+  }
+  if (const MethodReference* reference = value->methodReference()) {
+    const Method& method = *reference->fitting(*type.objectClass->signature);
+    return newDelegate(*type.objectClass, method, static_cast<MethodReference&>(*value).takeSelf());
   }
   if (value->literal && from.isInteger() && type.isInteger() && literalFits(*value->literal, type)) {
     return integerLiteral(static_cast<std::uint64_t>(*value->literal), type);

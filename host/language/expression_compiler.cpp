@@ -3,6 +3,7 @@
 
 #include "language/arrays.h"
 #include "language/calls.h"
+#include "language/conditional.h"
 #include "language/conversions.h"
 #include "language/intrinsics.h"
 #include "language/operators.h"
@@ -13,42 +14,6 @@ namespace host {
 
 using syntax::Arguments;
 using syntax::Name;
-
-// What follows a value, taken one by one.
-class ExpressionCompiler::Links {
- public:
-  Links(const std::vector<syntax::Link>& links, bool asStatement, const syntax::Expression* first = nullptr)
-      : links_(links), asStatement_(asStatement), first_(first) {}
-
-  bool atEnd() const { return at_ == links_.size(); }
-  bool resultUnused() const { return asStatement_ && atEnd(); }
-  const Name* takeName() { return take<Name>(); }
-  const Arguments* takeArguments() { return take<Arguments>(); }
-  // What has been taken, as the program writes it; empty where it does not begin with a name.
-  std::string taken() const {
-    const auto* name = first_ ? std::get_if<Name>(&first_->node) : nullptr;
-    std::string text = name ? name->text : "";
-    for (std::size_t i = 0; name && i < at_; ++i) {
-      const auto* member = std::get_if<Name>(&links_[i]);
-      text += member ? "." + member->text : std::get<Arguments>(links_[i]).values.empty() ? "()" : "(…)";
-    }
-    return text;
-  }
-  const Arguments* peekArguments() const { return atEnd() ? nullptr : std::get_if<Arguments>(&links_[at_]); }
-
- private:
-  template <typename Kind>
-  const Kind* take() {
-    const Kind* next = atEnd() ? nullptr : std::get_if<Kind>(&links_[at_]);
-    if (next) ++at_;
-    return next;
-  }
-
-  const std::vector<syntax::Link>& links_;
-  std::size_t at_ = 0;
-  bool asStatement_;
-  const syntax::Expression* first_;
-};
 
 namespace {
 
@@ -141,6 +106,7 @@ std::optional<Position> ExpressionCompiler::notConstant(const syntax::Expression
     return notConstant(*inversion->operand);
   }
   if (const auto* chain = std::get_if<syntax::Chain>(&expression.node)) {
+    if (isConstantOfSpace(*chain)) return std::nullopt;
     if (const auto position = notConstant(*chain->first)) return position;
     return std::visit([](const auto& link) { return link.position; }, chain->links[0]);
   }
@@ -199,7 +165,15 @@ Expr ExpressionCompiler::compileNode(const syntax::New& made) {
   if (type.kind != Kind::Object || !type.objectClass) {
     fail(made.type.position, "expected a class after New, found " + nameOf(type));
   }
-  return newObject(*type.objectClass, made.type.position, arguments(&made.arguments));
+  const Class& objectClass = *type.objectClass;
+  if (objectClass.isInterface) fail(made.type.position, "an interface has no objects of its own");
+  Exprs given = arguments(&made.arguments);
+  if (objectClass.signature && given.size() == 1) return convertTo(std::move(given[0]), type, "the method");
+  for (const OwnClass* each = ownOf(&objectClass); each; each = ownOf(each->super)) {
+    if (each->isWrong || each->hasWrongConstructor) throw FollowsFromAnother(made.type.position);
+  }
+  checkConstructor(objectClass, made.type);
+  return newObject(objectClass, made.type.position, std::move(given));
 }
 
 Expr ExpressionCompiler::compileNode(const syntax::Parenthesised& parentheses) {
@@ -208,6 +182,12 @@ Expr ExpressionCompiler::compileNode(const syntax::Parenthesised& parentheses) {
   // No place any more: a variable in parentheses goes by value.
   const Type type = inner->type;
   return slotNode(type, [inner = std::move(inner)](Frame& f) { return inner->evaluate(f); });
+}
+
+Expr ExpressionCompiler::compileNode(const syntax::Conditional& chosen) {
+  Expr asked = condition(*chosen.condition, "the condition of If");
+  Expr first = compile(*chosen.first);
+  return conditional(std::move(asked), std::move(first), compile(*chosen.second), chosen.condition->position);
 }
 
 Expr ExpressionCompiler::compileNode(const syntax::Negation& negated) {
@@ -241,6 +221,16 @@ Expr ExpressionCompiler::compileNode(const syntax::Sequence& sequence) {
 
 Expr ExpressionCompiler::chain(const syntax::Chain& chain, bool asStatement) {
   Links links(chain.links, asStatement, chain.first.get());
+  return linked(chain, links);
+}
+
+// The object whose method is named last.
+Expr ExpressionCompiler::allButLast(const syntax::Chain& chain) {
+  Links links(chain.links, false, chain.first.get(), 1);
+  return linked(chain, links);
+}
+
+Expr ExpressionCompiler::linked(const syntax::Chain& chain, Links& links) {
   const Position start = chain.first->position;
   const Depth depth(depth_, chain.links.size(), start);
   const auto* name = std::get_if<Name>(&chain.first->node);
@@ -251,25 +241,35 @@ Expr ExpressionCompiler::chain(const syntax::Chain& chain, bool asStatement) {
       value = member(std::move(value), *next, links);
       continue;
     }
-    const Arguments& indices = *links.takeArguments();
-    if (!indices.parenthesised) {
-      fail(start, "expected a statement; this is a value that nothing is done with");
-    }
-    if (!value->type.array) {
-      fail(indices.position, value->type.kind == Kind::None
-                                 ? "this has no value to take an element of"
-                                 : "a " + nameOf(value->type) + " has no elements");
-    }
-    value = element(std::move(value), indices.position, arguments(&indices));
+    value = elements(std::move(value), start, *links.takeArguments());
   }
   return value;
 }
 
-Expr ExpressionCompiler::name(const Name& name, Links& links) {
-  if (Expr variable = names_.find(name.text)) return variable;
-  if (const Sub* sub = names_.findSub(name.text)) {
-    return callSub(*sub, name.position, arguments(links.takeArguments()));
+Expr ExpressionCompiler::elements(Expr value, Position start, const Arguments& indices) {
+  const Class* objectClass = isPlainObject(value->type) ? value->type.objectClass : nullptr;
+  if (objectClass && objectClass->signature) {
+    return callDelegate(*objectClass, {objectClass->name, start}, std::move(value), arguments(&indices));
   }
+  if (!indices.parenthesised) {
+    fail(start, "expected a statement; this is a value that nothing is done with");
+  }
+  if (objectClass) {
+    const auto methods = objectClass->findMethods("Operator_Subscript");
+    if (!methods.empty()) {
+      const Callee callee{"Operator_Subscript", indices.position};
+      return callMethod(methods, callee, std::move(value), arguments(&indices));
+    }
+  }
+  if (!value->type.array) {
+    fail(indices.position, value->type.kind == Kind::None ? "this has no value to take an element of"
+                                                          : "a " + nameOf(value->type) + " has no elements");
+  }
+  return element(std::move(value), indices.position, arguments(&indices));
+}
+
+Expr ExpressionCompiler::name(const Name& name, Links& links) {
+  if (Expr own = ownName(name, links)) return own;
   if (const Class* type = registry().findClass(name.text)) {
     if (const Name* member = links.takeName()) return memberOfClass(*type, *member, links);
     const Arguments* given = links.peekArguments();
@@ -298,7 +298,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
 Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, const Arguments& given) {
   if (given.values.size() != 1) fail(name.position, "expected one value in " + type.name + "(…)");
   Expr object = std::move(arguments(&given)[0]);
-  if (isPlainObject(object->type)) {  // any object may turn out to be one
+  if (isPlainObject(object->type) && !type.signature) {  // any object may turn out to be one
     const Position position = object->position;
     object = referenceNode({Kind::Object},
                            [object = std::move(object)](Frame& f) { return object->reference(f); });
@@ -308,7 +308,10 @@ Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, const Argum
 }
 
 Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Links& links) {
-  if (const std::vector<const Method*> methods = type.findSharedMethods(name.text); !methods.empty()) {
+  if (Expr value = sharedValue(type, name)) return value;
+  if (Expr value = sharedSpace(type, name, links)) return value;
+  if (const std::vector<const Method*> methods = allowed(type.findSharedMethods(name.text), name);
+      !methods.empty()) {
     Exprs given = arguments(links.takeArguments());
     return callMethod(methods, calleeOf(name), nullptr, std::move(given), links.resultUnused());
   }
@@ -317,8 +320,12 @@ Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Link
   }
   std::vector<std::string> known;
   for (const Method& method : type.sharedMethods) known.push_back(method.declaration.name);
-  fail(name.position,
-       "the class " + type.name + " has no shared member '" + name.text + "'" + suggestion(name.text, known));
+  for (const OwnClass* each = ownOf(&type); each; each = ownOf(each->super)) {
+    for (const auto& [key, value] : each->declared.values) known.push_back(nameOf(value));
+    for (const auto& [key, space] : each->declared.spaces) known.push_back(space->name);
+  }
+  for (const Property& shared : type.sharedProperties) known.push_back(shared.name);
+  failForMember(&type, name, "the class " + type.name + " has no shared member", known);
 }
 
 Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, Links& links) {
@@ -332,11 +339,17 @@ Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, 
     if (sameName(shared.name, name.text)) return property(shared, nullptr);
     known.push_back(shared.name);
   }
-  fail(name.position,
-       "the module " + module.name + " has no member '" + name.text + "'" + suggestion(name.text, known));
+  failForMember(nullptr, name, "the module " + module.name + " has no member", known);
+}
+
+void ExpressionCompiler::failForMember(const Class* type, const Name& name, const std::string& message,
+                                       const std::vector<std::string>& known) {
+  if (isWrong(type)) throw FollowsFromAnother(name.position);
+  throw WrongUse(name.position, name.text, message + " '" + name.text + "'" + suggestion(name.text, known));
 }
 
 Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
+  if (Expr extended = extension(object, name, links)) return extended;
   const Type type = object->type;
   if (type.array) {
     return callArrayMethod(calleeOf(name), std::move(object), arguments(links.takeArguments()));
@@ -361,22 +374,23 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
 }
 
 Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Name& name, Links& links) {
+  if (type.signature && sameName(name.text, "Invoke")) {
+    return callDelegate(type, {type.name, name.position}, std::move(object),
+                        arguments(links.takeArguments()));
+  }
   if (const Property* found = type.findProperty(name.text)) {
+    names_.checkAccess(found->access, found->owner, name);
     return property(*found, std::move(object), links.taken());
   }
   const Callee callee{name.text, name.position, links.taken()};
-  std::vector<const Method*> methods = type.findMethods(name.text);
+  std::vector<const Method*> methods = allowed(type.findMethods(name.text), name);
   if (methods.empty()) {
-    methods = type.findSharedMethods(name.text);
+    methods = allowed(type.findSharedMethods(name.text), name);
     object = nullptr;
   }
   if (methods.empty()) {
-    std::vector<std::string> known;
-    for (const Class* each = &type; each; each = each->super) {
-      for (const Method& method : each->methods) known.push_back(method.declaration.name);
-      for (const Property& other : each->properties) known.push_back(other.name);
-    }
-    fail(name.position, type.name + " has no member '" + name.text + "'" + suggestion(name.text, known));
+    if (Expr value = sharedValue(type, name)) return value;
+    failForMember(&type, name, type.name + " has no member", membersOf(type));
   }
   // An array that a method without parameters gives may be indexed at once.
   bool takesArguments = false;
@@ -384,7 +398,11 @@ Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Na
     takesArguments = takesArguments || !method->declaration.parameters.empty();
   }
   const Arguments* given = links.peekArguments();
-  const bool indexed = !takesArguments && given && given->parenthesised && !given->values.empty();
+  const Method& first = *methods[0];
+  const bool hasElements =
+      !first.isOwn || first.declaration.result.array || isPlainObject(first.declaration.result);
+  const bool indexed =
+      !takesArguments && hasElements && given && given->parenthesised && !given->values.empty();
   Exprs compiled = indexed ? Exprs() : arguments(links.takeArguments());
   return callMethod(methods, callee, std::move(object), std::move(compiled), links.resultUnused());
 }

@@ -202,9 +202,31 @@ Expression ExpressionParser::primary() {
     case Keyword::newWord:
       tokens_.take();
       return {token.position, newObject()};
+    case Keyword::ifWord:
+      return {token.position, conditional()};
+    case Keyword::addressOfWord:
+      if (tokens_.peek(1).kind == TokenKind::word) return {token.position, addressOf()};
+      [[fallthrough]];
     default:
       return {token.position, tokens_.takeName("an expression")};
   }
+}
+
+syntax::Conditional ExpressionParser::conditional() {
+  tokens_.take();
+  tokens_.expect(Symbol::open, "after If, which is a function here");
+  Expression condition = expression();
+  tokens_.expect(Symbol::comma, "after the condition");
+  Expression first = expression();
+  tokens_.expect(Symbol::comma, "and the value where the condition does not hold");
+  Expression second = expression();
+  tokens_.expect(Symbol::close, "after the values");
+  return {boxed(std::move(condition)), boxed(std::move(first)), boxed(std::move(second))};
+}
+
+syntax::AddressOf ExpressionParser::addressOf() {
+  tokens_.take();
+  return {boxed(chain())};
 }
 
 syntax::New ExpressionParser::newObject() {

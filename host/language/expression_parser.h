@@ -17,8 +17,9 @@ class ExpressionParser {
   // The expression that goes on after what was taken for a whole statement.
   syntax::Expression continued(syntax::Expression first);
   bool atOperator() const;
-  syntax::Expressions list();  // with commas between
-  syntax::New newObject();     // after the word New
+  syntax::Expressions list();     // with commas between
+  syntax::New newObject();        // after the word New
+  syntax::AddressOf addressOf();  // the word included
   // The operator of a comparison, as after "Case Is".
   Operator comparison();
 
@@ -30,6 +31,7 @@ class ExpressionParser {
   syntax::Expression power(First first);
   syntax::Expression primary();
   syntax::Arguments arguments();  // in parentheses
+  syntax::Conditional conditional();
 
   TokenReader& tokens_;
   int& depth_;

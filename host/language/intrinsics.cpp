@@ -2,6 +2,7 @@
 #include "language/intrinsics.h"
 
 #include "language/arrays.h"
+#include "language/conditional.h"
 #include "language/conversions.h"
 #include "runtime/variant.h"
 
@@ -24,12 +25,17 @@ Expr varTypeFunction(const Callee&, Exprs arguments) {
                      [value = std::move(value)](Frame& f) { return varTypeOf(value->reference(f).get()); });
 }
 
-// Array(1, 2, 3): of the elements' type, of Double where they are different numbers, else of Variant.
+// Array(1, 2, 3): of the elements' type, of Double where they are different numbers, of
+// the nearest class of all where they are objects, else of Variant.
 Expr arrayOf(const Callee& callee, Exprs arguments) {
   if (arguments.empty()) fail(callee.position, "Array needs an element to know its type from");
   Type type = arguments[0]->type;
   for (const Expr& each : arguments) {
     if (each->type == type) continue;
+    if (isPlainObject(each->type) && isPlainObject(type)) {
+      type.objectClass = commonClass(type.objectClass, each->type.objectClass);
+      continue;
+    }
     type = each->type.isNumber() && type.isNumber() ? Type{Kind::Double} : Type{Kind::Variant};
   }
   for (Expr& each : arguments) each = convertTo(std::move(each), type, "an element");

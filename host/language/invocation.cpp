@@ -32,6 +32,11 @@ class Evaluated {
   Evaluated& operator=(const Evaluated&) = delete;
 
   Slot call(const Call& function) { return function({slots_, first_ + count_}); }
+  // What the object's class makes of the method.
+  Slot call(const Method& method) {
+    const Method& target = method.place < 0 ? method : targetOf(method, *slots_[0].heap);
+    return target.sub ? call(*target.sub) : call(target.call);
+  }
   Slot call(const Sub& sub) {
     handedOver_ = count_;  // it takes over what it is handed by value
     return callSub(sub, slots_);
@@ -59,6 +64,25 @@ class Evaluated {
   Slot held_[mostParameters], slots_[mostParameters + 2];
 };
 
+}  // namespace
+
+Call unreadable() {
+  return Call(
+      [](const void*, const Slot*) -> Slot {
+        throw HostException("UnsupportedOperationException", "This can only be assigned to.");
+      },
+      nullptr);
+}
+
+Slot callNow(const Method& method, Heap* self, const std::vector<Passed>& arguments, Frame& frame) {
+  Evaluated values(arguments, frame, self);
+  Held result(values.call(method), method.declaration.result);
+  values.writeBack();
+  return result.detach();
+}
+
+namespace {
+
 // A call of a method. It can be assigned to where the method has a setter, which takes one more argument.
 class MethodCall {
  public:
@@ -66,15 +90,15 @@ class MethodCall {
       : method_(method),
         self_(std::move(self)),
         arguments_(std::move(arguments)),
-        member_(std::move(member)) {}
-
-  Slot run(Frame& frame, Heap* self) const {
-    Evaluated values(arguments_, frame, self);
-    Held result(values.call(method_.call), method_.declaration.result);
-    values.writeBack();
-    return result.detach();
+        member_(std::move(member)) {
+    if (self_ && self_->heldIn && (self_->isSelf || changeNothing(arguments_))) stays_ = self_->heldIn;
   }
-  Slot run(Frame& frame) const { return run(frame, object(frame).get()); }
+
+  Slot run(Frame& frame, Heap* self) const { return callNow(method_, self, arguments_, frame); }
+  Slot run(Frame& frame) const {
+    if (stays_) return run(frame, notNil(frame.locals[*stays_], member_).heap);
+    return run(frame, object(frame).get());
+  }
   void put(Frame& frame, Slot owned) const {
     const Held held(owned, method_.declaration.result);
     const Ref<Heap> self = object(frame);
@@ -102,10 +126,19 @@ class MethodCall {
     return object;
   }
 
+  // None of them can put another object where this one is.
+  static bool changeNothing(const std::vector<Passed>& arguments) {
+    for (const Passed& each : arguments) {
+      if (each.byRef || !(each.value->variable || each.value->literal || each.value->heldIn)) return false;
+    }
+    return true;
+  }
+
   const Method& method_;
   Expr self_;
   std::vector<Passed> arguments_;
-  std::string member_;  // as the program writes it
+  std::string member_;                // as the program writes it
+  std::optional<std::size_t> stays_;  // the slot that holds the object for as long as the call takes
 };
 
 class MethodPlace final : public Place {
@@ -123,14 +156,6 @@ class MethodPlace final : public Place {
 };
 
 }  // namespace
-
-Slot notNil(Slot object, const std::string& member) {
-  if (!object.heap) {
-    throw HostException("NilObjectException",
-                        "A member of Nil is used" + (member.empty() ? "." : ": " + member + "."));
-  }
-  return object;
-}
 
 Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std::string member) {
   const Type result = method.declaration.result;

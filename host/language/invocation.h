@@ -1,6 +1,7 @@
 // Calls whose arguments are of the parameters' types already.
 #pragma once
 
+#include "language/fields.h"
 #include "language/program.h"
 #include "runtime/class.h"
 
@@ -20,11 +21,12 @@ struct Passed {
 Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std::string member = "");
 // Of a Sub or Function of the program, which stays where it is.
 Expr invoke(const Sub& sub, std::vector<Passed> arguments);
+// The reading of what can be assigned to alone: throws a HostException.
+Call unreadable();
+
+// The call itself, on an object that the caller holds; null where the method needs none.
+Slot callNow(const Method& method, Heap* self, const std::vector<Passed>& arguments, Frame& frame);
 // A new object, on which the constructor is called.
 Expr construct(const Class& made, const Method& constructor, std::vector<Passed> arguments);
-
-// The object whose member is used; throws the host's NilObjectException for Nil, which names the member as
-// the program writes it, where that is known.
-Slot notNil(Slot object, const std::string& member = "");
 
 }  // namespace host

@@ -46,7 +46,8 @@ void collect(Collected& names, const Members& members) {
   for (const auto& each : members) {
     if constexpr (requires { each.declaration; }) {
       const std::string& name = each.declaration.name;
-      if (!name.starts_with("Operator_") && !sameName(name, "Constructor")) names.push_back(name);
+      const bool isHidden = name.starts_with("Operator_") || name.find(' ') != std::string::npos;
+      if (!isHidden && !sameName(name, "Constructor")) names.push_back(name);
     } else if (!each.hidden) {
       names.push_back(each.name);
     }
@@ -66,6 +67,13 @@ Collected membersOf(Type type) {
     collect(names, registry().functions);  // of which it may be the first argument
   }
   return names;
+}
+
+// What is declared in a module, a class or an enumeration of the session.
+void collectDeclared(Collected& names, const Declarations& space) {
+  for (const auto& [key, value] : space.values) names.push_back(nameOf(value));
+  for (const auto& [key, subs] : space.subs) names.push_back(subs[0]->declaration.name);
+  for (const auto& [key, inner] : space.spaces) names.push_back(inner->name);
 }
 
 bool isNamePart(char c) { return std::isalnum(static_cast<unsigned char>(c)) || c == '_' || (c & 0x80); }
@@ -93,7 +101,8 @@ void Session::stop() noexcept { parts_->names.stepsLeft->store(0); }
 
 bool Session::knows(std::string_view name) const {
   const std::string key = lowerCase(name);
-  return parts_->names.values.contains(key) || parts_->names.subs.contains(key);
+  const ModuleNames& module = parts_->names;
+  return module.values.contains(key) || module.subs.contains(key) || module.spaces.contains(key);
 }
 
 Completions Session::completions(std::string_view line) const {
@@ -109,6 +118,12 @@ Completions Session::completions(std::string_view line) const {
     if (value != module.values.end()) {
       const auto* global = std::get_if<Global*>(&value->second);
       names = membersOf(global ? (*global)->type : std::get<Constant>(value->second).type);
+    } else if (const auto space = module.spaces.find(lowerCase(owner)); space != module.spaces.end()) {
+      collectDeclared(names, *space->second);
+      if (const Class* type = space->second->ofClass) {
+        collect(names, type->sharedMethods);
+        collect(names, type->sharedProperties);
+      }
     } else if (const Class* type = registry().findClass(owner)) {
       collect(names, type->sharedMethods);
       collect(names, type->sharedProperties);
@@ -120,11 +135,8 @@ Completions Session::completions(std::string_view line) const {
          ++word) {
       names.emplace_back(spellingOf(static_cast<Keyword>(word)));
     }
-    for (const auto& [key, value] : module.values) {
-      const auto* global = std::get_if<Global*>(&value);
-      names.push_back(global ? (*global)->name : key);
-    }
-    for (const auto& [key, sub] : module.subs) names.push_back(sub->name);
+    collectDeclared(names, module);
+    for (const Declarations* each : module.modules) collectDeclared(names, *each);
     for (const Class& each : registry().classes) {
       if (!each.name.starts_with("_")) names.push_back(each.name);
     }

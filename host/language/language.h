@@ -25,7 +25,7 @@ class Program {
   // where there is a limit. Throws ProgramError.
   Program(const std::string& file, std::string_view text, std::optional<std::int64_t> steps = {});
   ~Program();
-  void run() const;  // throws HostException, OutOfSteps
+  void run() const;  // throws HostException, ProgramEnd
   const std::vector<Problem>& warnings() const;
 
  private:
@@ -46,7 +46,7 @@ class Session {
   explicit Session(const std::string& file);
   ~Session();
   // Throws ProgramError before anything of the piece runs (its atEnd: more text may complete it),
-  // HostException, OutOfSteps.
+  // HostException, ProgramEnd.
   void run(std::string_view piece);
   const std::vector<Problem>& warnings() const;  // of the last piece
   void stop() noexcept;  // ends what runs, with OutOfSteps; a signal's handler may call it

@@ -102,9 +102,7 @@ Stmt elementLoop(Position position, Expr array, std::unique_ptr<Place> current, 
     const Ref<Heap> held = array->reference(frame);
     auto* elements = static_cast<Array*>(held.get());
     for (std::int64_t i = 0; elements && i < elements->count(); ++i) {
-      const Slot value = elements->at(i);
-      if (current->type.isReference()) retain(value.heap);
-      current->put(frame, value);
+      current->put(frame, elements->get(i));
       assign->run(frame);
       const Flow flow = body.run(frame);
       if (!goesOn(flow, Flow::continueFor)) return afterLoop(flow, Flow::exitFor);

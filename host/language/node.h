@@ -11,14 +11,14 @@
 
 #include "language/problem.h"
 #include "runtime/heap.h"
+#include "runtime/running_call.h"
 #include "runtime/value.h"
 
 namespace host {
 
 // One call of a Sub or Function, or the main program.
-struct Frame {
+struct Frame : RunningCall {
   Slot* locals = nullptr;
-  int line = 0;      // of the statement being run
   Slot result = {};  // owned, where it is a reference
 };
 
@@ -88,6 +88,7 @@ struct Block {
 };
 
 class Place;
+class MethodReference;
 
 class Expression {
  public:
@@ -122,6 +123,7 @@ class Expression {
 
   // Itself, where it can be assigned to.
   virtual const Place* place() const { return nullptr; }
+  virtual const MethodReference* methodReference() const { return nullptr; }
   // The statement that stores the value in a variable, with the computation inside it: one step instead of
   // two. Takes the expression's function with it; null, and nothing taken, where there is none.
   virtual Stmt storing(const Variable&, Position) { return nullptr; }
@@ -131,6 +133,10 @@ class Expression {
   bool isLiteral = false;               // a number that fits whatever holds it
   std::optional<std::int64_t> literal;  // of an integer literal
   std::optional<Variable> variable;     // that it reads, where it is no more than that
+  // The slot of the frame that it reads, where it is no more than an object in it: nobody but the frame's own
+  // statements can put another one there, and none of them where it is the object whose method runs.
+  std::optional<std::size_t> heldIn;
+  bool isSelf = false;
 };
 using Expr = std::unique_ptr<Expression>;
 using Exprs = std::vector<Expr>;

@@ -1,6 +1,7 @@
 // Variables of the frame and of the module, properties, memory.
 #include "language/places.h"
 
+#include "language/fields.h"
 #include "language/invocation.h"
 #include "language/shared_reference.h"
 #include "language/widen.h"
@@ -31,6 +32,7 @@ class LocalPlace final : public FoundPlace<LocalPlace> {
  public:
   LocalPlace(Type ofType, std::size_t slot) : FoundPlace(ofType), slot_(slot) {
     if (!ofType.isReference() && ofType.kind != Kind::Single) variable = Variable{nullptr, slot};
+    if (isPlainObject(ofType)) heldIn = slot;
   }
   Slot& find(Frame& frame) const { return frame.locals[slot_]; }
   std::unique_ptr<Place> again() const override { return localPlace(type, slot_); }
@@ -83,12 +85,14 @@ std::unique_ptr<Place> byRefPlace(Type type, std::size_t slot) {
 std::unique_ptr<Place> globalPlace(Global& global) { return std::make_unique<GlobalPlace>(global); }
 
 Expr property(const Property& property, Expr self, const std::string& member) {
+  if (property.offset != 0) return field(property, std::move(self), member);
+  if (property.get) return invoke(*property.get, std::move(self), {}, member);
   const Type type = property.type;
   const Property* record = &property;
   if (property.field) {
     const auto locate = [record, member](const Slot& object) {
       Heap* held = notNil(object, member).heap;
-      return reinterpret_cast<std::byte*>(held) + held->objectClass->dataOffset + record->parameter;
+      return reinterpret_cast<std::byte*>(held) + record->owner->dataOffset + record->parameter;
     };
     return operandPlace<1>(
         type, {std::move(self)},

@@ -64,6 +64,8 @@ void Problems::addWarning(Position position, const std::string& message) { keep(
 
 bool Problems::expectUnknown(const std::string& name) { return unknown_.insert(lowerCase(name)).second; }
 
+bool Problems::isExpected(const std::string& name) const { return unknown_.contains(lowerCase(name)); }
+
 void Problems::throwIfAny() const {
   if (anyError_) throw ProgramError(found());
 }

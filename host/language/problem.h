@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "runtime/throwing.h"
+
 namespace host {
 
 struct Position {
@@ -43,6 +45,14 @@ class UnknownName final : public ProgramError {
   std::string name;
 };
 
+// What is wrong with the use of a name, and not worth saying where the name's own declaration is wrong.
+class WrongUse final : public ProgramError {
+ public:
+  WrongUse(Position where, std::string used, const std::string& message)
+      : ProgramError(where, message), name(std::move(used)) {}
+  std::string name;
+};
+
 // What could not be read, and was reported when it was.
 class FollowsFromAnother final : public ProgramError {
  public:
@@ -50,9 +60,8 @@ class FollowsFromAnother final : public ProgramError {
       : ProgramError(where, "this follows from a problem that was found before") {}
 };
 
-// Ends a program that has taken all the steps that it may. No exception of its language: it could catch that
-// and go on.
-class OutOfSteps final : public std::exception {
+// Ends a program that has taken all the steps that it may.
+class OutOfSteps final : public ProgramEnd {
  public:
   const char* what() const noexcept override { return "the program has taken all the steps that it may"; }
 };
@@ -81,6 +90,8 @@ class Problems {
     } catch (const FollowsFromAnother&) {
     } catch (const UnknownName& error) {
       if (expectUnknown(error.name)) add(error);
+    } catch (const WrongUse& error) {
+      if (!isExpected(error.name)) add(error);
     } catch (const ProgramError& error) {
       add(error);
     }
@@ -95,6 +106,7 @@ class Problems {
   void startPass() { ++pass_; }
   // The name is not declared because of a problem that was found; whether this was not known.
   bool expectUnknown(const std::string& name);
+  bool isExpected(const std::string& name) const;
 
   // Throws a ProgramError of all that was found, if anything but warnings.
   void throwIfAny() const;

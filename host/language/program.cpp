@@ -5,13 +5,15 @@
 #include <pthread.h>
 
 #include <cstring>
+#include <utility>
 
 #include "runtime/thread.h"
+#include "runtime/trap.h"
 
 namespace host {
 
 Sub::~Sub() {
-  for (const SubParameter& parameter : parameters) {
+  for (const Parameter& parameter : parameters) {
     if (parameter.defaultValue) releaseSlot(*parameter.defaultValue, parameter.type);
   }
 }
@@ -54,20 +56,29 @@ const char* stackLimit() {
   return limit;
 }
 
-std::string where(const std::string& file, const Frame& frame, const std::string& sub) {
-  return file + ":" + std::to_string(frame.line) + (sub.empty() ? "" : ": " + sub);
-}
+// While it lives, the frame is this thread's innermost call.
+class CallScope {
+ public:
+  explicit CallScope(Frame& frame) : caller_(runningCall) {
+    frame.caller = caller_;
+    runningCall = &frame;
+  }
+  ~CallScope() { runningCall = caller_; }
+  CallScope(const CallScope&) = delete;
+  CallScope& operator=(const CallScope&) = delete;
 
-void runFrame(const std::string& file, Frame& frame, const Block& body, const std::string& name) {
+ private:
+  const RunningCall* const caller_;
+};
+
+void runFrame(const std::string& file, Frame& frame, const Block& body, const char* name) {
+  frame.file = file.c_str();
+  frame.sub = name;
+  const CallScope scope(frame);
   try {
     body.run(frame);
-  } catch (HostException& exception) {
-    exception.trace.push_back(where(file, frame, name));
-    throw;
   } catch (const std::bad_alloc&) {
-    HostException exception("OutOfMemoryException", "There is not enough memory.");
-    exception.trace.push_back(where(file, frame, name));
-    throw exception;
+    throw HostException("OutOfMemoryException", "There is not enough memory.");
   }
 }
 
@@ -84,19 +95,37 @@ Slot callSub(const Sub& sub, const Slot* arguments) {
   const std::size_t count = sub.locals.size();
   auto* locals = static_cast<Slot*>(alloca((count + 1) * sizeof(Slot)));
   std::memset(locals, 0, count * sizeof(Slot));
-  for (std::size_t i = 0; i < sub.parameters.size(); ++i) locals[i] = arguments[i];
+  const std::size_t given = sub.parameters.size() + (sub.hasSelf ? 1 : 0);
+  for (std::size_t i = 0; i < given; ++i) locals[i] = arguments[i];
   const LocalsScope scope(locals, sub.locals);
   checkStack();
-  Frame frame;
+  struct CallFrame : Frame {
+    explicit CallFrame(Type ofResult) : type(ofResult) {}
+    ~CallFrame() { releaseSlot(result, type); }  // where an exception leaves it
+    const Type type;
+  } frame(sub.result);
   frame.locals = locals;
   frame.line = sub.position.line;
-  try {
-    runFrame(sub.file, frame, sub.body, sub.name);
-  } catch (...) {
-    releaseSlot(frame.result, sub.result);
-    throw;
-  }
-  return frame.result;
+  runFrame(sub.file, frame, sub.body, sub.name.c_str());
+  return std::exchange(frame.result, Slot{});
+}
+
+Call callOf(const Method& method) {
+  return Call(
+      [](const void* own, const Slot* arguments) {
+        const auto& declared = *static_cast<const Method*>(own);
+        const Method& target = declared.place < 0 ? declared : targetOf(declared, *arguments[0].heap);
+        const std::vector<Parameter>& parameters = target.declaration.parameters;
+        const std::size_t first = !target.sub || target.sub->hasSelf ? 1 : 0;
+        const std::span<const Slot> given(arguments, first + parameters.size());
+        if (!target.sub) return target.call(given);
+        std::vector<Slot> handed(given.begin(), given.end());
+        for (std::size_t i = 0; i < parameters.size(); ++i) {
+          if (!parameters[i].byRef && parameters[i].type.isReference()) retain(handed[first + i].heap);
+        }
+        return callSub(*target.sub, handed.data());
+      },
+      &method);
 }
 
 Stmt countStep(StepsLeft& left) {
@@ -134,6 +163,7 @@ void runMain(const Main& main) {
   pthread_attr_setstacksize(&attributes, threadStackSize);
   pthread_t thread;
   const auto entry = [](void* argument) -> void* {
+    const AlternateStack forSignals;
     (*static_cast<decltype(body)*>(argument))();
     return nullptr;
   };

@@ -16,6 +16,7 @@
 
 #include "language/language.h"
 #include "runtime/name.h"
+#include "runtime/output.h"
 #include "runtime/report.h"
 #include "runtime/thread.h"
 
@@ -192,7 +193,7 @@ class Repl {
     if (isatty(STDIN_FILENO) != 0) {
       stopped.emplace(session_);
       editor.emplace(session_);
-      std::puts("Type help for help.");
+      print("Type help for help.\n");
     }
     setUncaughtHandler([&](const HostException& exception) { tell(describe(exception)); });
     std::string pending;
@@ -211,7 +212,7 @@ class Repl {
         }
       }
       enter(pending, *line, editor ? &*editor : nullptr);
-      std::fflush(stdout);
+      flushOutput();
     }
     if (!pending.empty()) compile(pending);
     joinAll();
@@ -227,7 +228,7 @@ class Repl {
 
   void tell(const std::string& text) {
     failed_ = true;
-    std::fflush(stdout);
+    flushOutput();
     std::fputs(text.c_str(), stderr);
   }
 
@@ -243,7 +244,7 @@ class Repl {
     if (text.empty()) {
       tell(noDocumentationOf(rest) + "\n");
     } else {
-      std::fputs(text.c_str(), stdout);
+      print(text);
     }
     return true;
   }
@@ -284,6 +285,8 @@ class Repl {
       tell(describe(exception));
     } catch (const OutOfSteps&) {
       tell("\nstopped\n");
+    } catch (const ProgramEnd& end) {
+      tell(file_ + ": " + end.what() + "\n");
     }
     return Outcome::done;
   }

@@ -2,16 +2,22 @@
 #pragma once
 
 #include "runtime/heap.h"
+#include "runtime/sharing.h"
 #include "runtime/value.h"
 
 namespace host {
 
-// Gives a reference of the caller's own to what the slot holds. Readers never wait, neither for each other
-// nor for a writer.
-Ref<Heap> loadShared(const Slot& slot);
+// Gives a reference of the caller's own to what the slot holds.
+inline Ref<Heap> loadShared(const Slot& slot) {
+  const Using use(&slot);
+  return Ref<Heap>::share(slot.heap);
+}
 
-// Puts what the caller owns in the slot, and gives back what was there, once no thread is about to take a
-// reference to it.
-void storeShared(Slot& slot, Heap* owned);
+// Puts what the caller owns in the slot, and gives back what was there.
+inline void storeShared(Slot& slot, Heap* owned) {
+  Ref<Heap> old;  // goes when this thread is no longer alone with the slot
+  const Changing change(&slot);
+  old = Ref<Heap>::adopt(std::exchange(slot.heap, owned));
+}
 
 }  // namespace host

@@ -26,7 +26,8 @@ std::string elementsOf(const Array& array, int depth) {
   std::string text = "[";
   const std::int64_t count = array.count();
   for (std::int64_t i = 0; i < count && i < mostElements; ++i) {
-    text += (i > 0 ? ", " : "") + shownInside(array.at(i), array.elementType, depth);
+    const Held element(array.get(i), array.elementType);
+    text += (i > 0 ? ", " : "") + shownInside(element.slot, array.elementType, depth);
   }
   if (count > mostElements) text += ", … " + std::to_string(count) + " in all";
   return text + "]";
@@ -51,6 +52,7 @@ std::string propertiesOf(Heap& object, int depth) {
   for (const Class* type = object.objectClass; type; type = type->super) {
     for (const Property& each : type->properties) {
       if (each.hidden || each.type.kind == Kind::Pointer) continue;
+      if (each.get) continue;  // a program's own, which may do anything
       Slot value;
       if (each.field) {
         value =

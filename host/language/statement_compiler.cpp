@@ -1,11 +1,13 @@
 // Statements: the scopes of their names, and the order in which their parts are compiled.
 #include "language/statement_compiler.h"
 
+#include <algorithm>
 #include <tuple>
 
 #include "language/arrays.h"
 #include "language/assignments.h"
 #include "language/conversions.h"
+#include "language/delegates.h"
 #include "language/loops.h"
 #include "language/operators.h"
 #include "language/shown.h"
@@ -52,72 +54,107 @@ void StatementCompiler::compile(const syntax::Dim& dim, Position, Block& block) 
     const syntax::Expression* initial = group.initial ? &*group.initial : nullptr;
     for (const syntax::Dim::Variable& variable : group.variables) {
       problems_.attempt([&] {
-        const Type type = typeFor(variable.name, group.type);
-        declare(variable, variable.array ? type.arrayOf() : type, initial, block);
+        const Type type =
+            typeFor(variable.name, group.type.position, [&] { return names_.typeOf(group, variable); });
+        declare(variable, type, initial, dim.isStatic, block);
       });
     }
   }
 }
 
-Type StatementCompiler::typeFor(const syntax::Name& name, const syntax::TypeName& type) {
+template <typename Find>
+Type StatementCompiler::typeFor(const syntax::Name& name, Position position, Find find) {
   std::optional<Type> found;
-  problems_.attempt([&] { found = typeOf(type); });
+  problems_.attempt([&] { found = find(); });
   if (found) return *found;
   problems_.expectUnknown(name.text);
-  throw FollowsFromAnother(type.position);
+  throw FollowsFromAnother(position);
+}
+
+Type StatementCompiler::typeFor(const syntax::Name& name, const syntax::TypeName& type) {
+  return typeFor(name, type.position, [&] { return names_.typeOf(type); });
 }
 
 // The value is compiled before the name is known, so that it cannot use itself.
 void StatementCompiler::declare(const syntax::Dim::Variable& variable, Type type,
-                                const syntax::Expression* initial, Block& block) {
-  const Position position = variable.name.position;
-  Expr bound, value;
+                                const syntax::Expression* initial, bool isStatic, Block& block) {
+  const auto place = [&] {
+    return isStatic ? names_.declareStatic(variable.name, type) : names_.declare(variable.name, type);
+  };
+  Expr value;
   const bool fits = problems_.attempt([&] {
-    if (variable.bound) {
-      bound = convertTo(expressions_.compile(*variable.bound), {Kind::Int64}, "the upper bound");
-    }
-    if (initial) value = expressions_.compile(*initial);
+    value = initial ? expressions_.compile(*initial) : boundsOf(variable, type);
     if (value && !isPlainObject(type)) {
       value = convertTo(std::move(value), type, "the value of " + variable.name.text);
     }
   });
-  if (!fits) {  // which does not change what the name stands for
-    names_.declare(variable.name, type);
-    return;
+  if (!fits) return void(place());  // which does not change what the name stands for
+  if (!isStatic) return start(variable.name, type, std::move(value), place, block);
+  Block first;  // when the declaration is come by for the first time
+  start(variable.name, type, std::move(value), place, first);
+  block.statements.push_back(once(variable.name.position, std::move(first)));
+}
+
+// The new array that the bounds ask for; null where the variable is none.
+Expr StatementCompiler::boundsOf(const syntax::Dim::Variable& variable, Type type) {
+  if (!type.array) return nullptr;
+  Exprs bounds;
+  for (const syntax::Expression& each : variable.bounds) {
+    bounds.push_back(convertTo(expressions_.compile(each), {Kind::Int64}, "the upper bound"));
   }
+  return newArray(type, std::move(bounds));
+}
+
+void StatementCompiler::start(const syntax::Name& name, Type type, Expr value,
+                              const std::function<std::unique_ptr<Place>()>& place, Block& block) {
+  const Position position = name.position;
   if (value && isPlainObject(type)) {
     // Starts as Nil and is then assigned to, which is where a class converts from other types.
-    block.statements.push_back(declaration(position, names_.declare(variable.name, type), nullptr));
-    block.statements.push_back(assignment(position, names_.expect(variable.name), std::move(value)));
+    std::unique_ptr<Place> made = place();
+    block.statements.push_back(declaration(position, std::move(made), nullptr));
+    block.statements.push_back(assignment(position, names_.expect(name), std::move(value)));
     return;
   }
-  if (!value && type.array) value = newArray(type, std::move(bound));
-  block.statements.push_back(declaration(position, names_.declare(variable.name, type), std::move(value)));
+  block.statements.push_back(declaration(position, place(), std::move(value)));
+}
+
+void StatementCompiler::startProperty(const syntax::Dim::Group& group, Type type, Expr place, Block& block) {
+  const syntax::Dim::Variable& variable = group.variables[0];
+  Expr value = boundsOf(variable, type);
+  if (group.initial) value = expressions_.compile(*group.initial);
+  if (!value) return;
+  if (!isPlainObject(type)) {
+    value = convertTo(std::move(value), type, "the value of " + variable.name.text);
+  }
+  block.statements.push_back(assignment(variable.name.position, std::move(place), std::move(value)));
 }
 
 void StatementCompiler::compile(const syntax::Const& declared, Position, Block&) {
-  const std::string& name = declared.name.text;
   names_.checkFree(declared.name);
-  const bool fits = problems_.attempt([&] {
-    std::optional<Type> type;
-    if (declared.type) type = typeOf(*declared.type);
-    Constant constant;
-    std::tie(constant.slot, constant.type) =
-        expressions_.constant(declared.value, type, "the value of " + name);
-    if (constant.type.isReference()) constant.keep = Ref<Heap>::adopt(constant.slot.heap);
-    if (!constant.type.isNumber() && !isBoolean(constant.type) && !isText(constant.type)) {
-      fail(declared.value.position,
-           name + " is a " + nameOf(constant.type) + "; a constant is a number, a Boolean or a String");
-    }
-    names_.declareConstant(declared.name, std::move(constant));
-  });
-  if (!fits) problems_.expectUnknown(name);
+  const bool fits = problems_.attempt([&] { names_.declareConstant(declared.name, constant(declared)); });
+  if (!fits) problems_.expectUnknown(declared.name.text);
+}
+
+Constant StatementCompiler::constant(const syntax::Const& declared) {
+  const std::string& name = declared.name.text;
+  std::optional<Type> type;
+  if (declared.type) type = names_.typeOf(*declared.type);
+  Constant constant;
+  constant.name = name;
+  std::tie(constant.slot, constant.type) =
+      expressions_.constant(declared.value, type, "the value of " + name);
+  if (constant.type.isReference()) constant.keep = Ref<Heap>::adopt(constant.slot.heap);
+  if (!constant.type.isNumber() && !isBoolean(constant.type) && !isText(constant.type)) {
+    fail(declared.value.position,
+         name + " is a " + nameOf(constant.type) + "; a constant is a number, a Boolean or a String");
+  }
+  return constant;
 }
 
 void StatementCompiler::compile(const syntax::Assign& assign, Position position, Block& block) {
   const auto* name = std::get_if<syntax::Name>(&assign.target.node);
   if (name && sub_ && sub_->result.kind != Kind::None && sameName(name->text, sub_->name) &&
-      !names_.find(name->text)) {
+      !mayBeAssignedTo(name->text)) {
     fail(position, "the result of " + sub_->name + " is given by Return: Return …");
   }
   Expr target = expressions_.compile(assign.target);
@@ -128,6 +165,18 @@ void StatementCompiler::compile(const syntax::Assign& assign, Position position,
   block.statements.push_back(assign.compound ? compoundAssignment(position, *assign.compound,
                                                                   std::move(target), std::move(value), hidden)
                                              : assignment(position, std::move(target), std::move(value)));
+}
+
+bool StatementCompiler::mayBeAssignedTo(const std::string& name) const {
+  if (names_.find(name)) return true;
+  const Class* own = names_.ownClass();
+  if (own && (own->findProperty(name) || own->findSharedProperty(name))) return true;
+  std::vector<const Method*> all = names_.findSubs(name);
+  if (own) {
+    for (const Method* each : own->findMethods(name)) all.push_back(each);
+    for (const Method* each : own->findSharedMethods(name)) all.push_back(each);
+  }
+  return std::any_of(all.begin(), all.end(), [](const Method* each) { return each->assigning != nullptr; });
 }
 
 void StatementCompiler::failToAssign(const syntax::Expression& target, Position position) {
@@ -154,10 +203,16 @@ void StatementCompiler::warnOfOverwriting(const syntax::Assign& assign, Type tar
 }
 
 void StatementCompiler::compile(const syntax::ReDim& changed, Position position, Block& block) {
-  Expr array = names_.expect(changed.array);
-  if (!array->type.array) fail(position, changed.array.text + " is no array");
-  Expr bound = convertTo(expressions_.compile(changed.bound), {Kind::Int64}, "the upper bound");
-  block.statements.push_back(reDim(position, std::move(array), std::move(bound)));
+  Expr array = expressions_.compile(changed.array);
+  if (!array->type.array) {
+    const auto* name = std::get_if<syntax::Name>(&changed.array.node);
+    fail(position, (name ? name->text : "this") + " is no array");
+  }
+  Exprs bounds;
+  for (const syntax::Expression& each : changed.bounds) {
+    bounds.push_back(convertTo(expressions_.compile(each), {Kind::Int64}, "the upper bound"));
+  }
+  block.statements.push_back(reDim(position, std::move(array), std::move(bounds)));
 }
 
 // Simple statements.
@@ -225,9 +280,11 @@ void StatementCompiler::compile(const syntax::Jump& jumped, Position position, B
 void StatementCompiler::compile(const syntax::AddHandler& added, Position position, Block& block) {
   Expr object = expressions_.compile(added.object);
   expectEvent(*object, added.event.text, position);
-  const Sub* sub = names_.findSub(added.handler.text);
-  if (!sub) fail(added.handler.position, "there is no Sub " + added.handler.text);
-  block.statements.push_back(addHandler(position, std::move(object), *sub, added.handler.position));
+  Expr handler = expressions_.compile(added.handler);
+  auto& reference = static_cast<MethodReference&>(*handler);
+  const Position named = std::get<syntax::AddressOf>(added.handler.node).method->position;
+  block.statements.push_back(
+      addHandler(position, std::move(object), *reference.candidates()[0], reference.takeSelf(), named));
 }
 
 // Blocks.
@@ -290,7 +347,7 @@ void StatementCompiler::compile(const syntax::For& loop, Position position, Bloc
   const bool fits = problems_.attempt([&] {
     if (loop.type) names_.declare(name, typeFor(name, *loop.type));
     Expr variable = names_.find(name.text);
-    if (!variable && !names_.findSub(name.text)) {
+    if (!variable && names_.findSubs(name.text).empty()) {
       throw UnknownName(name.position, name.text,
                         "unknown name '" + name.text + "'; write For " + name.text + " As Integer = …");
     }
@@ -368,7 +425,7 @@ void StatementCompiler::compile(const syntax::Try& attempt, Position position, B
     CatchClause clause{hostClasses().exception, nullptr, {}};
     problems_.attempt([&] {
       if (each.type) {
-        const Type type = each.variable ? typeFor(*each.variable, *each.type) : typeOf(*each.type);
+        const Type type = each.variable ? typeFor(*each.variable, *each.type) : names_.typeOf(*each.type);
         if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isA(*clause.type)) {
           if (each.variable) problems_.expectUnknown(each.variable->text);
           fail(each.type->position, "expected a class of exceptions, found " + nameOf(type));

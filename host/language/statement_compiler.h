@@ -13,6 +13,9 @@ class StatementCompiler {
 
   // What is wrong goes to the problems, and the statements after it are compiled.
   Block block(const syntax::Block& statements);
+  Constant constant(const syntax::Const& declared);  // its value
+  // The first value of a property, if it has one.
+  void startProperty(const syntax::Dim::Group& group, Type type, Expr place, Block& block);
   // What may run again and again, and is counted where the program's steps are.
   Block counted(const syntax::Block& statements);
 
@@ -23,9 +26,15 @@ class StatementCompiler {
 
   void compile(const syntax::Dim& dim, Position position, Block& block);
   void declare(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
-               Block& block);
-  // The type of what is declared; where there is none, the name is expected to be unknown.
+               bool isStatic, Block& block);
+  void start(const syntax::Name& name, Type type, Expr value,
+             const std::function<std::unique_ptr<Place>()>& place, Block& block);
+  Expr boundsOf(const syntax::Dim::Variable& variable, Type type);
+  // The type that `find` gives; where there is none, the name is expected to be unknown.
+  template <typename Find>
+  Type typeFor(const syntax::Name& name, Position position, Find find);
   Type typeFor(const syntax::Name& name, const syntax::TypeName& type);
+  bool mayBeAssignedTo(const std::string& name) const;
   [[noreturn]] void failToAssign(const syntax::Expression& target, Position position);
   static void warnOfOverwriting(const syntax::Assign& assign, Type target, Type value);
   void compile(const syntax::Const& constant, Position position, Block& block);

@@ -40,25 +40,25 @@ bool StatementParser::atOneOf(const std::vector<BlockEnd>& ends) const {
 }
 
 Block StatementParser::block(const Opener& opener, BlockEnds ends) {
-  const Nesting nesting(depth_, tokens_);
-  open_.push_back({opener, ends});
   Block statements;
-  while (tokens_.skipLineEnds(), !atOneOf(open_.back().ends)) {
-    if (atOuterEnd()) {
-      reportMissing(opener, *ends.begin());
-      break;
-    }
+  linesUntil(opener, ends, Holds::statements, [&] {
     lineInto(statements);
-  }
-  open_.pop_back();
+    return true;
+  });
   return statements;
 }
 
-// Where no block goes on: at the end of the text, at a Sub, and where a block further out ends.
-bool StatementParser::atOuterEnd() const {
+// Where no block goes on: at the end of the text, where a block further out ends, and for one of statements
+// where something is declared.
+bool StatementParser::atOuterEnd(Holds holds) const {
   if (tokens_.peek().kind == TokenKind::endOfText) return true;
-  if (tokens_.is(Keyword::subWord) || tokens_.is(Keyword::functionWord)) return true;
-  return std::any_of(open_.begin(), open_.end(), [&](const Open& outer) { return atOneOf(outer.ends); });
+  if (holds == Holds::statements && tokens_.atDeclaration()) return true;
+  const bool isAccessor = tokens_.peek(1).kind == TokenKind::endOfLine &&
+                          (tokens_.is(Keyword::getWord) || tokens_.is(Keyword::setWord));
+  return std::any_of(open_.begin(), open_.end(), [&](const Open& outer) {
+    return atOneOf(outer.ends) ||
+           (isAccessor && holds == Holds::statements && outer.opener.word == Keyword::propertyWord);
+  });
 }
 
 void StatementParser::reportMissing(const Opener& opener, BlockEnd end) {
@@ -81,15 +81,7 @@ Block StatementParser::body(const Opener& opener, BlockEnd end) {
 }
 
 void StatementParser::lineInto(Block& block) {
-  part([&] { block.push_back(line()); });
-}
-
-template <typename Read>
-bool StatementParser::part(Read read) {
-  const std::size_t start = tokens_.place();
-  if (tokens_.problems.attempt(read)) return true;
-  tokens_.skipStatement(start);
-  return false;
+  tokens_.part([&] { block.push_back(line()); });
 }
 
 Statement StatementParser::line() {
@@ -117,6 +109,9 @@ Statement StatementParser::statement() {
       return after(&StatementParser::dim);
     case Keyword::constWord:
       return after(&StatementParser::constant);
+    case Keyword::staticWord:
+      if (tokens_.peek(1).kind != TokenKind::word) return simple();
+      return after(&StatementParser::staticDim);
     case Keyword::ifWord:
       return opened(&StatementParser::ifElse);
     case Keyword::selectWord:
@@ -229,15 +224,30 @@ Dim StatementParser::dim() {
   return declared;
 }
 
+Dim StatementParser::staticDim() {
+  Dim declared = dim();
+  declared.isStatic = true;
+  return declared;
+}
+
+void StatementParser::bounds(Dim::Variable& variable) {
+  if (!tokens_.accept(Symbol::open)) return;
+  variable.array = true;
+  if (tokens_.is(Symbol::comma)) {
+    while (tokens_.accept(Symbol::comma)) ++variable.dimensions;
+  } else if (!tokens_.is(Symbol::close)) {
+    variable.bounds = expressions_.list();
+    variable.dimensions = static_cast<std::uint8_t>(variable.bounds.size());
+  }
+  if (variable.dimensions > mostDimensions) tokens_.failHere("an array has too many dimensions");
+  tokens_.expect(Symbol::close, "after the upper bound of " + variable.name.text);
+}
+
 Dim::Group StatementParser::dimGroup() {
   Dim::Group group;
   do {
     Dim::Variable variable{tokens_.takeName("the name of a variable"), false, {}};
-    if (tokens_.accept(Symbol::open)) {
-      variable.array = true;
-      if (!tokens_.is(Symbol::close)) variable.bound = expressions_.expression();
-      tokens_.expect(Symbol::close, "after the upper bound of " + variable.name.text);
-    }
+    bounds(variable);
     group.variables.push_back(std::move(variable));
   } while (tokens_.accept(Symbol::comma));
   const bool single = group.variables.size() == 1;
@@ -297,7 +307,7 @@ If StatementParser::ifElse(const Opener& opener) {
   bool isBlock = false;
   If::Branch first;
   first.condition.emplace();
-  part([&] {
+  tokens_.part([&] {
     try {
       *first.condition = expressions_.expression();
       tokens_.expect(Keyword::thenWord, "after the condition of If");
@@ -320,7 +330,7 @@ If StatementParser::ifElse(const Opener& opener) {
   chosen.branches.push_back(std::move(first));
   while (tokens_.is(Keyword::elseWord) || tokens_.is(Keyword::elseIfWord)) {
     If::Branch branch;
-    part([&] {
+    tokens_.part([&] {
       const Token& word = tokens_.take();
       const bool inTwoWords = word.keyword == Keyword::elseWord && tokens_.accept(Keyword::ifWord);
       if (inTwoWords) tokens_.problems.add(ProgramError(word.position, "write 'ElseIf' as one word"));
@@ -351,7 +361,7 @@ Block StatementParser::alone() {
 
 Select StatementParser::select(const Opener& opener) {
   Select chosen;
-  part([&] {
+  tokens_.part([&] {
     tokens_.expect(Keyword::caseWord, "after Select");
     Expression value = expressions_.expression();
     tokens_.expectLineEnd("after the value of Select Case");
@@ -359,7 +369,7 @@ Select StatementParser::select(const Opener& opener) {
   });
   const BlockEnd end = endOf(Keyword::selectWord);
   tokens_.skipLineEnds();
-  if (!at(end) && !atOuterEnd()) {
+  if (!at(end) && !atOuterEnd(Holds::statements)) {
     if (!tokens_.is(Keyword::caseWord)) {
       tokens_.problems.attempt([&] { tokens_.failExpecting("'Case' or 'End Select'"); });
     }
@@ -369,7 +379,7 @@ Select StatementParser::select(const Opener& opener) {
   while (tokens_.is(Keyword::caseWord)) {
     Select::Case each;
     if (hasElse) tokens_.problems.attempt([&] { tokens_.failExpecting("'End Select' after Case Else"); });
-    part([&] {
+    tokens_.part([&] {
       tokens_.take();
       hasElse = tokens_.accept(Keyword::elseWord);
       if (!hasElse) {
@@ -399,7 +409,7 @@ Select::Test StatementParser::test() {
 
 For StatementParser::counting(Opener opener) {
   For loop;
-  part([&] {
+  tokens_.part([&] {
     loop.variable = tokens_.takeName("the variable of For");
     loop.type = typeIfAny();
     tokens_.expect(Symbol::equal, "after the variable of For");
@@ -418,7 +428,7 @@ For StatementParser::counting(Opener opener) {
 
 ForEach StatementParser::forEach(const Opener& opener) {
   ForEach loop;
-  part([&] {
+  tokens_.part([&] {
     tokens_.take();
     loop.variable = tokens_.takeName("the variable of For Each");
     loop.type = typeIfAny();
@@ -443,7 +453,7 @@ void StatementParser::next(const Opener& opener) {
       if (sameName(name.text, outer.opener.variable)) return reportMissing(opener, {Keyword::nextWord});
     }
   }
-  part([&] {
+  tokens_.part([&] {
     tokens_.take();
     if (isNamed && !sameName(name.text, opener.variable)) {
       tokens_.failHere("expected 'Next " + opener.variable + "', found 'Next " + name.text + "'");
@@ -454,7 +464,7 @@ void StatementParser::next(const Opener& opener) {
 
 Loop StatementParser::whileLoop(const Opener& opener) {
   Loop loop{LoopKind::whileLoop, Loop::Test{}, {}, {}};
-  part([&] {
+  tokens_.part([&] {
     Expression condition = expressions_.expression();
     tokens_.expectLineEnd("after the condition of While");
     loop.before->condition = std::move(condition);
@@ -471,12 +481,12 @@ Loop StatementParser::doLoop(const Opener& opener) {
     return Loop::Test{expressions_.expression(), until};
   };
   Loop loop{LoopKind::doLoop, {}, {}, {}};
-  part([&] {
+  tokens_.part([&] {
     loop.before = test();
     tokens_.expectLineEnd("after Do");
   });
   loop.body = block(opener, {{Keyword::loopWord}});
-  part([&] {
+  tokens_.part([&] {
     if (tokens_.accept(Keyword::loopWord)) loop.after = test();
   });
   return loop;
@@ -484,13 +494,13 @@ Loop StatementParser::doLoop(const Opener& opener) {
 
 Try StatementParser::tryCatch(const Opener& opener) {
   Try attempt;
-  part([&] { tokens_.expectLineEnd("after Try"); });
+  tokens_.part([&] { tokens_.expectLineEnd("after Try"); });
   const BlockEnd end = endOf(Keyword::tryWord);
   const BlockEnds ends = {end, {Keyword::catchWord}, {Keyword::finallyWord}};
   attempt.body = block(opener, ends);
   while (tokens_.is(Keyword::catchWord)) {
     Try::Catch clause;
-    part([&] {
+    tokens_.part([&] {
       tokens_.take();
       if (!tokens_.atLineEnd()) {
         clause.variable = tokens_.takeName("the variable of Catch");
@@ -502,7 +512,7 @@ Try StatementParser::tryCatch(const Opener& opener) {
     attempt.catches.push_back(std::move(clause));
   }
   if (tokens_.is(Keyword::finallyWord)) {
-    part([&] {
+    tokens_.part([&] {
       tokens_.take();
       tokens_.expectLineEnd("after Finally");
     });
@@ -544,17 +554,24 @@ AddHandler StatementParser::addHandler() {
   chain->links.pop_back();
   added.object = chain->links.empty() ? std::move(*chain->first) : std::move(event);
   tokens_.expect(Symbol::comma, "after the event");
-  tokens_.expect(Keyword::addressOfWord, "and the name of a Sub");
-  added.handler = tokens_.takeName("the name of a Sub");
+  if (!tokens_.is(Keyword::addressOfWord)) tokens_.failExpecting("'AddressOf' and the name of a Sub");
+  const Position position = tokens_.peek().position;
+  added.handler = {position, expressions_.addressOf()};
   return added;
 }
 
 ReDim StatementParser::reDim() {
   ReDim changed;
-  changed.array = tokens_.takeName("the name of an array");
-  tokens_.expect(Symbol::open, "after " + changed.array.text);
-  changed.bound = expressions_.expression();
-  tokens_.expect(Symbol::close, "after the upper bound");
+  changed.position = tokens_.peek().position;
+  if (tokens_.peek().kind != TokenKind::word) tokens_.failExpecting("the name of an array");
+  Expression array = expressions_.chain();
+  // What it is to be stands at its end, like the indices of an element.
+  auto* chain = std::get_if<Chain>(&array.node);
+  auto* last = chain ? std::get_if<Arguments>(&chain->links.back()) : nullptr;
+  if (!last || last->values.empty()) tokens_.failExpecting("'(' and the upper bounds of the array");
+  changed.bounds = std::move(last->values);
+  chain->links.pop_back();
+  changed.array = chain->links.empty() ? std::move(*chain->first) : std::move(array);
   return changed;
 }
 

@@ -1,7 +1,9 @@
 // Reads statements, and blocks of them.
 #pragma once
 
+#include <cstdint>
 #include <initializer_list>
+#include <vector>
 
 #include "language/expression_parser.h"
 
@@ -29,20 +31,35 @@ class StatementParser {
   void lineInto(syntax::Block& block);
   // What stands before the end, and the end.
   syntax::Block body(const Opener& opener, BlockEnd end);
+  syntax::Dim::Group dimGroup();  // variables of one type
+  syntax::Const constant();       // after the word Const
+
+  // What may stand in a block: statements alone, or declarations as well.
+  enum class Holds : std::uint8_t { statements, declarations };
+  // Calls `read` at each line before one of the ends, the first of which is the one that closes the block. It
+  // reads the line, and throws no ProgramError; or it gives false where the line is no part of the block.
+  // Where there is no end, that is reported.
+  template <typename Read>
+  void linesUntil(const Opener& opener, BlockEnds ends, Holds holds, Read read) {
+    const Nesting nesting(depth_, tokens_);
+    open_.push_back({opener, ends});
+    while (tokens_.skipLineEnds(), !atOneOf(open_.back().ends)) {
+      if (atOuterEnd(holds) || !read()) {
+        reportMissing(opener, *ends.begin());
+        break;
+      }
+    }
+    open_.pop_back();
+  }
+  bool accept(BlockEnd end);
 
  private:
   syntax::Statement line();
   bool at(BlockEnd end) const;
   bool atOneOf(const std::vector<BlockEnd>& ends) const;
-  bool accept(BlockEnd end);
-  // The statements before one of the ends, the first of which is the one that closes it. Where there is none
-  // of them it ends before what is no part of it.
   syntax::Block block(const Opener& opener, BlockEnds ends);
-  bool atOuterEnd() const;
+  bool atOuterEnd(Holds holds) const;
   void reportMissing(const Opener& opener, BlockEnd end);
-  // Reads a part of a statement that others follow on further lines; whether it can be read.
-  template <typename Read>
-  bool part(Read read);
   bool opensBlock(const Opener& opener) const;
   syntax::Block alone();  // one statement
   syntax::Statement statement();
@@ -55,8 +72,8 @@ class StatementParser {
 
   // What follows the word that opens the statement.
   syntax::Dim dim();
-  syntax::Dim::Group dimGroup();
-  syntax::Const constant();
+  syntax::Dim staticDim();
+  void bounds(syntax::Dim::Variable& variable);
   syntax::If ifElse(const Opener& opener);
   syntax::Select select(const Opener& opener);
   syntax::Select::Test test();

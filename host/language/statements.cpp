@@ -1,10 +1,13 @@
 // Statements as they run.
 #include "language/statements.h"
 
-#include <cstdio>
+#include <atomic>
+#include <mutex>
 
 #include "language/conversions.h"
+#include "language/fields.h"
 #include "runtime/exception.h"
+#include "runtime/output.h"
 #include "runtime/text.h"
 #include "runtime/thread.h"
 
@@ -75,9 +78,7 @@ Stmt returnValue(Position position, Expr value) {
 Stmt print(Position position, Expr value) {
   return statement(position, [value = displayed(std::move(value))](Frame& frame) {
     const Ref<Heap> text = value->reference(frame);
-    // Written in one piece, so that lines of several threads never mix.
-    const std::string line = utf8Of(static_cast<const Text*>(text.get())) + '\n';
-    std::fwrite(line.data(), 1, line.size(), stdout);
+    print(utf8Of(static_cast<const Text*>(text.get())) + '\n');
   });
 }
 
@@ -107,28 +108,37 @@ void expectEvent(const Expression& object, const std::string& event, Position po
   if (!isThread || !sameName(event, "Run")) fail(position, "a " + nameOf(type) + " has no event " + event);
 }
 
-Stmt addHandler(Position position, Expr object, const Sub& sub, Position subPosition) {
+Stmt addHandler(Position position, Expr object, const Method& handler, Expr self, Position handlerPosition) {
   const Type threadType{Kind::Object, false, hostClasses().thread};
-  const std::vector<SubParameter>& parameters = sub.parameters;
-  if (sub.result.kind != Kind::None || parameters.size() > 1 ||
+  const std::vector<Parameter>& parameters = handler.declaration.parameters;
+  if (handler.declaration.result.kind != Kind::None || parameters.size() > 1 ||
       (parameters.size() == 1 && (parameters[0].type != threadType || parameters[0].byRef))) {
-    fail(subPosition,
-         "a thread runs a Sub without parameters, or with one parameter As Thread; " + sub.name + " is not");
+    fail(handlerPosition, "a thread runs a Sub without parameters, or with one parameter As Thread; " +
+                              handler.declaration.name + " is not");
   }
-  return statement(position, [object = std::move(object), &sub](Frame& frame) {
+  return statement(position, [object = std::move(object), &handler, self = std::move(self)](Frame& frame) {
     const Ref<Heap> held = object->reference(frame);
     if (!held) throw HostException("NilObjectException", "The thread is Nil.");
-    setRunHandler(static_cast<Object&>(*held), [&sub](Object& started) {
-      Slot argument = {};
-      if (!sub.parameters.empty()) {
-        retain(&started);
-        argument.heap = &started;
-      }
-      try {
-        callSub(sub, &argument);
-      } catch (const OutOfSteps&) {  // ends this thread; the others notice themselves
-      }
+    const Ref<Heap> owner = self ? self->reference(frame) : nullptr;
+    if (self) notNil({.heap = owner.get()});
+    setRunHandler(static_cast<Object&>(*held), [&handler, owner](Object& started) {
+      const Slot arguments[] = {{.heap = owner ? owner.get() : &started}, {.heap = &started}};
+      handler.call(arguments);
     });
+  });
+}
+
+Stmt once(Position position, Block block) {
+  struct State {
+    std::recursive_mutex lock;  // the value may be computed by what comes by here itself
+    std::atomic<bool> done = false;
+  };
+  return statement(position, [state = std::make_shared<State>(), block = std::move(block)](Frame& frame) {
+    if (state->done.load(std::memory_order_acquire)) return;
+    const std::lock_guard lock(state->lock);
+    if (state->done.load(std::memory_order_relaxed)) return;
+    block.run(frame);
+    state->done.store(true, std::memory_order_release);
   });
 }
 

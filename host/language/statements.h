@@ -32,6 +32,10 @@ Stmt jump(Position position, Flow flow);
 
 // AddHandler object.Run, AddressOf sub. Only a Thread has an event, and it is Run.
 void expectEvent(const Expression& object, const std::string& event, Position position);
-Stmt addHandler(Position position, Expr object, const Sub& sub, Position subPosition);
+// `self`: whose method it is; null where it needs no object.
+Stmt addHandler(Position position, Expr object, const Method& handler, Expr self, Position handlerPosition);
+
+// Runs the block at the first time only, on one thread, for which others wait.
+Stmt once(Position position, Block block);
 
 }  // namespace host

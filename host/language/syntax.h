@@ -18,8 +18,11 @@ struct Name {
   Position position;
 };
 
-struct TypeName : Name {
+inline constexpr std::uint8_t mostDimensions = 8;
+
+struct TypeName : Name {  // of a module's or class's: with its name and a dot in front
   bool array = false;
+  std::uint8_t dimensions = 1;  // of an array
 };
 
 struct Expression;
@@ -52,6 +55,12 @@ struct Not {
   Position position;
   Box operand;
 };
+struct Conditional {  // If(condition, first, second)
+  Box condition, first, second;
+};
+struct AddressOf {
+  Box method;  // a name, or a chain that ends with one
+};
 
 // What follows a value: a member's name or arguments.
 using Link = std::variant<Name, Arguments>;
@@ -74,7 +83,9 @@ struct Sequence {
 
 struct Expression {
   Position position;
-  std::variant<Unread, Literal, Name, New, Parenthesised, Negation, Not, Chain, Sequence> node;
+  std::variant<Unread, Literal, Name, New, Parenthesised, Negation, Not, Conditional, AddressOf, Chain,
+               Sequence>
+      node;
 };
 
 struct Statement;
@@ -84,7 +95,8 @@ struct Dim {
   struct Variable {
     Name name;
     bool array = false;
-    std::optional<Expression> bound;
+    Expressions bounds;  // one of each dimension, or none
+    std::uint8_t dimensions = 1;
   };
   struct Group {  // of one type
     std::vector<Variable> variables;
@@ -92,6 +104,7 @@ struct Dim {
     std::optional<Expression> initial;  // after "As New" an expression New
   };
   std::vector<Group> groups;
+  bool isStatic = false;  // lives as long as the program
 };
 struct Const {
   Name name;
@@ -178,11 +191,13 @@ struct Raise {
 };
 struct AddHandler {
   Expression object;
-  Name event, handler;
+  Name event;
+  Expression handler;  // an AddressOf
 };
 struct ReDim {
-  Name array;
-  Expression bound;
+  Expression array;
+  Position position;
+  Expressions bounds;
 };
 
 struct Statement {
@@ -192,23 +207,90 @@ struct Statement {
       node;
 };
 
-// A Sub or Function.
+// What stands outside of every Sub.
+
+enum class Access : std::uint8_t { everyone, family, self };  // Public, Protected, Private
+struct Modifiers {
+  Access access = Access::everyone;
+  bool shared = false;  // a class's, not an object's
+};
+
+// A Sub or Function; without a body where it stands in an interface or declares a delegate.
 struct Sub {
+  enum class Taking : std::uint8_t {
+    one,
+    rest,      // ParamArray: an array of all further arguments
+    extended,  // Extends: the value that the method is called on
+    assigned,  // Assigns: the value on the right of an assignment
+  };
   struct Parameter {
     Name name;
     TypeName type;
     bool byRef = false;
     std::optional<Expression> defaultValue;
+    bool optional = false;  // without a default of its own: zero, Nil or ""
+    Taking taking = Taking::one;
   };
   Name name;
   std::vector<Parameter> parameters;
   std::optional<TypeName> result;
   bool isRead = true;  // all of the declaration
   Block body;
+  Modifiers modifiers;
+};
+
+struct Enum {
+  struct Member {
+    Name name;
+    std::optional<Expression> value;
+  };
+  Name name;
+  std::optional<TypeName> type;
+  std::vector<Member> members;
+};
+
+struct OwnConst {
+  Modifiers modifiers;
+  Const constant;
+};
+
+// A variable of a module or class, a field of an object, or what is computed in its place.
+struct Property {
+  Modifiers modifiers;
+  Name name;
+  TypeName type;
+  Dim::Group stored;            // where it is stored: one variable
+  std::optional<Sub> get, set;  // where it is computed
+};
+
+struct Class;
+struct Module;
+// What may be declared in a program, a module or a class, if in different measure.
+struct Members {
+  std::vector<Sub> subs;
+  std::vector<Enum> enums;
+  std::vector<Sub> delegates;
+  std::vector<Class> classes;
+  std::vector<Module> modules;
+  std::vector<OwnConst> constants;
+  std::vector<Property> properties;
+};
+
+struct Class {  // or interface, whose Subs have no bodies
+  Name name;
+  bool isInterface = false;
+  std::optional<TypeName> super;
+  std::vector<TypeName> interfaces;  // that it implements; of an interface, that it is more than
+  Members members;
+};
+
+struct Module {
+  Name name;
+  Members members;
 };
 
 struct Program {
-  std::vector<Sub> subs;
+  Members declared;
   Block main;
 };
 

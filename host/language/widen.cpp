@@ -1,6 +1,8 @@
 // From the narrow integers to 64 bits.
 #include "language/widen.h"
 
+#include <cstring>
+
 namespace host {
 
 Slot widened(Slot slot, Type type) {

@@ -1,45 +1,87 @@
 // Keeps the elements of arrays, and publishes where they are.
 #include "runtime/array.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "frame/host_interface.h"
 #include "runtime/class.h"
+#include "runtime/foreign_reads.h"
 #include "runtime/settings.h"
+#include "runtime/sharing.h"
 #include "runtime/throwing.h"
 
 namespace host {
 
 namespace {
+
 constexpr std::size_t publishedAt = arrayShape::storage;
 constexpr std::int64_t mostElements = std::int64_t{1} << 27;  // 1 GiB
+
+// In front of the elements: the memory that they were in before, which threads may still read. It is half as
+// large or less, so all that is kept is never more than what is used.
+struct Former {
+  Former* former;
+};
+Former* headOf(Slot* elements) { return elements ? reinterpret_cast<Former*>(elements) - 1 : nullptr; }
+Slot* behind(void* head) { return reinterpret_cast<Slot*>(static_cast<Former*>(head) + 1); }
+
+Slot load(const Slot& from) { return Slot{.word = loadRelaxed(from.word)}; }
+// Whoever finds a thing here, a library by a plain load, finds it complete.
+void store(Slot& to, Slot value) { __atomic_store_n(&to.word, value.word, __ATOMIC_RELEASE); }
+
+// Gives back what has been in an array.
+void releaseTaken(Heap* taken) {
+  const auto drop = [](void* thing) { release(static_cast<Heap*>(thing)); };
+  if (taken && threadsShare() && keepsWhileRead(taken, drop)) return;
+  release(taken);
+}
+
+// Like std::memmove. Threads that read the elements meanwhile see some of them where they were.
+void move(Slot* to, const Slot* from, std::int64_t count) {
+  if (!threadsShare()) {
+    std::memmove(to, from, static_cast<std::size_t>(count) * sizeof(Slot));
+  } else if (to < from) {
+    for (std::int64_t i = 0; i < count; ++i) store(to[i], load(from[i]));
+  } else {
+    for (std::int64_t i = count; i > 0; --i) store(to[i - 1], load(from[i - 1]));
+  }
+}
+
 }  // namespace
 
-void Array::publish() {
+void Array::setCount(std::int64_t newCount) {
   static_assert(sizeof(Heap) + sizeof(elementType) + sizeof(capacity) == publishedAt);
-  if (settings().otherArrayShape) return;
-  const auto put = [this](std::size_t offset, auto value) {
-    std::memcpy(published + (offset - publishedAt), &value, sizeof value);
+  elementCount.store(newCount, std::memory_order_release);
+  const Settings& chosen = settings();
+  if (chosen.otherArrayShape) return;
+  const auto publish = [this](std::size_t offset, auto value) {
+    __atomic_store_n(reinterpret_cast<decltype(value)*>(published + (offset - publishedAt)), value,
+                     __ATOMIC_RELEASE);
   };
-  const auto upperBound = static_cast<std::int32_t>(elementCount - 1);
-  put(arrayShape::storage, elements);
-  if (settings().version >= arrayShape::widerSinceHostVersion) {
-    put(arrayShape::dimensions, std::int64_t{1});
-    put(arrayShape::upperBoundSince2021, upperBound);
+  const auto upperBound = static_cast<std::int32_t>(newCount - 1);
+  publish(arrayShape::storage, reinterpret_cast<std::uintptr_t>(memory()));
+  if (chosen.version >= arrayShape::widerSinceHostVersion) {
+    publish(arrayShape::dimensions, std::int64_t{1});
+    publish(arrayShape::upperBoundSince2021, upperBound);
   } else {
-    put(arrayShape::dimensions, std::int32_t{1});
-    put(arrayShape::upperBoundBefore2021, upperBound);
+    publish(arrayShape::dimensions, std::int32_t{1});
+    publish(arrayShape::upperBoundBefore2021, upperBound);
   }
 }
 
 void Array::check(std::int64_t index) const {
-  if (index < 0 || index >= elementCount) {
+  const std::int64_t known = count();
+  if (index < 0 || index >= known) [[unlikely]] {
     throwException("OutOfBoundsException", "The index " + std::to_string(index) +
                                                " is outside of the array, whose upper bound is " +
-                                               std::to_string(elementCount - 1) + ".");
+                                               std::to_string(known - 1) + ".");
   }
 }
 
@@ -48,61 +90,122 @@ void Array::reserve(std::int64_t wanted) {
   const std::int64_t larger = wanted > 2 * capacity ? wanted : 2 * capacity;
   const bool isTooLarge =
       wanted > mostElements || static_cast<std::size_t>(wanted) > settings().mostBytes / sizeof(Slot);
-  void* memory =
-      isTooLarge ? nullptr : std::realloc(elements, static_cast<std::size_t>(larger) * sizeof(Slot));
-  if (!memory) {
+  Former* const head = headOf(memory());
+  const std::size_t bytes = sizeof(Former) + static_cast<std::size_t>(larger) * sizeof(Slot);
+  const bool keeps = threadsShare();
+  void* const made = isTooLarge ? nullptr : keeps ? std::malloc(bytes) : std::realloc(head, bytes);
+  if (!made) {
     throwException("OutOfMemoryException",
                    "There is no memory for an array of " + std::to_string(wanted) + " elements.");
   }
-  elements = static_cast<Slot*>(memory);
+  if (keeps) {
+    if (head) std::memcpy(made, head, sizeof(Former) + static_cast<std::size_t>(count()) * sizeof(Slot));
+    static_cast<Former*>(made)->former = head;
+  } else if (!head) {
+    static_cast<Former*>(made)->former = nullptr;
+  }
+  elements.store(behind(made), std::memory_order_release);
   capacity = larger;
+  setCount(count());  // says where they are, before there are more
 }
 
-Slot Array::at(std::int64_t index) const {
+Slot Array::get(std::int64_t index) const {
+  if (!elementType.isReference()) {
+    check(index);
+    return load(memory()[index]);
+  }
+  const Using use(this);
   check(index);
-  return elements[index];
+  const Slot value = memory()[index];
+  retain(value.heap);
+  return value;
 }
 
 void Array::set(std::int64_t index, Slot value) {
-  check(index);
-  const Slot old = elements[index];
-  if (elementType.isReference()) retain(value.heap);
-  elements[index] = value;
-  if (elementType.isReference()) release(old.heap);
+  if (!elementType.isReference()) {
+    const Using use(this);
+    check(index);
+    store(memory()[index], value);
+    return;
+  }
+  Heap* old;
+  {
+    const Changing change(this);
+    check(index);
+    retain(value.heap);
+    old = load(memory()[index]).heap;
+    store(memory()[index], value);
+  }
+  releaseTaken(old);
 }
 
 void Array::insert(std::int64_t index, Slot value) {
-  if (index != elementCount) check(index);
-  reserve(elementCount + 1);
+  const Changing change(this);
+  const std::int64_t known = count();
+  if (index != known) check(index);
+  reserve(known + 1);
   if (elementType.isReference()) retain(value.heap);
-  std::memmove(elements + index + 1, elements + index,
-               static_cast<std::size_t>(elementCount - index) * sizeof(Slot));
-  elements[index] = value;
-  ++elementCount;
-  publish();
+  move(memory() + index + 1, memory() + index, known - index);
+  store(memory()[index], value);
+  setCount(known + 1);
+}
+
+void Array::append(Slot value) {
+  const Changing change(this);
+  const std::int64_t known = count();
+  if (known >= capacity) reserve(known + 1);
+  if (elementType.isReference()) retain(value.heap);
+  store(memory()[known], value);
+  setCount(known + 1);
+}
+
+Slot Array::take(std::int64_t index) {
+  check(index);
+  const Slot old = load(memory()[index]);
+  const std::int64_t known = count();
+  move(memory() + index, memory() + index + 1, known - index - 1);
+  setCount(known - 1);
+  return old;
+}
+
+Slot Array::pop() {
+  Slot last;
+  {
+    const Changing change(this);
+    last = take(count() - 1);
+  }
+  if (elementType.isReference() && threadsShare()) {
+    retain(last.heap);
+    releaseTaken(last.heap);
+  }
+  return last;
 }
 
 void Array::remove(std::int64_t index) {
-  check(index);
-  const Slot old = elements[index];
-  std::memmove(elements + index, elements + index + 1,
-               static_cast<std::size_t>(elementCount - index - 1) * sizeof(Slot));
-  --elementCount;
-  publish();
-  if (elementType.isReference()) release(old.heap);
+  Slot old;
+  {
+    const Changing change(this);
+    old = take(index);
+  }
+  if (elementType.isReference()) releaseTaken(old.heap);
 }
 
 void Array::resize(std::int64_t newCount) {
-  while (elementType.isReference() && elementCount > newCount) {
-    release(elements[--elementCount].heap);
+  newCount = std::max<std::int64_t>(newCount, 0);
+  struct Dropped : std::vector<Heap*> {
+    ~Dropped() {
+      for (Heap* each : *this) releaseTaken(each);
+    }
+  } dropped;  // given back when this thread is no longer alone with the array
+  const Changing change(this);
+  const std::int64_t known = count();
+  if (elementType.isReference() && newCount < known) {
+    dropped.reserve(static_cast<std::size_t>(known - newCount));
+    for (std::int64_t i = known; i > newCount; --i) dropped.push_back(memory()[i - 1].heap);
   }
   reserve(newCount);
-  if (newCount > elementCount) {
-    std::memset(static_cast<void*>(elements + elementCount), 0,
-                static_cast<std::size_t>(newCount - elementCount) * sizeof(Slot));
-  }
-  elementCount = newCount;
-  publish();
+  for (std::int64_t i = known; i < newCount; ++i) store(memory()[i], Slot{});
+  setCount(newCount);
 }
 
 Ref<Array> makeArray(Type elementType, std::int64_t count) {
@@ -118,8 +221,11 @@ Ref<Array> makeArray(Type elementType, std::int64_t count) {
 
 void finalizeArray(Heap& thing) {
   auto& array = static_cast<Array&>(thing);
-  array.resize(0);
-  std::free(array.elements);
+  Slot* const elements = array.elements.load(std::memory_order_relaxed);
+  if (array.elementType.isReference()) {
+    for (std::int64_t i = array.count(); i > 0; --i) release(elements[i - 1].heap);
+  }
+  for (Former* head = headOf(elements); head;) std::free(std::exchange(head, head->former));
 }
 
 }  // namespace host

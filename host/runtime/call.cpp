@@ -8,6 +8,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "runtime/foreign_reads.h"
+
 namespace host {
 
 namespace {
@@ -149,6 +151,7 @@ Call::Call(REALproc callee, const std::vector<Passing>& arguments, Type result) 
   auto prepared = std::make_shared<Prepared>();
   for (const Passing& each : arguments) {
     prepared->types.push_back(each.byRef ? &ffi_type_pointer : ffiTypeOf(each.type));
+    readsReferences_ = readsReferences_ || (each.type.array && each.type.element().isReference());
   }
   prepared->result = result;
   ffi_prep_cif(&prepared->interface, FFI_DEFAULT_ABI, static_cast<unsigned>(prepared->types.size()),
@@ -158,7 +161,13 @@ Call::Call(REALproc callee, const std::vector<Passing>& arguments, Type result) 
   prepared_ = std::move(prepared);
 }
 
-Slot Call::throughLibffi(std::span<const Slot> arguments) const {
+Slot Call::whileReading(std::span<const Slot> arguments) const {
+  const ForeignReads reads;
+  return checked(arguments);
+}
+
+Slot Call::indirectly(std::span<const Slot> arguments) const {
+  if (run_) return run_(own_, arguments.data());
   // The low bytes of a slot are the narrower value itself, on the little-endian processors there are.
   std::array<void*, 32> values;
   for (std::size_t i = 0; i < arguments.size(); ++i) values[i] = const_cast<Slot*>(&arguments[i]);

@@ -23,6 +23,12 @@ bool Class::isA(const Class& other) const {
   for (const Class* each = this; each; each = each->super) {
     if (each == &other) return true;
   }
+  for (const Implementation& each : implementations) {
+    if (each.interface == &other) return true;
+  }
+  for (const Class* each : interfaces) {
+    if (each->isA(other)) return true;
+  }
   return false;
 }
 
@@ -41,6 +47,10 @@ const Property* Class::findSharedProperty(std::string_view propertyName) const {
 std::vector<const Method*> Class::findMethods(std::string_view methodName) const {
   std::vector<const Method*> found;
   for (const Class* each = this; each; each = each->super) collectNamed(each->methods, methodName, found);
+  for (const Class* each : isInterface ? interfaces : std::vector<const Class*>()) {
+    const std::vector<const Method*> more = each->findMethods(methodName);
+    found.insert(found.end(), more.begin(), more.end());
+  }
   return found;
 }
 std::vector<const Method*> Class::findSharedMethods(std::string_view methodName) const {
@@ -51,7 +61,7 @@ std::vector<const Method*> Class::findSharedMethods(std::string_view methodName)
 }
 
 std::string nameOf(Type type) {
-  if (type.array) return nameOf(type.element()) + "()";
+  if (type.array) return nameOf(type.element()) + "(" + std::string(type.array - 1U, ',') + ")";
   switch (type.kind) {
     case Kind::None:
       return "nothing";

@@ -18,6 +18,7 @@ struct Parameter {
   Type type;
   bool byRef = false;
   std::optional<Slot> defaultValue;  // numbers and Booleans; Nil and "" as null
+  bool rest = false;                 // of a program: an array of this and all further arguments
 };
 
 struct Declaration {

@@ -2,6 +2,7 @@
 #include "runtime/exception.h"
 
 #include "runtime/registry.h"
+#include "runtime/running_call.h"
 #include "runtime/throwing.h"
 
 namespace host {
@@ -12,7 +13,21 @@ ExceptionData& dataOf(const Object& exception) {
 }
 }  // namespace
 
-HostException::HostException(std::string_view className, std::string_view message) {
+Trace Trace::here() {
+  Trace trace;
+  std::size_t depth = 0;
+  for (const RunningCall* each = runningCall; each; each = each->caller) ++depth;
+  if (depth > keptFirst + keptLast + 1) trace.skipped = depth - keptFirst - keptLast;
+  trace.calls.reserve(depth - trace.skipped);
+  std::size_t passed = 0;
+  for (const RunningCall* each = runningCall; each; each = each->caller, ++passed) {
+    const bool isLeftOut = passed >= keptFirst && passed < keptFirst + trace.skipped;
+    if (!isLeftOut) trace.calls.push_back({each->file, each->sub, each->line});
+  }
+  return trace;
+}
+
+HostException::HostException(std::string_view className, std::string_view message) : trace(Trace::here()) {
   const Class* objectClass = registry().findClass(className);
   exception = makeObject(objectClass ? *objectClass : *hostClasses().exception);
   dataOf(*exception).message = makeText(message).detach();

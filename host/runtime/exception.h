@@ -1,6 +1,7 @@
 // The host's exceptions: objects of the class RuntimeException and its subclasses.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <new>
 #include <string>
@@ -18,14 +19,29 @@ struct ExceptionData {
   std::int64_t errorNumber;
 };
 
-// In flight in the interpreter. `trace` collects where it passed, innermost first: "main.bas:12: Worker".
+// Where a program was when it threw an exception, innermost call first. Of very many calls, the first and the
+// last: what is left out are `skipped` calls after the first `keptFirst`.
+struct Trace {
+  static constexpr std::size_t keptFirst = 24, keptLast = 12;
+  struct Call {
+    const char* file;
+    const char* sub;  // empty: the module level
+    int line;
+  };
+  std::vector<Call> calls;
+  std::size_t skipped = 0;
+
+  static Trace here();
+};
+
+// In flight in the interpreter.
 class HostException {
  public:
-  explicit HostException(Ref<Object> thrown) : exception(std::move(thrown)) {}
+  explicit HostException(Ref<Object> thrown) : exception(std::move(thrown)), trace(Trace::here()) {}
   HostException(std::string_view className, std::string_view message);  // makes the object
 
   Ref<Object> exception;
-  std::vector<std::string> trace;
+  Trace trace;
 };
 
 std::string messageOf(const Object& exception);  // its Message, in UTF-8

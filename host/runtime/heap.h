@@ -17,7 +17,7 @@ class LiveThings;  // a list of them; heap.cpp keeps several
 // that leaks can be shown. Counting is thread-safe.
 struct Heap {
   const Class* objectClass;              // never null: strings and arrays have classes of their own
-  LiveThings* among;                     // the list that it stands in
+  LiveThings* among;                     // the list that it stands in; null once it is destroyed
   std::size_t place;                     // in the list, under its lock
   std::atomic<std::int64_t> references;  // 1 when made
 };
@@ -40,6 +40,15 @@ inline void release(Heap* thing) {  // null: nothing; destroys with the last ref
 // Calls back for each live thing, for the leak report: those of a thread from the newest to the oldest, and
 // those of a thread that began later first.
 void forEachLive(const std::function<void(const Heap&)>& visit);
+
+// False on a host without an operation that adds references: there none is counted that could be relied on,
+// and nothing ends.
+bool destroysAnything();
+
+// Where the settings keep the memory of what is destroyed: false once a thing has been.
+inline bool isAlive(const Heap& thing) { return thing.among != nullptr; }
+// Calls back for each thing whose references were counted up or down after it was destroyed.
+void forEachMisused(const std::function<void(const Heap&)>& visit);
 
 // Owns one reference, or is null.
 template <typename Thing = Heap>

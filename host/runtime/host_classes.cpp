@@ -8,8 +8,10 @@
 #include "runtime/array.h"
 #include "runtime/exception.h"
 #include "runtime/host_record.h"
+#include "runtime/locks.h"
 #include "runtime/memory_block.h"
 #include "runtime/registry.h"
+#include "runtime/sharing.h"
 #include "runtime/thread.h"
 #include "runtime/variant.h"
 
@@ -24,16 +26,25 @@ ExceptionData& exceptionIn(REALobject self) { return dataIn<ExceptionData>(self,
 void setMessage(REALobject self, std::intptr_t, REALstring text) {
   auto* message = reinterpret_cast<Text*>(text);
   retain(message);
-  release(std::exchange(exceptionIn(self).message, message));
+  Text* old;
+  {
+    const Changing change(self);
+    old = std::exchange(exceptionIn(self).message, message);
+  }
+  release(old);
 }
 REALstring getMessage(REALobject self, std::intptr_t) {
-  retain(exceptionIn(self).message);
-  return reinterpret_cast<REALstring>(exceptionIn(self).message);
+  const Using use(self);
+  Text* const message = exceptionIn(self).message;
+  retain(message);
+  return reinterpret_cast<REALstring>(message);
 }
 void setErrorNumber(REALobject self, std::intptr_t, RBInteger number) {
-  exceptionIn(self).errorNumber = number;
+  storeRelaxed(exceptionIn(self).errorNumber, number);
 }
-RBInteger getErrorNumber(REALobject self, std::intptr_t) { return exceptionIn(self).errorNumber; }
+RBInteger getErrorNumber(REALobject self, std::intptr_t) {
+  return loadRelaxed(exceptionIn(self).errorNumber);
+}
 void makeException(REALobject) {}
 void makeExceptionWith(REALobject self, REALstring message, RBInteger number) {
   setMessage(self, 0, message);
@@ -57,7 +68,7 @@ void registerExceptions(Registry& registry, HostClasses& classes) {
   static constexpr const char* names[] = {
       "NilObjectException",         "OutOfBoundsException",          "OutOfMemoryException",
       "UnsupportedFormatException", "UnsupportedOperationException", "StackOverflowException",
-      "TypeMismatchException",      "DivisionByZeroException"};
+      "TypeMismatchException",      "DivisionByZeroException",       "IllegalLockingException"};
   static REALclassDefinition records[std::size(names)] = {};
   for (std::size_t i = 0; i < std::size(names); ++i) {
     records[i].name = names[i];
@@ -75,11 +86,11 @@ struct DateData {
 
 template <const Class* HostClasses::*member>
 double getSeconds(REALobject self, std::intptr_t) {
-  return dataIn<DateData>(self, *(hostClasses().*member)).seconds;
+  return loadRelaxed(dataIn<DateData>(self, *(hostClasses().*member)).seconds);
 }
 template <const Class* HostClasses::*member>
 void setSeconds(REALobject self, std::intptr_t, double seconds) {
-  dataIn<DateData>(self, *(hostClasses().*member)).seconds = seconds;
+  storeRelaxed(dataIn<DateData>(self, *(hostClasses().*member)).seconds, seconds);
 }
 
 template <const Class* HostClasses::*member>
@@ -108,6 +119,7 @@ void startRuntime() {
     registerBoxes(all);
     classes.memoryBlock = &registerMemoryBlock(all);
     classes.thread = &registerThread(all);
+    registerLocks(all);
     registerDate<&HostClasses::date>(all, classes, "Date", "TotalSeconds");
     registerDate<&HostClasses::dateTime>(all, classes, "DateTime", "SecondsFrom1970");
   });

@@ -11,21 +11,25 @@
 
 namespace host {
 
-void loadLibrary(const std::filesystem::path& file) {
+EntryPoint openLibrary(const std::filesystem::path& file) {
   startRuntime();  // the host's own classes come first
   const std::string name = file.string();
   if (!std::filesystem::exists(file)) throw std::runtime_error(name + ": there is no such library");
   void* library = dlopen(std::filesystem::absolute(file).c_str(), RTLD_NOW | RTLD_LOCAL);
   if (!library) throw std::runtime_error(name + ": cannot be loaded: " + dlerror());
-  const auto entry = reinterpret_cast<void (*)(REALresolver)>(dlsym(library, "REALPluginMain"));
+  const auto entry = reinterpret_cast<EntryPoint>(dlsym(library, "REALPluginMain"));
   if (!entry)
     throw std::runtime_error(name + ": is no plug-in library: it has no entry point REALPluginMain");
-  entry(&resolve);
+  return entry;
+}
+
+void loadLibrary(const std::filesystem::path& file) {
+  openLibrary(file)(&resolve);
   try {
     throwRegistrationFailure();
     registry().checkComplete();
   } catch (const std::runtime_error& error) {
-    throw std::runtime_error(name + ": " + error.what());
+    throw std::runtime_error(file.string() + ": " + error.what());
   }
 }
 

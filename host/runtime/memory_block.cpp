@@ -2,23 +2,34 @@
 #include "runtime/memory_block.h"
 
 #include <algorithm>
+#include <atomic>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <string>
+#include <utility>
 
 #include "runtime/exception.h"
 #include "runtime/host_record.h"
 #include "runtime/settings.h"
+#include "runtime/sharing.h"
 
 namespace host {
 
 namespace {
 
+// In front of the bytes: those that threads may still read, where they were before.
+struct alignas(16) Former {
+  Former* former;
+};
+Former* headOf(std::byte* bytes) { return bytes ? reinterpret_cast<Former*>(bytes) - 1 : nullptr; }
+
+// Threads may share it: the bytes move before the size grows.
 struct MemoryData {
-  std::byte* bytes;
-  std::int64_t size;
-  bool bigEndian;
+  std::atomic<std::byte*> bytes;
+  std::atomic<std::int64_t> size;
+  std::int64_t capacity;
+  std::atomic<bool> bigEndian;
 };
 constexpr std::int64_t mostBytes = std::int64_t{1} << 32;
 
@@ -26,24 +37,39 @@ MemoryData& memoryIn(REALobject self) { return dataIn<MemoryData>(self, *hostCla
 
 void resize(MemoryData& memory, std::int64_t size) {
   if (size < 0) throw HostException("OutOfBoundsException", "The size of a MemoryBlock is less than 0.");
-  const bool isTooLarge = size > mostBytes || static_cast<std::size_t>(size) > settings().mostBytes;
-  void* bytes = isTooLarge ? nullptr : std::realloc(memory.bytes, static_cast<std::size_t>(size) + 1);
-  if (!bytes) {
-    throw HostException("OutOfMemoryException",
-                        "There is no memory for a MemoryBlock of " + std::to_string(size) + " bytes.");
+  const Changing change(&memory);
+  Former* const head = headOf(memory.bytes);
+  if (!head || size > memory.capacity || !threadsShare()) {
+    // What is kept for other threads is half of what is used, at most.
+    const bool keeps = threadsShare() && head;
+    const std::int64_t larger = keeps ? std::max(size, 2 * memory.capacity) : size;
+    const std::size_t needed = sizeof(Former) + static_cast<std::size_t>(larger) + 1;
+    const bool isTooLarge = size > mostBytes || static_cast<std::size_t>(size) > settings().mostBytes;
+    auto* const made = static_cast<Former*>(isTooLarge ? nullptr
+                                            : keeps    ? std::malloc(needed)
+                                                       : std::realloc(head, needed));
+    if (!made) {
+      throw HostException("OutOfMemoryException",
+                          "There is no memory for a MemoryBlock of " + std::to_string(size) + " bytes.");
+    }
+    auto* const bytes = reinterpret_cast<std::byte*>(made + 1);
+    if (keeps) copyFromShared(bytes, memory.bytes, static_cast<std::size_t>(memory.size));
+    if (keeps || !head) made->former = head;
+    memory.bytes = bytes;
+    memory.capacity = larger;
   }
-  memory.bytes = static_cast<std::byte*>(bytes);
   if (size > memory.size)
-    std::memset(memory.bytes + memory.size, 0, static_cast<std::size_t>(size - memory.size));
+    clearShared(memory.bytes + memory.size, static_cast<std::size_t>(size - memory.size));
   memory.size = size;
 }
 
 std::byte* locate(REALobject self, std::int64_t offset, std::int64_t count) {
-  MemoryData& memory = memoryIn(self);
-  if (offset < 0 || count < 0 || offset > memory.size || count > memory.size - offset) {
+  const MemoryData& memory = memoryIn(self);
+  const std::int64_t size = memory.size;
+  if (offset < 0 || count < 0 || offset > size || count > size - offset) {
     throw HostException("OutOfBoundsException",
                         std::to_string(count) + " bytes at offset " + std::to_string(offset) +
-                            " are outside of the MemoryBlock of " + std::to_string(memory.size) + " bytes.");
+                            " are outside of the MemoryBlock of " + std::to_string(size) + " bytes.");
   }
   return memory.bytes + offset;
 }
@@ -51,7 +77,9 @@ std::byte* locate(REALobject self, std::int64_t offset, std::int64_t count) {
 void make(REALobject self, RBInteger size) {
   asPending([&] { resize(memoryIn(self), size); });
 }
-void destroy(REALobject self) { std::free(memoryIn(self).bytes); }
+void destroy(REALobject self) {
+  for (Former* head = headOf(memoryIn(self).bytes); head;) std::free(std::exchange(head, head->former));
+}
 
 RBInteger getSize(REALobject self, std::intptr_t) { return memoryIn(self).size; }
 void setSize(REALobject self, std::intptr_t, RBInteger size) {
@@ -64,7 +92,7 @@ template <typename Value>
 Value get(REALobject self, RBInteger offset) {
   return asPending([&] {
     std::byte bytes[sizeof(Value)];
-    std::memcpy(bytes, locate(self, offset, sizeof(Value)), sizeof(Value));
+    copyFromShared(bytes, locate(self, offset, sizeof(Value)), sizeof(Value));
     if (memoryIn(self).bigEndian != (std::endian::native == std::endian::big))
       std::reverse(bytes, bytes + sizeof(Value));
     Value value;
@@ -75,10 +103,13 @@ Value get(REALobject self, RBInteger offset) {
 template <typename Value>
 void set(REALobject self, RBInteger offset, Value value) {
   asPending([&] {
+    const Using use(&memoryIn(self));  // so that the bytes do not move meanwhile
     std::byte* to = locate(self, offset, sizeof(Value));
-    std::memcpy(to, &value, sizeof value);
+    std::byte bytes[sizeof(Value)];
+    std::memcpy(bytes, &value, sizeof value);
     if (memoryIn(self).bigEndian != (std::endian::native == std::endian::big))
-      std::reverse(to, to + sizeof(Value));
+      std::reverse(bytes, bytes + sizeof(Value));
+    copyToShared(to, bytes, sizeof value);
   });
 }
 bool getBoolean(REALobject self, RBInteger offset) { return get<std::uint8_t>(self, offset) != 0; }
@@ -86,19 +117,21 @@ void setBoolean(REALobject self, RBInteger offset, bool value) { set<std::uint8_
 
 REALstring getString(REALobject self, RBInteger offset, RBInteger length) {
   return asPending([&] {
-    const std::byte* bytes = locate(self, offset, length);
-    const Ref<Text> made =
-        makeText({reinterpret_cast<const char*>(bytes), static_cast<std::size_t>(length)}, encoding::none);
+    const std::byte* from = locate(self, offset, length);
+    std::string bytes(static_cast<std::size_t>(length), '\0');
+    copyFromShared(bytes.data(), from, bytes.size());
+    const Ref<Text> made = makeText(bytes, encoding::none);
     retain(made.get());
     return reinterpret_cast<REALstring>(made.get());
   });
 }
 void setString(REALobject self, RBInteger offset, RBInteger length, REALstring value) {
   asPending([&] {
+    const Using use(&memoryIn(self));
     std::byte* to = locate(self, offset, length);
-    const std::string_view bytes = bytesOf(reinterpret_cast<Text*>(value));
-    std::memset(to, 0, static_cast<std::size_t>(length));
-    std::memcpy(to, bytes.data(), std::min(bytes.size(), static_cast<std::size_t>(length)));
+    std::string bytes(bytesOf(reinterpret_cast<Text*>(value)));
+    bytes.resize(static_cast<std::size_t>(length));
+    copyToShared(to, bytes.data(), bytes.size());
   });
 }
 
@@ -107,8 +140,10 @@ REALstring toString(REALobject self) { return getString(self, 0, memoryIn(self).
 void fromString(REALobject self, REALstring value) {
   asPending([&] {
     const std::string_view bytes = bytesOf(reinterpret_cast<Text*>(value));
-    resize(memoryIn(self), static_cast<std::int64_t>(bytes.size()));
-    std::memcpy(memoryIn(self).bytes, bytes.data(), bytes.size());
+    const auto size = static_cast<std::int64_t>(bytes.size());
+    resize(memoryIn(self), size);
+    const Using use(&memoryIn(self));
+    copyToShared(locate(self, 0, size), bytes.data(), bytes.size());
   });
 }
 

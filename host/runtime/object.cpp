@@ -28,11 +28,21 @@ Ref<Object> makeObject(const Class& objectClass) {
 void finalizeObject(Heap& object) {
   const PendingAside aside;
   for (const Class* each = object.objectClass; each; each = each->super) {
-    if (each->destructor) {
-      const Slot self[] = {{.heap = &object}};
-      each->destructor(self);
-    }
+    if (!each->destructor) continue;
+    const Slot self[] = {{.heap = &object}};
+    each->destructor(self);
+    if (object.references.load(std::memory_order_relaxed) != 0) return;  // it is needed again
   }
+}
+
+const Method& targetOf(const Method& method, const Heap& object) {
+  if (method.place < 0) return method;
+  const auto place = static_cast<std::size_t>(method.place);
+  if (!method.owner->isInterface) return *object.objectClass->table[place];
+  const std::vector<Implementation>& all = object.objectClass->implementations;
+  std::size_t i = 0;
+  while (all[i].interface != method.owner) ++i;  // a class has what it is an instance of
+  return *all[i].methods[place];
 }
 
 bool isInstance(const Heap* thing, const Class& objectClass) {

@@ -24,6 +24,9 @@ Ref<Object> makeObject(const Class& objectClass);
 // Runs the destructors, the superclass's last.
 void finalizeObject(Heap& object);
 
+// What runs where the method is called on the object.
+const Method& targetOf(const Method& method, const Heap& object);
+
 bool isInstance(const Heap* thing, const Class& objectClass);  // false for null
 
 // Puts the pending exception aside for its lifetime: what the host calls on a library's behalf, while a

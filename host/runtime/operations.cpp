@@ -1,8 +1,12 @@
 // What stands behind each operation.
 #include "runtime/operations.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
 #include <cstring>
 #include <map>
+#include <span>
 #include <stdexcept>
 #include <string_view>
 #include <type_traits>
@@ -98,13 +102,6 @@ void disposeStringData(REALstringData* data) {
 const char* stringBytes(REALstring string) { return string ? textOf(string)->bytes() : ""; }
 RBInteger lengthInBytes(REALstring string) { return static_cast<RBInteger>(bytesOf(textOf(string)).size()); }
 RBInteger variantType(REALobject variant) { return varTypeOf(heapOf(variant)); }
-void* loadGlobalMethod(const char* module, const char* declaration) {
-  const std::string_view wanted = declaration;
-  if (module) return nullptr;
-  if (wanted == "LenB( s as string ) as integer") return reinterpret_cast<void*>(&lengthInBytes);
-  if (wanted == "VarType(value As Variant) As Integer") return reinterpret_cast<void*>(&variantType);
-  return nullptr;
-}
 std::uint32_t stringEncoding(REALstring string) { return string ? textOf(string)->encoding : encoding::utf8; }
 REALstring buildStringWithEncoding(const char* bytes, std::int32_t length, std::uint32_t textEncoding) {
   return orNothing([&] {
@@ -151,11 +148,26 @@ bool setPropertyInteger(REALobject object, const char* name, RBInteger value) {
   return setProperty(object, name, Slot{.integer = value}, Kind::Int64);
 }
 
+// A number that the host reads itself, in the data of the class that declares the property.
+template <typename Value>
+bool readField(const Heap& object, const Property& property, Value* out) {
+  const bool fits = std::is_same_v<Value, double> ? property.type.isFloating()
+                                                  : std::is_integral_v<Value> && property.type.isInteger();
+  if (!fits || sizeOf(property.type) != sizeof *out) return false;
+  const Class* declaring = object.objectClass;
+  while (!findNamed(declaring->properties, property.name)) declaring = declaring->super;
+  std::memcpy(out, reinterpret_cast<const std::byte*>(&object) + declaring->dataOffset + property.parameter,
+              sizeof *out);
+  return true;
+}
+
 template <typename Value>
 bool getProperty(REALobject object, const char* name, Value* out) {
   return orNothing([&]() -> bool {
     const PendingAside aside;
-    if (const Property* property = propertyNamed(object, name)) {
+    const Property* property = propertyNamed(object, name);
+    if (property && property->field) return readField(*heapOf(object), *property, out);
+    if (property && property->type.isReference() == std::is_same_v<Value, REALstring>) {
       const Slot arguments[] = {{.heap = heapOf(object)}, {.integer = property->parameter}};
       const Slot value = property->getter(arguments);
       std::memcpy(out, &value, sizeof *out);
@@ -208,7 +220,7 @@ using DoubleGetter = double (*)(REALarrayDouble, RBInteger);
 using ObjectInserter = void (*)(REALarrayObject, RBInteger, REALobject);
 IntegerGetter integerGetter(REALarrayInteger) {
   return [](REALarrayInteger array, RBInteger index) {
-    return asPending([&] { return arrayOf(array)->at(index).integer; });
+    return asPending([&] { return arrayOf(array)->get(index).integer; });
   };
 }
 IntegerSetter integerSetter(REALarrayInteger) {
@@ -218,7 +230,7 @@ IntegerSetter integerSetter(REALarrayInteger) {
 }
 DoubleGetter doubleGetter(REALarrayDouble) {
   return [](REALarrayDouble array, RBInteger index) {
-    return asPending([&] { return arrayOf(array)->at(index).number; });
+    return asPending([&] { return arrayOf(array)->get(index).number; });
   };
 }
 ObjectInserter objectInserter(REALarrayObject) {
@@ -227,53 +239,109 @@ ObjectInserter objectInserter(REALarrayObject) {
   };
 }
 
-template <typename Function>
-void* entry(Function function) {
-  return reinterpret_cast<void*>(function);
+// The name of an operation, as an argument of a template.
+template <std::size_t size>
+struct Name {
+  char text[size];
+  consteval Name(const char (&literal)[size]) { std::copy_n(literal, size, text); }
+};
+
+template <typename Value>
+constexpr bool isHandle = std::is_same_v<Value, REALobject> || std::is_same_v<Value, REALstring> ||
+                          std::is_same_v<Value, REALarray> || std::is_same_v<Value, REALarrayInteger> ||
+                          std::is_same_v<Value, REALarrayDouble> || std::is_same_v<Value, REALarrayObject>;
+
+// The operation as it is called where somebody watches.
+template <Name name, auto function, typename Signature = decltype(function)>
+struct Watched;
+template <Name name, auto function, typename Result, typename... Arguments>
+struct Watched<name, function, Result (*)(Arguments...)> {
+  static Result call(Arguments... arguments) {
+    std::array<Heap*, sizeof...(Arguments) + 1> handles;
+    std::size_t count = 0;
+    [[maybe_unused]] const auto add = [&](auto argument) {
+      if constexpr (isHandle<decltype(argument)>) handles[count++] = reinterpret_cast<Heap*>(argument);
+    };
+    (add(arguments), ...);
+    const bool refused =
+        operationWatch->refuses(name.text, !std::is_void_v<Result>, std::span(handles.data(), count));
+    if constexpr (!std::is_void_v<Result>) {
+      if (refused) return Result();
+    }
+    return function(arguments...);
+  }
+};
+
+// What a name leads to.
+struct Entry {
+  void* plain;
+  void* watched;
+};
+void* of(const Entry& entry) { return operationWatch ? entry.watched : entry.plain; }
+
+template <Name name, auto function>
+Entry entryOf() {
+  return {reinterpret_cast<void*>(function), reinterpret_cast<void*>(&Watched<name, function>::call)};
+}
+template <Name name, auto function>
+std::pair<const std::string, Entry> operation() {
+  return {name.text, entryOf<name, function>()};
 }
 
-const std::map<std::string, void*, std::less<>>& operations() {
-  static const std::map<std::string, void*, std::less<>> all = {
-      {"REALGetRBVersion", entry(&version)},
-      {"RegisterPluginVersion", entry(&takeVersion)},
-      {"PluginRegisterClass", entry(&registerClass)},
-      {"PluginRegisterModule", entry(&registerModule)},
-      {"PluginRegisterMethod", entry(&registerFunction)},
-      {"PluginNewInstance", entry(&newInstance)},
-      {"REALLockObject", entry(&lockObject)},
-      {"REALUnlockObject", entry(&unlockObject)},
-      {"REALLockString", entry(&lockString)},
-      {"REALUnlockString", entry(&unlockString)},
-      {"PluginGetStringData", entry(&getStringData)},
-      {"PluginDisposeStringData", entry(&disposeStringData)},
-      {"StringGetCString", entry(&stringBytes)},
-      {"REALLoadGlobalMethod", entry(&loadGlobalMethod)},
-      {"REALGetStringEncoding", entry(&stringEncoding)},
-      {"REALBuildString", entry(&buildString)},
-      {"REALBuildStringWithEncoding", entry(&buildStringWithEncoding)},
-      {"REALSetStringEncoding", entry(&setStringEncoding)},
-      {"REALConvertString", entry(&convertString)},
-      {"RuntimeRaiseException", entry(&raise)},
-      {"REALSetPropValueString", entry(&setPropertyString)},
-      {"REALSetPropValueInteger", entry(&setPropertyInteger)},
-      {"REALGetPropValueString", entry(&getProperty<REALstring>)},
-      {"REALGetPropValueDouble", entry(&getProperty<double>)},
-      {"REALGetPropValueInt64", entry(&getProperty<std::int64_t>)},
-      {"REALGetPropValueUInt64", entry(&getProperty<std::uint64_t>)},
-      {"REALGetPropValueInteger", entry(&getProperty<RBInteger>)},
-      {"RuntimeObjectIsa", entry(&objectIsA)},
-      {"pluginObjectType", entry(&classNamed)},
-      {"RuntimeStringCompare", entry(&compareStrings)},
-      {"VariantToString", entry(&variantToString)},
-      {"VariantToDouble", entry(&variantTo<double, &toDouble>)},
-      {"VariantToInt64", entry(&variantTo<std::int64_t, &toInt64>)},
-      {"VariantToUInt64", entry(&variantTo<std::uint64_t, &toUInt64>)},
-      {"RuntimeUBound", entry(&upperBound)},
-      {"RuntimeArrayCreateSingleDimBoundedArray", entry(&createArray)},
-      {"PluginIntegerArrayGetProc", entry(&integerGetter)},
-      {"PluginIntegerArraySetProc", entry(&integerSetter)},
-      {"PluginDoubleArrayGetProc", entry(&doubleGetter)},
-      {"PluginObjectArrayInsertProc", entry(&objectInserter)},
+void* loadGlobalMethod(const char* module, const char* declaration) {
+  static const std::pair<const std::string, Entry> methods[] = {
+      operation<"LenB( s as string ) as integer", &lengthInBytes>(),
+      operation<"VarType(value As Variant) As Integer", &variantType>(),
+  };
+  if (module) return nullptr;
+  for (const auto& [known, entry] : methods) {
+    if (known == declaration) return of(entry);
+  }
+  return nullptr;
+}
+
+const std::map<std::string, Entry, std::less<>>& operations() {
+  static const std::map<std::string, Entry, std::less<>> all = {
+      operation<"REALGetRBVersion", &version>(),
+      operation<"RegisterPluginVersion", &takeVersion>(),
+      operation<"PluginRegisterClass", &registerClass>(),
+      operation<"PluginRegisterModule", &registerModule>(),
+      operation<"PluginRegisterMethod", &registerFunction>(),
+      operation<"PluginNewInstance", &newInstance>(),
+      operation<"REALLockObject", &lockObject>(),
+      operation<"REALUnlockObject", &unlockObject>(),
+      operation<"REALLockString", &lockString>(),
+      operation<"REALUnlockString", &unlockString>(),
+      operation<"PluginGetStringData", &getStringData>(),
+      operation<"PluginDisposeStringData", &disposeStringData>(),
+      operation<"StringGetCString", &stringBytes>(),
+      operation<"REALLoadGlobalMethod", &loadGlobalMethod>(),
+      operation<"REALGetStringEncoding", &stringEncoding>(),
+      operation<"REALBuildString", &buildString>(),
+      operation<"REALBuildStringWithEncoding", &buildStringWithEncoding>(),
+      operation<"REALSetStringEncoding", &setStringEncoding>(),
+      operation<"REALConvertString", &convertString>(),
+      operation<"RuntimeRaiseException", &raise>(),
+      operation<"REALSetPropValueString", &setPropertyString>(),
+      operation<"REALSetPropValueInteger", &setPropertyInteger>(),
+      operation<"REALGetPropValueString", &getProperty<REALstring>>(),
+      operation<"REALGetPropValueDouble", &getProperty<double>>(),
+      operation<"REALGetPropValueInt64", &getProperty<std::int64_t>>(),
+      operation<"REALGetPropValueUInt64", &getProperty<std::uint64_t>>(),
+      operation<"REALGetPropValueInteger", &getProperty<RBInteger>>(),
+      operation<"RuntimeObjectIsa", &objectIsA>(),
+      operation<"pluginObjectType", &classNamed>(),
+      operation<"RuntimeStringCompare", &compareStrings>(),
+      operation<"VariantToString", &variantToString>(),
+      operation<"VariantToDouble", &variantTo<double, &toDouble>>(),
+      operation<"VariantToInt64", &variantTo<std::int64_t, &toInt64>>(),
+      operation<"VariantToUInt64", &variantTo<std::uint64_t, &toUInt64>>(),
+      operation<"RuntimeUBound", &upperBound>(),
+      operation<"RuntimeArrayCreateSingleDimBoundedArray", &createArray>(),
+      operation<"PluginIntegerArrayGetProc", &integerGetter>(),
+      operation<"PluginIntegerArraySetProc", &integerSetter>(),
+      operation<"PluginDoubleArrayGetProc", &doubleGetter>(),
+      operation<"PluginObjectArrayInsertProc", &objectInserter>(),
   };
   return all;
 }
@@ -283,7 +351,7 @@ const std::map<std::string, void*, std::less<>>& operations() {
 void* resolve(const char* name) {
   if (settings().withheld.contains(name)) return nullptr;
   const auto found = operations().find(std::string_view(name));
-  return found == operations().end() ? nullptr : found->second;
+  return found == operations().end() ? nullptr : of(found->second);
 }
 
 std::vector<std::string> operationNames() {

@@ -40,6 +40,7 @@ Property propertyOf(const REALproperty& record, ClassNames& classes, const Class
   const std::optional<Type> type = typeNamed(property.declaredType, classes);
   property.type = type ? *type : Type{Kind::Object, false, &classes.expectClass(record.type)};
   property.parameter = record.parameter;
+  property.owner = self;
   for (std::size_t i = 0; i < record.attributeCount; ++i) {
     property.hidden = property.hidden || std::strcmp(record.attributes[i].name, "Hidden") == 0;
   }

@@ -1,6 +1,10 @@
 // Writes the texts for people.
 #include "runtime/report.h"
 
+#include <cstring>
+#include <map>
+#include <vector>
+
 #include "runtime/array.h"
 #include "runtime/registry.h"
 #include "runtime/text.h"
@@ -90,33 +94,93 @@ std::string listing(std::string_view name) {
   return list;
 }
 
-std::string leakReport(const std::set<std::string>& kept) {
-  std::string report;
-  forEachLive([&](const Heap& thing) {
-    const std::string& name = thing.objectClass->name;
-    const std::int64_t references = thing.references.load();
-    if (references == 1 && kept.contains(name)) return;
-    std::string what = name;
-    if (thing.objectClass == hostClasses().text) {
-      // Of a long text no more is converted than is shown.
-      what = "String \"" + utf8Of(static_cast<const Text*>(&thing), 160).substr(0, 40) + "\"";
-    } else if (thing.objectClass == hostClasses().array) {
-      const auto& array = static_cast<const Array&>(thing);
-      what = nameOf(array.elementType.arrayOf()) + " of " + std::to_string(array.count()) + " elements";
+namespace {
+
+// Calls with each thing that this one is known to hold: a program's object, an array, a delegate, a box.
+template <typename Visit>
+void eachHeld(const Heap& thing, Visit visit) {
+  const Class& type = *thing.objectClass;
+  const auto at = [&](std::size_t offset) {
+    const Heap* held = nullptr;
+    std::memcpy(&held, reinterpret_cast<const std::byte*>(&thing) + offset, sizeof held);
+    if (held) visit(*held);
+  };
+  if (&type == hostClasses().array) {
+    const auto& array = static_cast<const Array&>(thing);
+    for (std::int64_t i = 0; array.elementType.isReference() && i < array.count(); ++i) {
+      if (const Heap* held = array.elements.load()[i].heap) visit(*held);
     }
-    report += "leaked: " + what + ", " + std::to_string(references) +
-              (references == 1 ? " reference\n" : " references\n");
+    return;
+  }
+  for (const Class* each = &type; each; each = each->super) {
+    for (const Property& property : each->properties) {
+      if (property.offset != 0 && property.type.isReference()) at(property.offset);
+    }
+    if (each->signature) at(each->dataOffset + sizeof(void*));
+    if (each->boxed == Kind::String || each == hostClasses().exception) at(each->dataOffset);
+  }
+}
+
+// Things all of whose references are held by such things: no one else can reach them.
+std::set<const Heap*> closedCycles(const std::vector<const Heap*>& all) {
+  std::set<const Heap*> closed(all.begin(), all.end());
+  for (bool changed = true; changed;) {
+    std::map<const Heap*, std::int64_t> counts;
+    for (const Heap* each : closed) {
+      eachHeld(*each, [&](const Heap& held) { ++counts[&held]; });
+    }
+    changed =
+        std::erase_if(closed, [&](const Heap* each) { return each->references.load() != counts[each]; }) != 0;
+  }
+  return closed;
+}
+
+std::string described(const Heap& thing) {
+  std::string what = thing.objectClass->name;
+  if (thing.objectClass == hostClasses().text) {
+    // Of a long text no more is converted than is shown.
+    what = "String \"" + utf8Of(static_cast<const Text*>(&thing), 160).substr(0, 40) + "\"";
+  } else if (thing.objectClass == hostClasses().array) {
+    const auto& array = static_cast<const Array&>(thing);
+    what = nameOf(array.elementType.arrayOf()) + " of " + std::to_string(array.count()) + " elements";
+  }
+  const std::int64_t references = thing.references.load();
+  return what + ", " + std::to_string(references) + (references == 1 ? " reference\n" : " references\n");
+}
+
+}  // namespace
+
+LeakReport leakReport(const std::set<std::string>& kept) {
+  std::vector<const Heap*> alive;
+  forEachLive([&](const Heap& thing) {
+    if (thing.references.load() != 1 || !kept.contains(thing.objectClass->name)) alive.push_back(&thing);
   });
+  const std::set<const Heap*> cycles = closedCycles(alive);
+  LeakReport report;
+  for (const Heap* each : alive) {
+    if (cycles.contains(each)) {
+      report.cycles += "in a cycle: " + described(*each);
+    } else {
+      report.leaks += "leaked: " + described(*each);
+    }
+  }
   return report;
 }
 
 std::string describe(const HostException& exception) {
-  std::string place = exception.trace.empty() ? "" : exception.trace.front();
-  // "file:line: Sub": the first line names the place alone.
-  if (const std::size_t sub = place.find(": "); sub != std::string::npos) place.erase(sub);
-  std::string text = place.empty() ? "" : place + ": ";
+  const Trace& trace = exception.trace;
+  const auto place = [](const Trace::Call& call) {
+    return std::string(call.file) + ":" + std::to_string(call.line);
+  };
+  std::string text = trace.calls.empty() ? "" : place(trace.calls.front()) + ": ";
   text += exception.exception->objectClass->name + ": " + messageOf(*exception.exception) + "\n";
-  for (const std::string& each : exception.trace) text += "  at " + each + "\n";
+  for (std::size_t i = 0; i < trace.calls.size(); ++i) {
+    if (trace.skipped != 0 && i == Trace::keptFirst) {
+      text += "  ... " + std::to_string(trace.skipped) + " calls more ...\n";
+    }
+    const Trace::Call& each = trace.calls[i];
+    text += "  at " + place(each) + (*each.sub ? std::string(": ") + each.sub : "") + "\n";
+  }
   return text;
 }
 

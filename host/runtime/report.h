@@ -14,9 +14,14 @@ std::string listing();
 // each with its owner in front. Empty where there is none.
 std::string listing(std::string_view name);
 
-// What is still alive, a line each with its count of references; empty if nothing is. Of the classes in
-// `kept` a library may keep objects for itself: one reference to each is as it should be.
-std::string leakReport(const std::set<std::string>& kept);
+struct LeakReport {
+  std::string leaks;  // empty if there is none
+  std::string
+      cycles;  // what the program's own objects and arrays hold among themselves, and nothing else does
+};
+// What is still alive, a line each with its count of references. Of the classes in `kept` a library may keep
+// objects for itself: one reference to each is as it should be.
+LeakReport leakReport(const std::set<std::string>& kept);
 
 // "tour.bas:12: NilObjectException: Other is nil", then the calls that led there.
 std::string describe(const HostException& exception);

@@ -3,11 +3,16 @@
 
 #include <pthread.h>
 
-#include <condition_variable>
-#include <cstdio>
+#include <algorithm>
+#include <chrono>
+#include <iterator>
 #include <mutex>
+#include <thread>
 
 #include "runtime/host_record.h"
+#include "runtime/sharing.h"
+#include "runtime/trap.h"
+#include "runtime/waiting.h"
 
 namespace host {
 
@@ -15,20 +20,20 @@ namespace {
 
 // What a Thread object refers to; lives as long as the object.
 struct ThreadState {
+  std::mutex lock;  // of the handler
   std::function<void(Object&)> handler;
-  std::mutex lock;
-  std::condition_variable changed;
-  bool running = false;
+  std::atomic<Activity> activity{Activity::notRunning};
+  Awaited ended;
 };
 struct ThreadData {
   ThreadState* state;
 };
 
 // Never destroyed: a thread of a program may end while the process does.
-std::mutex& allLock = *new std::mutex;
-std::condition_variable& allChanged = *new std::condition_variable;
-std::size_t runningCount = 0;
-std::function<void(const HostException&)> uncaught;
+auto& uncaught = *new std::function<void(const HostException&)>;
+
+// The object of this thread, which holds it while it runs; null on the first one.
+constinit thread_local REALobject ownThread = nullptr;
 
 ThreadState& stateOf(REALobject self) { return *dataIn<ThreadData>(self, *hostClasses().thread).state; }
 
@@ -36,36 +41,36 @@ void initialize(REALobject self) { dataIn<ThreadData>(self, *hostClasses().threa
 void destroy(REALobject self) { delete &stateOf(self); }
 
 void run(Ref<Object> thread) {
-  ThreadState& state = stateOf(reinterpret_cast<REALobject>(thread.get()));
+  ownThread = reinterpret_cast<REALobject>(thread.get());
+  ThreadState& state = stateOf(ownThread);
+  ownActivity = &state.activity;
   try {
-    if (state.handler) state.handler(*thread);
+    std::function<void(Object&)> handler;
+    {
+      const std::lock_guard lock(state.lock);
+      handler = state.handler;
+    }
+    if (handler) handler(*thread);
   } catch (const HostException& exception) {
-    if (uncaught) uncaught(exception);
+    reportUncaught(exception);
+  } catch (const ProgramEnd&) {  // ends this thread; the others notice themselves
   }
-  {
-    const std::lock_guard lock(state.lock);
-    state.running = false;
-    state.changed.notify_all();
-  }
+  ownActivity = nullptr;
+  ownThread = nullptr;
+  state.activity = Activity::notRunning;
+  notify(state.ended);
   thread = nullptr;
-  const std::lock_guard lock(allLock);
-  --runningCount;
-  allChanged.notify_all();
+  threadEnds();
 }
 
 void start(REALobject self) {
   asPending([&] {
     ThreadState& state = stateOf(self);
-    {
-      const std::lock_guard lock(state.lock);
-      if (state.running)
-        throw HostException("UnsupportedOperationException", "The thread is running already.");
-      state.running = true;
-    }
-    {
-      const std::lock_guard lock(allLock);
-      ++runningCount;
-    }
+    Activity before = Activity::notRunning;
+    if (!state.activity.compare_exchange_strong(before, Activity::running))
+      throw HostException("UnsupportedOperationException", "The thread is running already.");
+    beginSharing();
+    threadBegins();
     // The thread holds the object while it runs.
     auto* handed = new Ref<Object>(Ref<Object>::share(reinterpret_cast<Object*>(self)));
     pthread_attr_t attributes;
@@ -74,6 +79,7 @@ void start(REALobject self) {
     pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
     pthread_t thread;
     const auto entry = [](void* argument) -> void* {
+      const AlternateStack forSignals;
       auto* object = static_cast<Ref<Object>*>(argument);
       Ref<Object> taken = std::move(*object);
       delete object;
@@ -84,52 +90,83 @@ void start(REALobject self) {
     pthread_attr_destroy(&attributes);
     if (failure != 0) {
       delete handed;
-      {
-        const std::lock_guard lock(state.lock);
-        state.running = false;
-      }
-      const std::lock_guard lock(allLock);
-      --runningCount;
+      state.activity = Activity::notRunning;
+      threadEnds();
       throw HostException("OutOfMemoryException", "The system cannot start another thread.");
     }
   });
 }
 
 void join(REALobject self) {
+  if (self == ownThread) {
+    setPending(HostException("UnsupportedOperationException", "The thread waits for its own end.").exception);
+    return;
+  }
   ThreadState& state = stateOf(self);
-  std::unique_lock lock(state.lock);
-  state.changed.wait(lock, [&] { return !state.running; });
+  const auto hasEnded = [&state] { return state.activity == Activity::notRunning; };
+  if (!hasEnded()) waitUntil(state.ended, "Thread.Join", hasEnded);
 }
 
-bool isRunning(REALobject self, std::intptr_t) {
-  ThreadState& state = stateOf(self);
-  const std::lock_guard lock(state.lock);
-  return state.running;
+bool isRunning(REALobject self, std::intptr_t) { return stateOf(self).activity != Activity::notRunning; }
+RBInteger activityOf(REALobject self, std::intptr_t) {
+  return static_cast<RBInteger>(stateOf(self).activity.load());
+}
+
+REALobject current() {
+  retain(reinterpret_cast<Object*>(ownThread));
+  return ownThread;
+}
+
+void sleep(RBInteger milliseconds) {
+  constexpr RBInteger aYear = RBInteger{1000} * 60 * 60 * 24 * 365;  // what a clock can add to now
+  const Doing sleeping(Activity::sleeping);
+  std::this_thread::sleep_for(std::chrono::milliseconds(std::clamp<RBInteger>(milliseconds, 0, aYear)));
+}
+
+template <Activity activity>
+RBInteger number() {
+  return static_cast<RBInteger>(activity);
 }
 
 }  // namespace
 
 void setRunHandler(Object& thread, std::function<void(Object&)> handler) {
-  stateOf(reinterpret_cast<REALobject>(&thread)).handler = std::move(handler);
+  ThreadState& state = stateOf(reinterpret_cast<REALobject>(&thread));
+  const std::lock_guard lock(state.lock);
+  state.handler.swap(handler);
 }
 
 void setUncaughtHandler(std::function<void(const HostException&)> report) { uncaught = std::move(report); }
 
-void joinAll() {
-  std::unique_lock lock(allLock);
-  allChanged.wait(lock, [] { return runningCount == 0; });
+void reportUncaught(const HostException& exception) {
+  if (uncaught) uncaught(exception);
 }
+
+void joinAll() { awaitOtherThreads(); }
 
 const Class& registerThread(Registry& registry) {
   static REALproperty properties[] = {
       hostProperty("IsRunning", "Boolean", &isRunning),
+      hostProperty("State", "Integer", &activityOf),
+      hostProperty("ThreadState", "Integer", &activityOf),
   };
   static REALmethodDefinition methods[] = {
       hostMethod("Start", &start),
       hostMethod("Join", &join),
   };
+  static REALmethodDefinition sharedMethods[] = {
+      hostMethod("Current as Thread", &current),
+      hostMethod("Sleep(milliseconds as Integer)", &sleep),
+      hostMethod("Running as Integer", &number<Activity::running>),
+      hostMethod("Waiting as Integer", &number<Activity::waiting>),
+      hostMethod("Suspended as Integer", &number<Activity::suspended>),
+      hostMethod("Sleeping as Integer", &number<Activity::sleeping>),
+      hostMethod("NotRunning as Integer", &number<Activity::notRunning>),
+  };
   static REALclassDefinition record =
       hostClass<ThreadData>("Thread", properties, methods, &destroy, &initialize);
+  record.sharedMethods = sharedMethods;
+  record.sharedMethodCount = std::size(sharedMethods);
   return registry.addClass(record, false);
 }
 

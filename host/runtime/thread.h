@@ -23,6 +23,9 @@ void setRunHandler(Object& thread, std::function<void(Object& thread)> handler);
 // What is told of a HostException that leaves a thread's handler, on that thread. Without it nobody is.
 void setUncaughtHandler(std::function<void(const HostException&)> report);
 
+// Tells it, of one that leaves what nothing waits for: the Destructor of a class.
+void reportUncaught(const HostException& exception);
+
 // Waits for every thread that was started.
 void joinAll();
 

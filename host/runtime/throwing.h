@@ -1,11 +1,16 @@
 // Throwing the host's exceptions, for what lies below the objects that they are. exception.cpp does it.
 #pragma once
 
+#include <exception>
 #include <string_view>
 
 namespace host {
 
 struct Heap;
+
+// Ends a thread of a program, and with it the program. No exception of its language: it could catch that and
+// go on.
+class ProgramEnd : public std::exception {};
 
 // Throws a HostException of that class, or a plain RuntimeException where there is no such class.
 [[noreturn]] void throwException(std::string_view className, std::string_view message);

@@ -33,7 +33,7 @@ enum class Kind : std::uint8_t {
 // A declared type: a kind, the class where the kind is Object, and whether it is an array of such elements.
 struct Type {
   Kind kind = Kind::None;
-  bool array = false;
+  std::uint8_t array = 0;  // how many dimensions
   const Class* objectClass = nullptr;
 
   friend bool operator==(const Type&, const Type&) = default;
@@ -45,7 +45,7 @@ struct Type {
   bool isFloating() const { return !array && (kind == Kind::Single || kind == Kind::Double); }
   bool isNumber() const { return isInteger() || isFloating() || (!array && kind == Kind::Currency); }
   Type element() const { return {kind, false, objectClass}; }
-  Type arrayOf() const { return {kind, true, objectClass}; }
+  Type arrayOf(std::uint8_t dimensions = 1) const { return {kind, dimensions, objectClass}; }
 };
 
 // Bytes that a value of the (non-array) kind takes at the binary interface: 1, 2, 4 or 8.

@@ -5,7 +5,8 @@ namespace qtx {
 
 struct Processor {
   bool countsBits = false;
-  bool hasWideVectors = false;  // of four doubles
+  bool hasWideVectors = false;    // of four doubles
+  bool hasWidestVectors = false;  // of eight
   bool convertsHalfFloats = false;
 };
 

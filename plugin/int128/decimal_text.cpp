@@ -217,7 +217,7 @@ std::string_view int128_to_string(Int128 value, DecimalBuffer& buffer) {
 template <typename Value>
 Value detail::parseAnyDecimal(std::string_view text) {
   bool negative = false;
-  if (text.empty() || !isDigit(text.front())) negative = removePrefix(text);
+  if (!isDigit(text.front())) negative = removePrefix(text);
   const Value value = Value::fromBits(parseDigits(text));
   return negative && std::is_signed_v<typename Value::Word> ? -value : value;
 }

@@ -23,7 +23,7 @@ Value parseDecimal(std::string_view text);
 
 namespace detail {
 
-// Of any length, with any prefix.
+// Of any length but none, with any prefix.
 template <typename Value>
 Value parseAnyDecimal(std::string_view text);
 extern template UInt128 parseAnyDecimal<UInt128>(std::string_view);

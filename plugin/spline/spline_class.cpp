@@ -41,7 +41,8 @@ struct Curve : Sequence {
   Sequence b, c, d;
   ConstrainedSpline spline;
 
-  Curve(const Sequence& x, const Sequence& y, double* storage)
+  // Throws nothing, because its memory is there.
+  Curve(const Sequence& x, const Sequence& y, double* storage) noexcept
       : Sequence{}, spline(x.first, y.first, x.size, storage) {
     const double* coefficients = spline.coefficients();
     for (Sequence* sequence : {static_cast<Sequence*>(this), &b, &c, &d}) {

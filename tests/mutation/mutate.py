@@ -84,17 +84,19 @@ def limitWhatRuns():
         resource.setrlimit(what, (most, resource.getrlimit(what)[1]))
 
 
-def noteReached(tests, count, parallel):
+def noteReached(tests, mutants, parallel):
     """Runs each test once without a mutant: it has to pass, and tells what it reaches and how long it takes."""
+    size = 1 + max(mutant.number for mutant in mutants)
+
     def one(test):
         with tempfile.NamedTemporaryFile() as file:
-            file.write(bytes(count + 1))
+            file.write(bytes(size))
             file.flush()
             begin = time.monotonic()
             passed = test.run({'QTX_REACHED': file.name}, 600)
             test.seconds = time.monotonic() - begin
             file.seek(0)
-            test.reached = {n for n, hit in enumerate(file.read()) if hit}
+            test.reached = {found.start() for found in re.finditer(rb'\x01', file.read())}
         return None if passed else test.name
     with ThreadPoolExecutor(parallel) as pool:
         failed = [name for name in pool.map(one, tests) if name]
@@ -253,7 +255,7 @@ def placesIn(commands, source, files, work, parallel):
 
 
 def prepare(options, files, work):
-    """The copy with its mutants, as far as they compile, built."""
+    """The copy with its mutants, as far as they compile, built; and the keys of all that there are."""
     source, tree = work / 'source', work / 'tree'
     copyProject(source)
     if not (tree / 'build.ninja').exists():
@@ -263,6 +265,7 @@ def prepare(options, files, work):
     texts = {f: (ROOT / f).read_bytes() for f in files}
     found = placesIn(commands, source, files, work, options.parallel)
     mutants = mutantsOf([p for places, _, _ in found.values() for p in places], texts)
+    every = {m.key for m in mutants}
     if options.sample:
         mutants = evenly(mutants, options.sample)
     schemata = Schemata(texts, mutants, [k for _, keywords, _ in found.values() for k in keywords], source)
@@ -301,7 +304,7 @@ def prepare(options, files, work):
     # The host is as it always is, but for the library that lies beside it.
     shutil.copy2(ROOT / 'build/release/qtxhost', tree / 'qtxhost')
     os.environ['QTX_HOST_COMMAND'] = str(tree / 'qtxhost')
-    return mutants, sum(skipped for _, _, skipped in found.values()), source, tree
+    return mutants, every, sum(skipped for _, _, skipped in found.values()), source, tree
 
 
 def report(mutants, results, equivalent, skipped):
@@ -343,12 +346,13 @@ def main():
     work.mkdir(parents=True, exist_ok=True)
     begin = time.monotonic()
     files = sorted(str(p.relative_to(ROOT)) for p in (ROOT / 'plugin').rglob('*') if p.suffix in ('.h', '.cpp'))
-    mutants, skipped, source, tree = prepare(options, [f for f in files if f not in SHARED], work)
-    count = len(mutants)
+    mutants, every, skipped, source, tree = prepare(options, [f for f in files if f not in SHARED], work)
+    reachable = mutants
     if options.files:
         mutants = [m for m in mutants if m.file.startswith(tuple(options.files))]
     equivalent = readEquivalent()
     made = [m for m in mutants if not m.state and m.key not in equivalent]
+    stale = [key for key in equivalent if key not in every]
     say(f'built after {time.monotonic() - begin:.0f} s')
 
     # Results stay as long as nothing that they come from changes.
@@ -367,7 +371,7 @@ def main():
         tests = testsOf(tree)
         say(f'running each of {len(tests)} tests once')
         limitWhatRuns()
-        noteReached(tests, count, options.parallel)
+        noteReached(tests, reachable, options.parallel)
         counts = Counter()
 
         def record(mutant, status, by):
@@ -384,8 +388,10 @@ def main():
     text, survivors = report(mutants, results, equivalent, skipped)
     (work / 'report.txt').write_text(text + '\n')
     print(text)
+    for key in stale:
+        print(f'\nequivalent.txt: there is no such mutant: {key}')
     say(f'took {time.monotonic() - begin:.0f} s')
-    return 1 if survivors else 0
+    return 1 if survivors or stale else 0
 
 
 if __name__ == '__main__':

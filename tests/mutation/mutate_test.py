@@ -35,7 +35,7 @@ class Sample(unittest.TestCase):
                         cls.folder / 'mutant.cpp', '-o', program], check=True)
         tests = [mutate.Test(name, [program, name]) for name in 'sctnhb']
         made = [m for m in cls.mutants if not m.state]
-        mutate.noteReached(tests, len(cls.mutants), 2)
+        mutate.noteReached(tests, cls.mutants, 2)
         cls.results, cls.by = {}, {}
 
         def record(mutant, status, by):

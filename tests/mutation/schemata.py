@@ -5,6 +5,8 @@ from collections import Counter
 from concurrent.futures import ThreadPoolExecutor
 from dataclasses import dataclass
 
+NUMBERS = 4096  # more than the mutants of any file
+
 
 @dataclass
 class Mutant:
@@ -139,8 +141,11 @@ class Schemata:
 
     def __init__(self, texts, mutants, keywords, folder):
         self.texts, self.mutants, self.keywords, self.folder = texts, mutants, keywords, folder
-        for number, mutant in enumerate(mutants, 1):
-            mutant.number = number
+        # Each file has numbers of its own: a change in one leaves the copies of the others as they are.
+        following = {name: NUMBERS * i + 1 for i, name in enumerate(sorted(texts))}
+        for mutant in mutants:
+            mutant.number = following[mutant.file]
+            following[mutant.file] += 1
         self.constant = set()  # keywords that stay
 
     def write(self):
@@ -228,8 +233,10 @@ class Schemata:
         for copy, at, _ in places:
             begin, end = copy.result.rfind(b'\n', 0, at) + 1, copy.result.find(b'\n', at)
             line = copy.result[begin:end]
-            if self.restore([k for _, k in copy.declared if self.nameOf(copy, k) in re.findall(rb'\w+', line)]):
-                return
+            words = re.findall(rb'\w+', line)
+            for declaring in [copy, *self.copies.values()]:  # what stands in the same file is the likelier
+                if self.restore([k for _, k in declaring.declared if self.nameOf(declaring, k) in words]):
+                    return
             for first, _, group in copy.places:
                 if begin <= first < end:
                     self.leaveOut(group, constantWanted)

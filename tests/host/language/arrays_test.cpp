@@ -7,10 +7,16 @@
 namespace host {
 namespace {
 
+Exprs bounds(std::int64_t upper) {
+  Exprs all;
+  all.push_back(integer(upper));
+  return all;
+}
+
 class Arrays : public testing::Test {
  protected:
   Arrays() : array(frame.variable(integerType.arrayOf())) {
-    const Expr made = newArray(array->type, integer(2));
+    const Expr made = newArray(array->type, bounds(2));
     array->put(frame, made->evaluate(frame));
   }
   Expr at(std::int64_t index) { return element(array->again(), {}, one(integer(index))); }
@@ -70,10 +76,10 @@ TEST_F(Arrays, HaveMethodsWhateverTheCaseOfTheName) {
 }
 
 TEST_F(Arrays, ChangeTheirSize) {
-  reDim({}, array->again(), integer(4))->run(frame);
+  reDim({}, array->again(), bounds(4))->run(frame);
   EXPECT_EQ(all(), "0 0 0 0 0 ");
   const auto sized = [&](std::int64_t bound) {
-    return failureOf([&] { reDim({}, array->again(), integer(bound))->run(frame); });
+    return failureOf([&] { reDim({}, array->again(), bounds(bound))->run(frame); });
   };
   EXPECT_EQ(sized(-2), "OutOfBoundsException");
   EXPECT_EQ(sized(INT64_MAX), "OutOfMemoryException");
@@ -85,7 +91,7 @@ TEST_F(Arrays, MayBeNil) {
   array->put(frame, Slot{});
   EXPECT_EQ(failureOf([&] { at(0)->integer(frame); }), "NilObjectException");
   EXPECT_EQ(failureOf([&] { call("Count", {})->integer(frame); }), "NilObjectException");
-  EXPECT_EQ(failureOf([&] { reDim({}, array->again(), integer(1))->run(frame); }), "NilObjectException");
+  EXPECT_EQ(failureOf([&] { reDim({}, array->again(), bounds(1))->run(frame); }), "NilObjectException");
 }
 
 }  // namespace

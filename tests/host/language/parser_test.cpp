@@ -38,6 +38,11 @@ struct Writer {
   }
   std::string operator()(const syntax::Negation& node) const { return "[-" + written(*node.operand) + "]"; }
   std::string operator()(const syntax::Not& node) const { return "[Not " + written(*node.operand) + "]"; }
+  std::string operator()(const syntax::Conditional& node) const {
+    return "If(" + written(*node.condition) + ", " + written(*node.first) + ", " + written(*node.second) +
+           ")";
+  }
+  std::string operator()(const syntax::AddressOf& node) const { return "AddressOf " + written(*node.method); }
   std::string operator()(const syntax::Chain& chain) const {
     std::string text = written(*chain.first);
     for (const syntax::Link& link : chain.links) {
@@ -79,6 +84,8 @@ TEST(Parser, GroupsOperatorsByPrecedence) {
 TEST(Parser, KeepsMembersAndArgumentsInOneList) {
   EXPECT_EQ(expressionIn("a.b(1, c(2)).d(3)(4)"), "a.b(1, c(2)).d(3)(4)");
   EXPECT_EQ(expressionIn("New T(1).Next"), "New T(1).Next");
+  EXPECT_EQ(expressionIn("If(a = 1, b + 2, c.d) * 2"), "[If([a = 1], [b + 2], c.d) * 2]");
+  EXPECT_EQ(expressionIn("AddressOf a.b"), "AddressOf a.b");
 }
 
 std::string statementIn(const std::string& text, bool interactive = false) {
@@ -101,8 +108,8 @@ TEST(Parser, PutsSubsAsideFromWhatRuns) {
   const syntax::Program program =
       parse("Print 1\nFunction F(ByRef a() As Integer, b As T = 2) As U()\nEnd Function\nPrint 2");
   EXPECT_EQ(program.main.size(), 2u);
-  ASSERT_EQ(program.subs.size(), 1u);
-  const syntax::Sub& sub = program.subs[0];
+  ASSERT_EQ(program.declared.subs.size(), 1u);
+  const syntax::Sub& sub = program.declared.subs[0];
   EXPECT_EQ(sub.name.text, "F");
   EXPECT_TRUE(sub.parameters[0].byRef && sub.parameters[0].type.array);
   EXPECT_TRUE(!sub.parameters[1].byRef && sub.parameters[1].defaultValue);

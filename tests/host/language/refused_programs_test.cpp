@@ -1,38 +1,10 @@
 // What is wrong with a program, and where: one row for each thing that the parser and the compilers refuse.
 #include <gtest/gtest.h>
 
-#include <mutex>
-
-#include "language/language.h"
-#include "language/problem.h"
-#include "typed.h"
+#include "refused.h"
 
 namespace host {
 namespace {
-
-struct Refused {
-  const char* program;
-  const char* problem;  // "LINE:COLUMN MESSAGE"
-};
-
-// What the program is refused for; empty where it is not.
-std::string problemOf(const std::string& program) {
-  static std::once_flag once;
-  std::call_once(once, registerBuiltins);
-  amountClass();
-  try {
-    const Program compiled("test.bas", program);
-  } catch (const ProgramError& error) {
-    return std::to_string(error.position.line) + ":" + std::to_string(error.position.column) + " " +
-           error.what();
-  }
-  return "";
-}
-
-template <std::size_t count>
-void expectRefused(const Refused (&rows)[count]) {
-  for (const Refused& row : rows) EXPECT_EQ(problemOf(row.program), row.problem) << row.program;
-}
 
 TEST(RefusedPrograms, HaveAWrongExpression) {
   expectRefused({
@@ -233,8 +205,8 @@ TEST(RefusedPrograms, HaveAStatementThatIsNotWhole) {
       {"Exit Loop", "1:6 expected For, While, Do, Sub or Function after Exit, found 'Loop'"},
       {"Continue Sub", "1:10 expected For, While, Do after Continue, found 'Sub'"},
       {"ReDim", "1:6 expected the name of an array, found the end of the line"},
-      {"ReDim a", "1:8 expected '(' after a, found the end of the line"},
-      {"Dim a() As Integer\nReDim a(1", "2:10 expected ')' after the upper bound, found the end of the line"},
+      {"ReDim a", "1:8 expected '(' and the upper bounds of the array, found the end of the line"},
+      {"Dim a() As Integer\nReDim a(1", "2:10 expected ')' after the arguments, found the end of the line"},
       {"Dim n As Integer\nReDim n(1)", "2:1 n is no array"},
       {"ReDim a(1)", "1:7 unknown name 'a'"},
       {"AddHandler 5, AddressOf S", "1:13 expected the event of a Thread, such as t.Run, found ','"},

@@ -13,6 +13,7 @@ namespace host {
 namespace {
 
 TEST(SharedReference, GivesReadersAReferenceOfTheirOwn) {
+  beginSharing();
   Slot slot = {};
   EXPECT_FALSE(loadShared(slot));
   storeShared(slot, makeText("held").detach());
@@ -23,6 +24,7 @@ TEST(SharedReference, GivesReadersAReferenceOfTheirOwn) {
 }
 
 TEST(SharedReference, NeverGivesWhatIsGone) {
+  beginSharing();
   Slot slot = {};
   storeShared(slot, makeText("0").detach());
   constexpr int readers = 2, writers = 2;

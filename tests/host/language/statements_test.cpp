@@ -109,10 +109,10 @@ TEST(AddHandler, IsForTheRunOfThreads) {
   EXPECT_EQ(failureOf([] { expectEvent(*object(*hostClasses().thread), "Stop", {}); }),
             "a Thread has no event Stop");
   EXPECT_EQ(failureOf([] { expectEvent(*object(amountClass()), "Run", {}); }), "a Amount has no event Run");
-  Sub sub;
-  sub.name = "Work";
-  sub.parameters = {{"n", integerType, false, {}}};
-  EXPECT_EQ(failureOf([&] { addHandler({}, object(*hostClasses().thread), sub, {}); }),
+  Method work;
+  work.declaration.name = "Work";
+  work.declaration.parameters = {{"n", integerType, false, {}}};
+  EXPECT_EQ(failureOf([&] { addHandler({}, object(*hostClasses().thread), work, nullptr, {}); }),
             "a thread runs a Sub without parameters, or with one parameter As Thread; Work is not");
 }
 

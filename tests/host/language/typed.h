@@ -19,6 +19,7 @@ inline constexpr Type integerType{Kind::Int64}, realType{Kind::Double}, textType
 // A frame whose variables are given back at the end.
 class TestFrame {
  public:
+  TestFrame() { frame_.locals = locals_; }
   // A new variable of the type.
   std::unique_ptr<Place> variable(Type type) {
     types_.push_back(type);
@@ -32,7 +33,7 @@ class TestFrame {
  private:
   std::vector<Type> types_;
   Slot locals_[16] = {};
-  Frame frame_{locals_, 0, {}};
+  Frame frame_;
 };
 
 inline Expr integer(std::int64_t value) {  // no literal, whose type may change

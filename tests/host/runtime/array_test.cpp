@@ -85,7 +85,7 @@ TEST(Array, RefusesWhatIsOutside) {
   startRuntime();
   const Ref<Array> array = makeArray({Kind::Int64}, 2);
   for (const std::int64_t index : {INT64_MIN, std::int64_t{-1}, std::int64_t{2}, INT64_MAX}) {
-    EXPECT_EQ(classOf([&] { array->at(index); }), "OutOfBoundsException");
+    EXPECT_EQ(classOf([&] { array->get(index); }), "OutOfBoundsException");
     EXPECT_EQ(classOf([&] { array->set(index, Slot{}); }), "OutOfBoundsException");
     EXPECT_EQ(classOf([&] { array->remove(index); }), "OutOfBoundsException");
   }
@@ -99,7 +99,7 @@ TEST(Array, GrowsByZeros) {
   startRuntime();
   const Ref<Array> array = makeArray({Kind::Double}, 0);
   array->resize(1000);
-  for (std::int64_t i = 0; i < 1000; ++i) EXPECT_EQ(array->at(i).word, 0u);
+  for (std::int64_t i = 0; i < 1000; ++i) EXPECT_EQ(array->get(i).word, 0u);
 }
 
 TEST(Things, AreNoLargerThanTheSettingsAllow) {

@@ -34,6 +34,75 @@ TEST(Operations, AreFoundByNameUnlessWithheld) {
   EXPECT_NE(resolve("REALUnlockObject"), nullptr);
 }
 
+// Refuses the calls of one operation, and notes all.
+struct RefusingWatch final : OperationWatch {
+  std::string refused, called;
+  bool refuses(const char* name, bool answers, std::span<Heap* const> handles) noexcept override {
+    called += std::string(name) + (answers ? " answers" : "") + " " + std::to_string(handles.size()) + "\n";
+    return name == refused;
+  }
+};
+
+TEST(Operations, AreWatchedAndRefusedOnRequest) {
+  startRuntime();
+  RefusingWatch watch;
+  operationWatch = &watch;
+  auto* make = operation<REALobject(const char*)>("PluginNewInstance");
+  auto* lock = operation<void(REALobject)>("REALLockObject");
+  auto* set = operation<bool(REALobject, const char*, REALstring)>("REALSetPropValueString");
+  auto* load = operation<void*(const char*, const char*)>("REALLoadGlobalMethod");
+  const REALobject object = make("RuntimeException");
+  ASSERT_NE(object, nullptr);
+  watch.refused = "PluginNewInstance";
+  EXPECT_EQ(make("RuntimeException"), nullptr);
+  watch.refused = "REALLockObject";
+  lock(object);
+  EXPECT_EQ(reinterpret_cast<Heap*>(object)->references.load(), 2) << "what has no answer is carried out";
+  watch.refused = "REALSetPropValueString";
+  EXPECT_FALSE(set(object, "Message", nullptr));
+  watch.refused = "LenB( s as string ) as integer";
+  const Ref<Text> text = makeText("four");
+  auto* lenB = reinterpret_cast<RBInteger (*)(REALstring)>(load(nullptr, watch.refused.c_str()));
+  EXPECT_EQ(lenB(reinterpret_cast<REALstring>(text.get())), 0);
+  EXPECT_EQ(watch.called,
+            "PluginNewInstance answers 0\nPluginNewInstance answers 0\nREALLockObject 1\n"
+            "REALSetPropValueString answers 2\nREALLoadGlobalMethod answers 0\n"
+            "LenB( s as string ) as integer answers 1\n");
+  operationWatch = nullptr;
+  EXPECT_NE(operation<REALobject(const char*)>("PluginNewInstance"), make)
+      << "nobody stands between any more";
+}
+
+TEST(Operations, ReadFieldsInTheInstanceData) {
+  startRuntime();
+  static REALproperty fields[1] = {};
+  fields[0].name = "Raw";
+  fields[0].type = "Integer";
+  fields[0].getter = fields[0].setter = reinterpret_cast<REALproc>(~std::uintptr_t{0});
+  fields[0].parameter = 8;
+  static REALclassDefinition base = {}, derived = {};
+  base.name = "Base";
+  base.dataSize = 16;
+  base.properties = fields;
+  base.propertyCount = 1;
+  derived.name = "Derived";
+  derived.superName = "Base";
+  derived.dataSize = 8;
+  registry().addClass(base, true);
+  const Ref<Object> object = makeObject(registry().addClass(derived, true));
+  const std::int64_t value = 42;
+  std::memcpy(reinterpret_cast<char*>(object.get()) + base.dataOffset + 8, &value, sizeof value);
+  const auto handle = reinterpret_cast<REALobject>(object.get());
+  RBInteger read = 0;
+  EXPECT_TRUE(
+      operation<bool(REALobject, const char*, RBInteger*)>("REALGetPropValueInteger")(handle, "raw", &read));
+  EXPECT_EQ(read, 42);
+  REALstring text = nullptr;
+  EXPECT_FALSE(
+      operation<bool(REALobject, const char*, REALstring*)>("REALGetPropValueString")(handle, "Raw", &text))
+      << "it is no text";
+}
+
 TEST(Operations, TellTheVersion) {
   settings().version = 2013.04;
   EXPECT_EQ(operation<double()>("REALGetRBVersion")(), 2013.04);

@@ -165,19 +165,19 @@ TEST(Registry, ListsWhatLibrariesBring) {
 
 TEST(LeakReport, NamesWhatIsAlive) {
   startRuntime();
-  EXPECT_EQ(leakReport({}), "");
+  EXPECT_EQ(leakReport({}).leaks, "");
   const Ref<Text> text = makeText("left");
-  EXPECT_EQ(leakReport({}), "leaked: String \"left\", 1 reference\n");
+  EXPECT_EQ(leakReport({}).leaks, "leaked: String \"left\", 1 reference\n");
   const Ref<Object> object = makeObject(*hostClasses().date);
-  EXPECT_EQ(leakReport({"Date"}), "leaked: String \"left\", 1 reference\n");
+  EXPECT_EQ(leakReport({"Date"}).leaks, "leaked: String \"left\", 1 reference\n");
   const Ref<Object> again = object;
-  EXPECT_EQ(leakReport({"Date"}), "leaked: Date, 2 references\nleaked: String \"left\", 1 reference\n");
+  EXPECT_EQ(leakReport({"Date"}).leaks, "leaked: Date, 2 references\nleaked: String \"left\", 1 reference\n");
 }
 
 TEST(Describe, NamesPlaceClassMessageAndCalls) {
   startRuntime();
   HostException exception("OutOfBoundsException", "too far");
-  exception.trace = {"main.bas:12: Inner", "main.bas:30"};
+  exception.trace.calls = {{"main.bas", "Inner", 12}, {"main.bas", "", 30}};
   const HostException nowhere("OutOfBoundsException", "too far");
   EXPECT_EQ(describe(nowhere), "OutOfBoundsException: too far\n");
   EXPECT_EQ(describe(HostException("NoSuchException", "odd")), "RuntimeException: odd\n");

@@ -318,6 +318,7 @@ TEST(AtomicQueue, GivesNilWhereTheHostMakesNoArrays) {
   fixture.host.withhold("RuntimeArrayCreateSingleDimBoundedArray");
   Queue queue(fixture, {1, 2});
   EXPECT_EQ(queue.array(), nullptr);
+  EXPECT_TRUE(fixture.host.raised.empty()) << "nothing is asked of nil";
   EXPECT_EQ(queue.count(), 2);
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <random>
 
+#include "frame/failing_allocation.h"
 #include "frame/fake_host.h"
 
 namespace qtx {
@@ -263,6 +264,18 @@ TEST(QueueStore, DoublesAndKeepsItsCapacity) {
   EXPECT_EQ(moved(201, 201, &QueueStore::insertAtFront), 200);
   store.clear();
   EXPECT_EQ(moved(1, 400, append), 0);
+}
+
+TEST(QueueStore, GivesItsMemoryBack) {
+  FakeHost host;
+  QueueStore().append(REALObject(nullptr));  // looks the operations up
+  const long before = livingAllocations();
+  {
+    QueueStore store;
+    for (int i = 1; i <= 201; ++i) store.append(REALObject(nullptr));
+    EXPECT_EQ(livingAllocations(), before + 1);
+  }
+  EXPECT_EQ(livingAllocations(), before);
 }
 
 TEST(QueueStore, ChecksIndexes) {

@@ -226,6 +226,33 @@ TEST(ElementReader, GivesZeroWhereTheHostHasNoGetter) {
   EXPECT_EQ(read(array.handle<REALarrayDouble>(), 0), 0);
 }
 
+TEST(ElementReader, AsksTheHostForEachElementWhereTheSelfTestHasFailed) {
+  FakeHost host;
+  offerArrays(host);
+  host.withhold("RuntimeArrayCreateSingleDimBoundedArray");
+  Doubles array({1, 2, 3});
+  ElementReader read;
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(read(array.handle<REALarrayDouble>(), i), 1 + i);
+  EXPECT_EQ(getterCalls, 3);
+}
+
+TEST(SelfTest, IsMadeAgainWhereTheHostHasThrown) {
+  FakeHost host;
+  offerArrays(host);
+  void* const create = FakeHost::resolve("RuntimeArrayCreateSingleDimBoundedArray");
+  static bool throws = true;
+  static auto* const createArray = reinterpret_cast<REALarray (*)(std::int32_t, RBInteger)>(create);
+  host.offer(
+      "RuntimeArrayCreateSingleDimBoundedArray", +[](std::int32_t type, RBInteger upperBound) {
+        if (throws) throw 5;
+        return createArray(type, upperBound);
+      });
+  Doubles array({1, 2, 3});
+  EXPECT_THROW(directElements(array.handle<REALarray>()), int);
+  throws = false;
+  EXPECT_EQ(directElements(array.handle<REALarray>()), array.elements.data());
+}
+
 // The self-test makes an array, and what the host does then may read one itself.
 TEST(ArrayValue, ComesFromTheHostWithinTheSelfTest) {
   FakeHost host;

@@ -2,6 +2,7 @@
 #include "frame/checked_declaration.h"
 
 #include <algorithm>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -117,6 +118,44 @@ static_assert(detail::parseDeclaration("F(byref x as Integer,byref y as Double)"
               detail::Passed{detail::Travel::real64, true});
 static_assert(detail::parseDeclaration("F(grid(,) as Double)").count == 1);
 
+// The same when it runs, for each of the types.
+TEST(Declaration, IsReadAlikeWhenItRuns) {
+  using detail::Passed, detail::Travel;
+  const struct {
+    std::string_view text;
+    std::vector<Passed> parameters;
+    Travel result;
+  } rows[] = {
+      {"Clear", {}, Travel::none},
+      {"A as Integer", {}, Travel::int64},
+      {"A as  Int64 ", {}, Travel::int64},
+      {"A(x as Int64) as CURRENCY", {{Travel::int64}}, Travel::int64},
+      {"A(x as UInt64, y as UInt16) as UInt64", {{Travel::uint64}, {Travel::uint16}}, Travel::uint64},
+      {"A( byref x as Double ,y as single = 0.0)", {{Travel::real64, true}, {Travel::real32}}, Travel::none},
+      {"A(x as Boolean, y as String, z as Ptr)",
+       {{Travel::boolean}, {Travel::string}, {Travel::pointer}},
+       Travel::none},
+      {"A(x as Variant, y as Int128QTX) as Variant", {{Travel::object}, {Travel::object}}, Travel::object},
+      {"A(x() as Double, y as Variant()) as Double()", {{Travel::array}, {Travel::array}}, Travel::array},
+      {"A as Boolean", {}, Travel::boolean},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.text);
+    const detail::ParsedDeclaration parsed = detail::parseDeclaration(row.text);
+    EXPECT_EQ(parsed.result, Passed{row.result});
+    ASSERT_EQ(parsed.count, row.parameters.size());
+    EXPECT_TRUE(std::equal(row.parameters.begin(), row.parameters.end(), parsed.parameters.begin()));
+  }
+}
+
+TEST(Passed, DiffersByTypeAndByReference) {
+  using detail::Passed, detail::Travel;
+  EXPECT_NE((Passed{Travel::int64}), (Passed{Travel::uint64}));
+  EXPECT_NE((Passed{Travel::int64}), (Passed{Travel::int64, true}));
+}
+
+TEST(Declaration, HasBlanksAloneTrimmed) { EXPECT_EQ(detail::trimmed("  "), ""); }
+
 // What is thrown while compiling ends that.
 TEST(Declaration, IsRefusedWhereItIsNone) {
   EXPECT_THROW(detail::parseParameter("x"), const char*);
@@ -214,6 +253,8 @@ TEST(PropertyRecord, LeavesAFieldToTheHost) {
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record.getter), UINTPTR_MAX);
   EXPECT_EQ(reinterpret_cast<std::uintptr_t>(record.setter), UINTPTR_MAX);
   EXPECT_EQ(record.parameter, 8);
+  EXPECT_STREQ(record.name, "second");
+  EXPECT_STREQ(record.type, "Integer");
 }
 
 }  // namespace

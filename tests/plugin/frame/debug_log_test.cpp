@@ -87,6 +87,7 @@ TEST(Trace, IsSilentWhileOff) {
               Trace("PopCount");
               Trace("other", "is nil");
               Trace("value", 1.5);
+              Trace("count", 5);
             }),
             "");
 }

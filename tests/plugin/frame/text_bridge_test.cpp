@@ -249,6 +249,7 @@ TEST(Text, IsEmptyWhereTheHostRefusesToConvert) {
 
 TEST(Text, IsEmptyWhereTheHostConvertsToNothing) {
   FakeHost host;
+  debugging = true;
   static REALstringData given;
   host.offer(
       "PluginGetStringData", +[](REALstring, std::uint32_t, REALstringData* data) {
@@ -261,7 +262,7 @@ TEST(Text, IsEmptyWhereTheHostConvertsToNothing) {
     given = {bytes, length, encoding::utf8, nullptr};
     withString(host, "\x9A", encoding::macRoman, [&](REALstring string) {
       rbText text(string);
-      EXPECT_EQ(text.ascii(), "");
+      EXPECT_EQ(logOf([&] { EXPECT_EQ(text.ascii(), ""); }), "") << "not looked at";
       EXPECT_STREQ(text.GetUTF8(), "");
     });
   }
@@ -304,6 +305,17 @@ TEST(Text, IsTerminatedWhereTheHostDoesNot) {
       EXPECT_EQ(log, "QTX Debug: String is not zero terminated. Fixed.\n");
       EXPECT_EQ(text.utf8().size(), 4u);
       EXPECT_STREQ(text.ascii().data(), "1234");
+    });
+  }
+}
+
+TEST(Text, WithoutBytesIsTerminatedWhateverTheHostHas) {
+  FakeHost host;
+  host.terminator = '9';
+  debugging = true;
+  for (const auto encoding : {encoding::utf8, encoding::ascii}) {
+    withString(host, "", encoding, [&](REALstring string) {
+      EXPECT_EQ(logOf([&] { EXPECT_STREQ(rbText(string).GetUTF8(), ""); }), "") << encoding;
     });
   }
 }
@@ -409,6 +421,7 @@ const AskedRow askedRows[] = {
     {encoding::utf8, "", {asUTF8, asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
     {encoding::ascii, "12", {}, {"lock", "encoding", "bytes", "length", "unlock"}},
     {encoding::ascii, "12", {asUTF8, asASCII, asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
+    {encoding::ascii, "12", {asASCII}, {"lock", "encoding", "bytes", "length", "unlock"}},
     {encoding::ascii, "\x80", {asItIs}, {"lock", "encoding", "bytes", "length", "unlock"}},
     // Whether it is ASCII is looked up under a reference of its own.
     {encoding::utf8,
@@ -502,6 +515,35 @@ TEST(Text, IsEmptyWhereThereIsNoMemoryForOtherViews) {
   }
 }
 
+TEST(Text, StaysEmptyOnceThereWasNoMemoryForAnotherView) {
+  FakeHost host;
+  debugging = true;
+  withString(host, "1234", encoding::utf8, [&](REALstring string) {
+    rbText(string).plain();  // looks the operations up
+    rbText text(string);
+    EXPECT_EQ(logOf([&] {
+                const FailAllocationsOf failing(1, 1000);
+                text.ConvertASCII();
+              }),
+              "QTX Debug: Out of memory\n");
+    EXPECT_EQ(text.ascii(), "");
+    EXPECT_EQ(text.utf8(), "") << "the string has been given back";
+  });
+}
+
+// What the host throws while the bytes are looked at.
+TEST(Text, LeavesNothingBehindWhereTheHostThrows) {
+  FakeHost host;
+  host.offer(
+      "StringGetCString", +[](REALstring) -> const char* { throw 5; });
+  withString(host, "\x9A", encoding::none, [&](REALstring string) {
+    EXPECT_THROW(rbText{string}, int);  // looks the operations up
+    const long before = livingAllocations();
+    EXPECT_THROW(rbText{string}, int);
+    EXPECT_EQ(livingAllocations(), before);
+  });
+}
+
 TEST(Text, IsReadWhereItLiesWithoutMemory) {
   FakeHost host;
   for (const auto encoding : {encoding::utf8, encoding::ascii}) {
@@ -510,8 +552,10 @@ TEST(Text, IsReadWhereItLiesWithoutMemory) {
       const long before = livingAllocations();
       rbText text(string);
       const std::string_view view = text.plain();
+      const std::string_view other = encoding == encoding::ascii ? text.ascii() : text.utf8();
       EXPECT_EQ(livingAllocations(), before);
       EXPECT_EQ(view, "1234");
+      EXPECT_EQ(other, "1234");
     });
   }
 }
@@ -564,8 +608,10 @@ TEST(Data, IsEmptyWhereTheHostGivesANegativeLength) {
   FakeHost host;
   host.offer(
       "LenB( s as string ) as integer", +[](REALstring) -> RBInteger { return -1; });
-  withString(host, "four", encoding::none,
-             [&](REALstring string) { EXPECT_EQ(rbData(string).length(), 0u); });
+  debugging = true;
+  withString(host, "four", encoding::none, [&](REALstring string) {
+    EXPECT_EQ(logOf([&] { EXPECT_EQ(rbData(string).length(), 0u); }), "") << "there are bytes";
+  });
 }
 
 struct BuildRow {

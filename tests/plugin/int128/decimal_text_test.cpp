@@ -162,6 +162,15 @@ TEST(DecimalText, IsReadLeniently) {
        "5",
        0, 0},  // a no-break space is no blank
       {"5\xC3\xA9", 5, 5},
+      // The characters beside blanks and digits.
+      {"\x08"
+       "5",
+       0, 0},
+      {"\x0E"
+       "5",
+       0, 0},
+      {"4:", 4, 4},
+      {"4/", 4, 4},
       {"0000000000000000000000000000000000000000000000000012", 12, 12},
       {"12345678", 12345678, 12345678},
       {"1234567:", 1234567, 1234567},
@@ -175,6 +184,16 @@ TEST(DecimalText, IsReadLeniently) {
   }
   EXPECT_EQ(hex(parseDecimal<Int128>("170141183460469231731687303715884105728").bits()),
             hex(NativeUInt128{1} << 127));
+}
+
+// Whatever lies behind it.
+TEST(DecimalText, EndsWhereItEnds) {
+  for (const std::string_view behind : {"  7", "  -7", "7", "-7"}) {
+    const std::string text = "  " + std::string(behind);
+    for (std::size_t size = 0; size <= 2; ++size) {
+      EXPECT_EQ(parseDecimal<Int128>(std::string_view(text).substr(0, size)), Int128(0)) << text << size;
+    }
+  }
 }
 
 TEST(DecimalText, IsReadAsTheSlowModelReadsIt) {

@@ -447,8 +447,31 @@ TYPED_TEST(SharedSmallValues, AreGivenOutWithoutAReferenceWhereTheHostHasNone) {
   numbers.host.unlock(one);
 }
 
-// While an object is made, host code runs, which may make the same one: that is the shared one then. Without
-// references nothing is given back of the other.
+// While an object is made, host code runs, which may make the same one: that is the shared one then, and the
+// other is its caller's alone.
+TYPED_TEST(SharedSmallValues, AreMadeWithinEachOther) {
+  NumberHost& numbers = this->numbers_;
+  FakeHost& host = numbers.host;
+  static REALobject inner;
+  static bool within;
+  inner = nullptr;
+  within = false;
+  static std::function<REALobject()> make;
+  make = [&] { return numbers.template shared<TypeParam>("one"); };
+  host.offer(
+      "PluginNewInstance", +[](const char* name) {
+        if (!std::exchange(within, true)) inner = make();
+        return FakeHost::current->makeObject(name);
+      });
+  const REALobject outer = make();
+  EXPECT_NE(outer, inner);
+  EXPECT_EQ(numbers.references(outer), 1);
+  EXPECT_EQ(numbers.references(inner), 2);
+  host.unlock(outer);
+  host.unlock(inner);
+}
+
+// Without references nothing is given back of the other.
 TYPED_TEST(SharedSmallValues, AreMadeWithinEachOtherWhereTheHostHasNoReferences) {
   NumberHost& numbers = this->numbers_;
   FakeHost& host = numbers.host;
@@ -497,6 +520,18 @@ TEST(HazardPlaces, AreSpreadOverTheStacks) {
   EXPECT_GE(places.size(), 24u);
   EXPECT_LE(places.size(), 32u);
   EXPECT_FALSE(hazards.isAnnounced(reinterpret_cast<REALobject>(&hazards)));
+}
+
+// Who has found no place may be about to take any object.
+TEST(HazardPlaces, AnnounceEverythingForTheUnnamed) {
+  HazardPointers hazards;
+  const auto object = reinterpret_cast<REALobject>(&hazards);
+  hazards.enterUnnamed();
+  hazards.enterUnnamed();
+  hazards.leaveUnnamed();
+  EXPECT_TRUE(hazards.isAnnounced(object));
+  hazards.leaveUnnamed();
+  EXPECT_FALSE(hazards.isAnnounced(object));
 }
 
 // A host of real memory and atomic reference counts, whose objects are freed with their last reference: what

@@ -13,6 +13,7 @@
 #include "math/bits.h"
 #include "math/function_table.h"
 #include "math/half_float.h"
+#include "math/random_draws.h"
 
 namespace qtx {
 namespace {
@@ -331,6 +332,14 @@ TEST(Bits, AreBoundToTheirNames) {
   EXPECT_TRUE(isSet(1, -64));
   EXPECT_FALSE(isSet(1, 64));
   EXPECT_TRUE(isSet(std::uint64_t{1} << 63, 63)) << "not lost in a Boolean's byte";
+}
+
+// Two processes have the same seed once in 2^32 times.
+TEST(RandomDraws, AreOtherOnesInEachProcess) {
+  Functions functions;
+  auto* draw = functions.find<double(double)>("RandomExponentialDistributionQTX(lambda as Double) as double");
+  const double drawn = draw(1);
+  for (const std::uint32_t seed : {0u, 1u}) EXPECT_NE(drawn, RandomDraws(seed).exponential(1)) << seed;
 }
 
 TEST(RandomPoisson, GoesByTheLow32BitsOfTheMean) {

@@ -195,6 +195,7 @@ TEST(PoissonDraw, NeverLeavesThe32Bits) {
 TEST(PoissonDraw, IsZeroForAMeanOfZeroOrLess) {
   RandomDraws draws(108);
   for (const std::int32_t mean : {0, -1, -10, INT32_MIN}) EXPECT_EQ(draws.poisson(mean), 0) << mean;
+  EXPECT_EQ(draws.exponential(1), RandomDraws(108).exponential(1)) << "no number has been taken";
 }
 
 // Fresh distributions of the standard library are the same functions of the generator's outputs, as long as

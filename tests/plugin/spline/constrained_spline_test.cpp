@@ -7,8 +7,11 @@
 #include <cmath>
 #include <cstdint>
 #include <random>
+#include <vector>
 
+#include "frame/processor.h"
 #include "knots.h"
+#include "spline/spline_cubics.h"
 
 namespace qtx {
 namespace {
@@ -65,6 +68,16 @@ struct Formulas {
   }
 };
 
+// What a test asks of every form that this processor has.
+std::vector<void (*)(const double*, const double*, std::size_t, double*)> formsOfCubics() {
+  std::vector forms{&computeCubicsByTwos};
+#if defined(__x86_64__)
+  if (thisProcessor().hasWideVectors) forms.push_back(&computeCubicsByFours);
+  if (thisProcessor().hasWidestVectors) forms.push_back(&computeCubicsByEights);
+#endif
+  return forms;
+}
+
 void expectSameCurves(const Values& x, const Values& y, const Values& coordinates) {
   const Formulas expected(x, y);
   const ConstrainedSpline actual(x.data(), y.data(), x.size());
@@ -90,6 +103,30 @@ TEST(ConstrainedSpline, HasTheFormulasBits) {
           static_cast<Generator::Kind>(generator.below(static_cast<std::size_t>(Generator::kinds))), n);
       ASSERT_NO_FATAL_FAILURE(expectSameCurves(x, y, coordinatesAround(x, generator)))
           << n << " points, kind " << kind;
+    }
+  }
+}
+
+TEST(ConstrainedSpline, HasTheFormulasBitsInEveryForm) {
+  Generator generator(12);
+  for (std::size_t n = 3; n < 400; ++n) {
+    for (int kind = 0; kind < Generator::kinds; ++kind) {
+      const Values x = generator.knots(static_cast<Generator::Kind>(kind), n);
+      const Values y = generator.knots(
+          static_cast<Generator::Kind>(generator.below(static_cast<std::size_t>(Generator::kinds))), n);
+      const Formulas expected(x, y);
+      std::size_t form = 0;
+      for (const auto compute : formsOfCubics()) {
+        Values cubics(4 * (n - 1));
+        compute(x.data(), y.data(), n, cubics.data());
+        for (std::size_t i = 1; i < n; ++i) {
+          const double* const cubic = cubics.data() + 4 * (i - 1);
+          const bool areSame = same(cubic[0], expected.a[i]) && same(cubic[1], expected.b[i]) &&
+                               same(cubic[2], expected.c[i]) && same(cubic[3], expected.d[i]);
+          ASSERT_TRUE(areSame) << n << " points, kind " << kind << ", interval " << i << ", form " << form;
+        }
+        ++form;
+      }
     }
   }
 }

@@ -66,6 +66,19 @@ TEST(GuideTable, PassesOverLesserKnotsWhereverTheyLie) {
   }
 }
 
+// A bucket's number would not fit what it is computed in. The knots themselves are not looked at.
+TEST(GuideTable, IsNotFilledForMoreKnotsThanItCanCount) {
+  GuideTable guide;
+  guide.fill(nullptr, std::size_t{1} << 31, nullptr);
+  EXPECT_FALSE(guide.isFilled());
+}
+
+TEST(GuideTable, IsNotFilledForLessThanAWindow) {
+  Generator generator(9);
+  EXPECT_FALSE(Table(hardKnots(Hard::even, GuideTable::window - 1, generator)).guide.isFilled());
+  EXPECT_TRUE(Table(hardKnots(Hard::even, GuideTable::window, generator)).guide.isFilled());
+}
+
 // Where it pays: most coordinates among spread knots lie within a window of the start.
 TEST(GuideTable, LeadsNearTheCoordinate) {
   Generator generator(8);

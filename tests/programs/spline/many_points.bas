@@ -1,3 +1,4 @@
+' takes: long
 ' A hundred thousand points: the curve meets them, and stays between them where they rise.
 Const Last = 99999
 Dim x() As Double

@@ -1,0 +1,304 @@
+// Lays out objects, makes and destroys them, and fills the tables of methods.
+#include "language/classes.h"
+
+#include <algorithm>
+
+#include "language/fields.h"
+#include "language/invocation.h"
+#include "language/signatures.h"
+#include "language/spelling.h"
+#include "runtime/registry.h"
+#include "runtime/thread.h"
+
+namespace host {
+
+namespace {
+
+Slot selfIn(const Slot* arguments) { return {.heap = arguments[0].heap}; }
+
+Slot initialize(const void* own, const Slot* arguments) {
+  const auto& made = *static_cast<const OwnClass*>(own);
+  const Slot self = selfIn(arguments);
+  if (made.initial) callSub(*made.initial, &self);
+  return {};
+}
+
+// The Destructor runs with a reference to the object, as any method does; one that is left over afterwards
+// keeps it alive.
+bool runDestructor(const OwnClass& made, Heap& object) {
+  if (!made.destruction) return true;
+  object.references.store(1, std::memory_order_relaxed);
+  const Slot self = {.heap = &object};
+  try {
+    callSub(*made.destruction->sub, &self);
+  } catch (const HostException& exception) {  // whoever let go of the object has nothing to do with it
+    reportUncaught(exception);
+  } catch (const ProgramEnd&) {  // the others notice themselves
+  }
+  return object.references.fetch_sub(1, std::memory_order_acq_rel) == 1;
+}
+
+Slot destroyOwn(const void* own, const Slot* arguments) {
+  const auto& made = *static_cast<const OwnClass*>(own);
+  Heap& object = *arguments[0].heap;
+  if (!runDestructor(made, object)) return {};
+  for (const Property& each : made.properties) {
+    if (each.offset != 0 && each.type.isReference()) storeField(slotIn(object, each), each.type, {});
+  }
+  return {};
+}
+
+// Fields by name, as a library asks for them: the object, a number of no meaning here, the value.
+Slot readField(const void* own, const Slot* arguments) {
+  const auto& property = *static_cast<const Property*>(own);
+  return loadField(slotIn(*arguments[0].heap, property), property.type);
+}
+Slot writeField(const void* own, const Slot* arguments) {
+  const auto& property = *static_cast<const Property*>(own);
+  if (property.type.isReference()) retain(arguments[2].heap);
+  storeField(slotIn(*arguments[0].heap, property), property.type, arguments[2]);
+  return {};
+}
+Slot readComputed(const void* own, const Slot* arguments) {
+  return static_cast<const Property*>(own)->get->call({arguments, 1});
+}
+Slot writeComputed(const void* own, const Slot* arguments) {
+  const Slot given[] = {arguments[0], arguments[2]};
+  return static_cast<const Property*>(own)->get->setter(given);
+}
+
+const OwnClass* ownAbove(const Class& made) {
+  return made.super && made.super->isOwn ? static_cast<const OwnClass*>(made.super) : nullptr;
+}
+
+}  // namespace
+
+OwnClass& newOwnClass(ModuleNames& module, const syntax::Name& name, Declarations& outer) {
+  OwnClass& made = module.allClasses.emplace_back();
+  made.name = name.text;
+  made.position = name.position;
+  made.defined = made.isOwn = true;
+  made.declared.name = name.text;
+  made.declared.outer = &outer;
+  made.declared.ofClass = &made;
+  return made;
+}
+
+ClassMembers::ClassMembers(ModuleNames& module, OwnClass& made, Names& names, Problems& problems)
+    : module_(module), made_(made), names_(names), problems_(problems) {
+  made.dataOffset = made.super ? (made.super->instanceSize + 15) / 16 * 16 : sizeof(Heap);
+  size_ = made.dataOffset;
+  if (made.super) {
+    made.table = made.super->table;
+    made.implementations = made.super->implementations;
+  }
+}
+
+void ClassMembers::addField(const syntax::Property& parsed) {
+  const Type type = names_.typeOf(parsed.stored, parsed.stored.variables[0]);
+  Property& property = made_.properties.emplace_back();
+  property.name = parsed.name.text;
+  property.type = type;
+  property.access = accessOf(parsed.modifiers);
+  property.owner = &made_;
+  property.offset = size_;
+  size_ += sizeof(Slot);
+  property.getter = Call(&readField, &property);
+  property.setter = Call(&writeField, &property);
+}
+
+// A place in the table: that of the method above that takes the same, or a new one.
+void ClassMembers::findPlace(Method& method, const std::vector<const Method*>& above) {
+  for (const Method* each : above) {
+    if (each->place < 0 || !sameName(each->declaration.name, method.declaration.name) ||
+        !sameParameters(*each, method)) {
+      continue;
+    }
+    if (each->declaration.result != method.declaration.result) {
+      fail(method.sub->position, method.declaration.name + " gives " + nameOf(method.declaration.result) +
+                                     ", but in the class above it gives " + nameOf(each->declaration.result));
+    }
+    method.place = each->place;
+    made_.table[static_cast<std::size_t>(method.place)] = &method;
+    return;
+  }
+  method.place = static_cast<std::ptrdiff_t>(made_.table.size());
+  made_.table.push_back(&method);
+}
+
+// Null where it is wrong.
+const Method* ClassMembers::addAccessor(const syntax::Sub& parsed, const std::string& name) {
+  const auto [sub, fits] = newSub(module_, parsed, names_, problems_);
+  sub.hasSelf = !parsed.modifiers.shared;
+  subs_.push_back({&sub, &parsed});
+  if (!fits) return nullptr;
+  Method& method = newMethod(made_.accessors, sub, parsed);
+  method.declaration.name = name;
+  method.owner = &made_;
+  if (!sub.hasSelf) return &method;
+  std::vector<const Method*> above;
+  for (const OwnClass* each = ownAbove(made_); each; each = ownAbove(*each)) {
+    for (const Method& other : each->accessors) above.push_back(&other);
+  }
+  problems_.attempt([&] { findPlace(method, above); });
+  return &method;
+}
+
+void ClassMembers::addComputed(const syntax::Property& parsed) {
+  const std::string& name = parsed.name.text;
+  Type type;
+  bool fits = problems_.attempt([&] {
+    if (findNamed(made_.properties, name) || findNamed(made_.sharedProperties, name)) {
+      fail(parsed.name.position, "there is another " + name + " already");
+    }
+    type = names_.typeOf(parsed.type);
+  });
+  const Method* get = parsed.get ? addAccessor(*parsed.get, "Get " + name) : nullptr;
+  const Method* set = parsed.set ? addAccessor(*parsed.set, "Set " + name) : nullptr;
+  fits &= (get || !parsed.get) && (set || !parsed.set);
+  fits = fits && problems_.attempt([&] {
+    if (set && set->declaration.parameters[0].type != type) {
+      fail(parsed.name.position, "Set takes another type than the property " + name + " has");
+    }
+  });
+  if (!fits) return void(problems_.expectUnknown(name));
+  Property& property = (parsed.modifiers.shared ? made_.sharedProperties : made_.properties).emplace_back();
+  property.name = name;
+  property.type = type;
+  property.access = accessOf(parsed.modifiers);
+  property.owner = &made_;
+  if (!get) {
+    Method& setOnly = made_.accessors.emplace_back();
+    setOnly.declaration.name = name;
+    setOnly.declaration.result = type;
+    setOnly.owner = &made_;
+    setOnly.isOwn = true;
+    setOnly.call = unreadable();
+    get = &setOnly;
+  }
+  if (set) assignThrough(const_cast<Method&>(*get), *set);
+  property.get = get;
+  property.getter = Call(&readComputed, &property);
+  if (set) property.setter = Call(&writeComputed, &property);
+}
+
+void ClassMembers::addMethod(const syntax::Sub& parsed) {
+  const auto [sub, fits] = newSub(module_, parsed, names_, problems_);
+  Sub& declared = sub;
+  declared.hasSelf = !parsed.modifiers.shared;
+  if (!made_.isInterface) subs_.push_back({&declared, &parsed});
+  if (!fits) {
+    if (sameName(declared.name, "Constructor")) made_.hasWrongConstructor = true;
+    return;
+  }
+  problems_.attempt([&] {
+    if (sameName(declared.name, "Destructor")) {
+      addDestructor(declared, parsed);
+    } else {
+      addOwn(declared, parsed);
+    }
+  });
+}
+
+void ClassMembers::addDestructor(Sub& sub, const syntax::Sub& parsed) {
+  if (!sub.hasSelf || !sub.parameters.empty() || parsed.result || made_.destruction) {
+    fail(sub.position, "a class has one Destructor, a Sub without parameters");
+  }
+  made_.destruction.emplace();
+  made_.destruction->sub = &sub;
+}
+
+void ClassMembers::addOwn(Sub& sub, const syntax::Sub& parsed) {
+  const bool shared = parsed.modifiers.shared;
+  const std::string& name = sub.name;
+  const bool isConstructor = sameName(name, "Constructor");
+  if (isConstructor && (shared || parsed.result)) fail(sub.position, "a Constructor is a Sub of an object");
+  std::deque<Method>& own = shared ? made_.sharedMethods : made_.methods;
+  Method& method = newMethod(own, sub, parsed);
+  method.owner = &made_;
+  for (const Method& other : own) {
+    if (&other != &method && sameName(other.declaration.name, name) && sameParameters(other, method)) {
+      fail(sub.position, "there is another Sub or Function " + name + " already");
+    }
+  }
+  if (findNamed(made_.properties, name)) fail(sub.position, "there is another " + name + " already");
+  if (method.extends) fail(sub.position, "a Sub that Extends a type stands in a module");
+  if (shared || isConstructor) return;
+  if (made_.isInterface) {
+    method.place = static_cast<std::ptrdiff_t>(made_.methods.size()) - 1;
+    method.sub = nullptr;
+    return;
+  }
+  findPlace(method, made_.super ? made_.super->findMethods(name) : std::vector<const Method*>());
+}
+
+std::vector<ParsedSub> ClassMembers::finish() {
+  for (std::deque<Method>* methods : {&made_.methods, &made_.sharedMethods}) {
+    for (Method& assigning : *methods) {
+      if (!assigning.assigns) continue;
+      std::vector<const Method*> together = {&assigning};
+      for (Method& each : *methods) {
+        if (!each.assigns && sameName(each.declaration.name, assigning.declaration.name))
+          together.push_back(&each);
+      }
+      pairAssigning(together, made_.accessors);
+      if (!together.empty() && !together[0]->sub) methods->push_back(*together[0]);
+    }
+    // They are called through the others.
+    for (Method& each : *methods) {
+      if (each.assigns) each.declaration.name = "Set " + each.declaration.name;
+    }
+  }
+  made_.instanceSize = (size_ + 15) / 16 * 16;
+  if (made_.isInterface) return {};
+  const bool holds = std::any_of(made_.properties.begin(), made_.properties.end(), [](const Property& each) {
+    return each.offset != 0 && each.type.isReference();
+  });
+  made_.initializer = Call(&initialize, &made_);
+  if (holds || made_.destruction) made_.destructor = Call(&destroyOwn, &made_);
+  if (made_.destructor || (made_.super && made_.super->finalize)) made_.finalize = &finalizeObject;
+  return std::move(subs_);
+}
+
+namespace {
+
+const Method* standingFor(const Class& made, const Method& wanted) {
+  for (const Method* each : made.findMethods(wanted.declaration.name)) {
+    if (each->declaration.result == wanted.declaration.result && sameParameters(*each, wanted) &&
+        each->access == Access::everyone) {
+      return each->place < 0 ? each : made.table[static_cast<std::size_t>(each->place)];
+    }
+  }
+  return nullptr;
+}
+
+void implement(OwnClass& made, const Class& interface, Problems& problems) {
+  Implementation implementation{&interface, {}};
+  for (const Method& wanted : interface.methods) {
+    const Method* found = standingFor(made, wanted);
+    problems.attempt([&] {
+      if (found) return;
+      throw WrongUse(
+          made.position, wanted.declaration.name,
+          made.name + " implements " + interface.name + ", but has no public " + wanted.declaration.text);
+    });
+    implementation.methods.push_back(found);
+  }
+  std::erase_if(made.implementations,
+                [&](const Implementation& each) { return each.interface == &interface; });
+  made.implementations.push_back(std::move(implementation));
+  for (const Class* each : interface.interfaces) implement(made, *each, problems);
+}
+
+}  // namespace
+
+void implementAll(OwnClass& made, Problems& problems) {
+  if (made.isInterface || isWrong(&made)) return;
+  std::vector<const Class*> all;
+  for (const OwnClass* each = &made; each; each = ownAbove(*each)) {
+    all.insert(all.end(), each->interfaces.begin(), each->interfaces.end());
+  }
+  for (const Class* each : all) implement(made, *each, problems);
+}
+
+}  // namespace host

@@ -1,0 +1,105 @@
+// One lock for all waits, so that whoever begins one can see whether all threads wait, and whether for
+// nothing.
+#include "runtime/waiting.h"
+
+#include <algorithm>
+#include <mutex>
+#include <vector>
+
+#include "runtime/running_call.h"
+
+namespace host {
+
+namespace {
+
+struct Waiter {
+  Awaited& awaited;
+  const char* what;
+  const std::function<bool()>& ready;
+  std::uint64_t thread;
+  const RunningCall* place;
+  bool isHopeless = false;
+};
+
+// Never destroyed: a thread of a program may end while the process does.
+std::mutex& allWaits = *new std::mutex;
+std::condition_variable& anyEnded = *new std::condition_variable;
+std::vector<Waiter*>& waiters = *new std::vector<Waiter*>;
+std::function<void(const std::string&)>& deadlockHandler = *new std::function<void(const std::string&)>;
+std::size_t started = 0;     // and not ended
+bool mainIsThrough = false;  // and waits for the others to end
+
+// With the lock of all waits.
+void checkForDeadlock() {
+  if (waiters.empty() || waiters.size() < started + (mainIsThrough ? 0 : 1)) return;
+  if (std::any_of(waiters.begin(), waiters.end(),
+                  [](const Waiter* each) { return each->isHopeless || each->ready(); })) {
+    return;
+  }
+  std::sort(waiters.begin(), waiters.end(),
+            [](const Waiter* a, const Waiter* b) { return a->thread < b->thread; });
+  std::string places;
+  for (Waiter* each : waiters) {
+    if (const RunningCall* const place = each->place) {
+      places += std::string("  at ") + place->file + ":" + std::to_string(place->line) +
+                (*place->sub ? std::string(": ") + place->sub : "") + ": " + each->what + "\n";
+    }
+    each->isHopeless = true;
+    each->awaited.changed.notify_all();
+  }
+  if (deadlockHandler) deadlockHandler(places);
+}
+
+}  // namespace
+
+std::uint64_t threadNumber() {
+  static std::atomic<std::uint64_t> last{0};
+  thread_local const std::uint64_t own = ++last;
+  return own;
+}
+
+void waitUntil(Awaited& awaited, const char* what, const std::function<bool()>& ready) {
+  const Doing waiting(Activity::waiting);
+  Waiter self{awaited, what, ready, threadNumber(), runningCall};
+  std::unique_lock lock(allWaits);
+  waiters.push_back(&self);
+  ++awaited.waiters;  // before looking: whoever makes it ready then looks for those who wait
+  checkForDeadlock();
+  awaited.changed.wait(lock, [&] { return self.isHopeless || ready(); });
+  --awaited.waiters;
+  std::erase(waiters, &self);
+  if (self.isHopeless) throw Deadlock();
+}
+
+void notify(Awaited& awaited) {
+  if (awaited.waiters == 0) return;
+  const std::lock_guard lock(allWaits);
+  awaited.changed.notify_all();
+}
+
+void setDeadlockHandler(std::function<void(const std::string&)> report) {
+  const std::lock_guard lock(allWaits);
+  deadlockHandler = std::move(report);
+}
+
+void threadBegins() {
+  const std::lock_guard lock(allWaits);
+  ++started;
+}
+
+void threadEnds() {
+  const std::lock_guard lock(allWaits);
+  --started;
+  checkForDeadlock();
+  anyEnded.notify_all();
+}
+
+void awaitOtherThreads() {
+  std::unique_lock lock(allWaits);
+  mainIsThrough = true;
+  checkForDeadlock();
+  anyEnded.wait(lock, [] { return started == 0; });
+  mainIsThrough = false;
+}
+
+}  // namespace host
