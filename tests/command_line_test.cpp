@@ -100,6 +100,7 @@ TEST(CommandLine, ShowsWhatTheDocumentationSays) {
   const std::string function = qtxhost({"doc", "hypotqtx"}).output;
   EXPECT_EQ(function.find("HypotQTX(x as double, y as double) as double\n√(x² + y²) without overflow"), 0u)
       << function;
+  EXPECT_TRUE(function.ends_with("\nExample:\n  Print HypotQTX(3, 4)\nprints\n  5\n")) << function;
   const std::string type = qtxhost({"doc", "AtomicQueueQTX"}).output;
   EXPECT_NE(type.find("is a sequence of Variants that threads share"), std::string::npos) << type;
   EXPECT_NE(qtxhost({"doc", "Uppercase"}).output.find("Uppercase(s as String) as String\n"),
@@ -312,6 +313,22 @@ TEST(Repl, ShowsWhatIsInAValue) {
             "[\"a\", \"b\"]\n[]\ntext\nNil\n");
 }
 
+TEST(Repl, KnowsClassesThatWereDeclaredThere) {
+  const Outcome session = qtxhost({"repl"},
+                                  "Class A\nDim x As Integer = 5\nPrivate all() As Double = Array(1, 2)\n"
+                                  "Property Twice As Integer\nGet\nReturn x * 2\nEnd Get\nEnd Property\n"
+                                  "End Class\nDim a As New A\na\na.Twice\n"
+                                  "Class B\nDim x As Intger\nEnd Class\nNew B\nClass C\nDim x As A\n");
+  EXPECT_EQ(session.status, 1);
+  EXPECT_EQ(session.output, "A {x: 5, all: [1, 2]}\n10\n");
+  EXPECT_EQ(session.errors,
+            "input:2:10: error: unknown type 'Intger'; did you mean 'Integer'?\n  Dim x As Intger\n"
+            "           ^\n"
+            "input:1:5: error: unknown type 'B'\n  New B\n      ^\n"
+            "input:1:1: error: 'Class' of line 1 has no 'End Class'\n  Class C\n  ^\n");
+  EXPECT_EQ(qtxhost({"repl"}, "help HypotQTX\nexit\n").output, qtxhost({"doc", "HypotQTX"}).output);
+}
+
 TEST(Repl, WaitsForTheEndOfABlockAndGoesOnAfterErrors) {
   const Outcome session =
       qtxhost({"repl"},
@@ -401,7 +418,7 @@ TEST_F(ReplOnATerminal, AsksAgainForAWrongLineOfABlock) {
 
 TEST_F(ReplOnATerminal, CompletesNamesAndMembers) {
   const Outcome outcome = session({{"> ", "Dim counter As New AtomicInt\t\n"},
-                                   {"> ", "coun\t.Incr\t\n"},
+                                   {"> ", "counte\t.Incr\t\n"},
                                    {"> ", "counter.V\t\n"},
                                    {"> ", "Print \"[\" + Str(HypotQ\t(3, 4)) + \"]\"\n"},
                                    {"> ", "exit\n"}});

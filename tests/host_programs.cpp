@@ -40,8 +40,11 @@ HostProgram fromFile(const fs::path& file, const fs::path& expectations) {
   program.options = words(heading(program.text, "options"));
   if (const std::string status = heading(program.text, "exit"); !status.empty())
     program.exitStatus = std::stoi(status);
-  program.needsOutput = heading(program.text, "output") != "varies";
+  program.draws = heading(program.text, "draws");
+  program.needsOutput = heading(program.text, "output") != "varies" && program.draws.empty();
   program.takesLong = heading(program.text, "takes") == "long";
+  if (const std::string printed = heading(program.text, "prints"); !printed.empty())
+    program.output = contentOf(source / printed);
   fs::path expected = expectations / file.filename();
   if (fs::exists(expected.replace_extension(".out"))) program.output = contentOf(expected);
   if (fs::exists(expected.replace_extension(".err"))) program.errors = contentOf(expected);

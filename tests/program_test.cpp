@@ -32,6 +32,40 @@ TEST_P(Programs, PrintWhatTheyShould) {
 INSTANTIATE_TEST_SUITE_P(All, Programs, testing::ValuesIn(allPrograms()),
                          [](const auto& each) { return each.param.name; });
 
+// Lines of what was drawn by chance, for which there is no other.
+std::string withoutDraws(const std::string& picture) {
+  std::istringstream lines(picture);
+  std::string rest;
+  for (std::string line; std::getline(lines, line);) {
+    rest += line.find("class='drawn'") == std::string::npos ? line + "\n" : "drawn\n";
+  }
+  return rest;
+}
+
+// The pictures of the documentation; those of measured times are not programs'.
+TEST(Pictures, AreWhatProgramsPrint) {
+  int pictures = 0, drawn = 0;
+  const std::filesystem::path source = QTX_SOURCE_DIR;
+  for (const auto& entry : std::filesystem::directory_iterator(source / "docs")) {
+    if (entry.path().extension() != ".svg") continue;
+    const std::string picture = contentOf(entry.path());
+    bool found = false;
+    for (const HostProgram& program : allPrograms()) {
+      found = found || (program.output && program.output->find(picture) != std::string::npos);
+      if (program.draws.empty() || source / program.draws != entry.path()) continue;
+      found = true;
+      ++drawn;
+      const Outcome outcome = runQtxhost(program.arguments(), program.text, program.folder);
+      EXPECT_EQ(withoutDraws(outcome.output), withoutDraws(picture));
+      EXPECT_NE(outcome.output, picture) << "draws are the same twice";
+    }
+    EXPECT_TRUE(found) << entry.path() << " is printed by no program";
+    ++pictures;
+  }
+  EXPECT_EQ(pictures, 7);
+  EXPECT_EQ(drawn, 1);
+}
+
 // Whatever the library registers is shown in a program of the documentation. Constructors and operators are
 // shown by use, which has no name to look for.
 TEST(Documentation, ShowsEveryFunctionAndMember) {

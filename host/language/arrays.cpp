@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "language/array_words.h"
 #include "language/conversions.h"
 #include "language/places.h"
 #include "language/spelling.h"
@@ -12,25 +13,10 @@ namespace host {
 
 namespace {
 
-Array& arrayIn(Slot slot) {
-  if (!slot.heap) throw HostException("NilObjectException", "The array is Nil.");
-  return *static_cast<Array*>(slot.heap);
-}
-
 std::int64_t countFor(std::int64_t upperBound) {
   if (upperBound < -1) throw HostException("OutOfBoundsException", "The upper bound is less than -1.");
   if (upperBound == INT64_MAX) throw HostException("OutOfMemoryException", "The array is too big.");
   return upperBound + 1;
-}
-
-// What is done with an array; without a value.
-template <typename Action>
-Expr doing(Expr array, Action action) {
-  return integerNode(Type{}, [array = std::move(array), action = std::move(action)](Frame& f) {
-    const Held held(*array, f);
-    action(held.slot, f);
-    return 0;
-  });
 }
 
 Expr asIndex(Expr value) { return convertTo(std::move(value), {Kind::Int64}, "the index"); }
@@ -77,6 +63,13 @@ Expr removeAll(Expr array, Exprs&) {
   return doing(std::move(array), [](Slot slot, Frame&) { arrayIn(slot).resize(0); });
 }
 
+Expr resizeTo(Expr array, Exprs& arguments) {
+  return doing(std::move(array), [bound = asIndex(std::move(arguments[0]))](Slot slot, Frame& f) {
+    const std::int64_t upper = bound->integer(f);
+    arrayIn(slot).resize(countFor(upper));
+  });
+}
+
 Expr pop(Expr array, Exprs&) {
   const Type type = array->type.element();
   return slotNode(type, [array = std::move(array)](Frame& f) {
@@ -89,10 +82,28 @@ constexpr struct {
   std::string_view name;
   std::size_t arguments;
   Expr (*make)(Expr array, Exprs& arguments);  // moves from them
-} methods[] = {
-    {"Ubound", 0, &lastIndex}, {"LastIndex", 0, &lastIndex}, {"Count", 0, &count},  {"Append", 1, &append},
-    {"Add", 1, &append},       {"Insert", 2, &insert},       {"AddAt", 2, &insert}, {"Remove", 1, &remove},
-    {"RemoveAt", 1, &remove},  {"RemoveAll", 0, &removeAll}, {"Pop", 0, &pop}};
+  std::size_t optional = 0;                    // how many arguments more it may have
+} methods[] = {{"Ubound", 0, &lastIndex},
+               {"LastIndex", 0, &lastIndex},
+               {"LastRowIndex", 0, &lastIndex},
+               {"Count", 0, &count},
+               {"Append", 1, &append},
+               {"Add", 1, &append},
+               {"AddRow", 1, &append},
+               {"Insert", 2, &insert},
+               {"AddAt", 2, &insert},
+               {"AddRowAt", 2, &insert},
+               {"Remove", 1, &remove},
+               {"RemoveAt", 1, &remove},
+               {"RemoveRowAt", 1, &remove},
+               {"RemoveAll", 0, &removeAll},
+               {"RemoveAllRows", 0, &removeAll},
+               {"ResizeTo", 1, &resizeTo},
+               {"Pop", 0, &pop},
+               {"IndexOf", 1, &indexOfElement, 1},
+               {"Contains", 1, &containsElement},
+               {"Sort", 0, &sortElements},
+               {"Shuffle", 0, &shuffleElements}};
 
 }  // namespace
 
@@ -114,7 +125,7 @@ std::vector<std::string> arrayMembers() {
 Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
   for (const auto& each : methods) {
     if (!sameName(each.name, callee.name)) continue;
-    if (arguments.size() != each.arguments) {
+    if (arguments.size() < each.arguments || arguments.size() > each.arguments + each.optional) {
       fail(callee.position,
            "expected " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
     }

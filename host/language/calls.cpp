@@ -1,6 +1,7 @@
 // Chooses among declarations by the types of the arguments, and converts the arguments.
 #include "language/calls.h"
 
+#include "language/absent_words.h"
 #include "language/conversions.h"
 #include "language/delegates.h"
 #include "language/invocation.h"
@@ -190,7 +191,7 @@ std::vector<const Method*> constructorsOf(const Class& made) {
 Expr newObject(const Class& made, Position position, Exprs arguments) {
   const std::vector<const Method*> constructors = constructorsOf(made);
   if (constructors.empty() && !arguments.empty()) {
-    fail(position, made.name + " has no Constructor; it is made without arguments");
+    fail(position, made.name + " has no Constructor; it is made without arguments" + absent(made.name));
   }
   bool needsOne = false;
   for (const Method* constructor : constructors) {

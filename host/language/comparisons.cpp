@@ -61,25 +61,6 @@ Expr compareBy(Operator op, Order order) {
   return booleanNode([order = std::move(order), test](Frame& f) { return test(order(f)); });
 }
 
-// Two variants, by value: as numbers where both are numbers, as text where one is text.
-std::partial_ordering compareVariants(const Heap* left, const Heap* right) {
-  if (left == right) return std::partial_ordering::equivalent;
-  const Type l = typeIn(left), r = typeIn(right);
-  if (isText(l) || isText(r)) return compareText(toText(left).get(), toText(right).get()) <=> 0;
-  if (l.isInteger() && r.isInteger()) {
-    if (l.kind == Kind::UInt64 || r.kind == Kind::UInt64) {
-      if (l.kind != Kind::UInt64 && toInt64(left) < 0) return std::partial_ordering::less;
-      if (r.kind != Kind::UInt64 && toInt64(right) < 0) return std::partial_ordering::greater;
-      return toUInt64(left) <=> toUInt64(right);
-    }
-    return toInt64(left) <=> toInt64(right);
-  }
-  if (l.kind == Kind::Nil || r.kind == Kind::Nil)
-    return left ? std::partial_ordering::greater : std::partial_ordering::less;
-  if (isPlainObject(l) || isPlainObject(r) || l.array || r.array) return std::partial_ordering::unordered;
-  return toDouble(left) <=> toDouble(right);
-}
-
 // A signed number and an unsigned one, by what they are.
 std::partial_ordering compareMixed(std::int64_t left, std::int64_t right, bool leftIsUnsigned) {
   // Where either has its top bit set, the unsigned one is the greater.
@@ -120,6 +101,24 @@ Expr compareObjects(Operator op, Expr& left, Expr& right, Position position) {
 }
 
 }  // namespace
+
+std::partial_ordering compareVariants(const Heap* left, const Heap* right) {
+  if (left == right) return std::partial_ordering::equivalent;
+  const Type l = typeIn(left), r = typeIn(right);
+  if (isText(l) || isText(r)) return compareText(toText(left).get(), toText(right).get()) <=> 0;
+  if (l.isInteger() && r.isInteger()) {
+    if (l.kind == Kind::UInt64 || r.kind == Kind::UInt64) {
+      if (l.kind != Kind::UInt64 && toInt64(left) < 0) return std::partial_ordering::less;
+      if (r.kind != Kind::UInt64 && toInt64(right) < 0) return std::partial_ordering::greater;
+      return toUInt64(left) <=> toUInt64(right);
+    }
+    return toInt64(left) <=> toInt64(right);
+  }
+  if (l.kind == Kind::Nil || r.kind == Kind::Nil)
+    return left ? std::partial_ordering::greater : std::partial_ordering::less;
+  if (isPlainObject(l) || isPlainObject(r) || l.array || r.array) return std::partial_ordering::unordered;
+  return toDouble(left) <=> toDouble(right);
+}
 
 Expr comparison(Operator op, Expr left, Expr right, Position position) {
   if (isPlainObject(left->type) || isPlainObject(right->type)) {

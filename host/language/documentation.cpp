@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <sstream>
 #include <vector>
 
 #include "language/documentation_pages.h"
@@ -185,6 +186,30 @@ void addParagraph(std::string& text, const std::string& paragraph) {
   text += paragraph;
 }
 
+// Of an example that is a list of things to print, those with the name, and what they print.
+std::string shortened(const std::string& example, const std::string& name) {
+  Lines program, printed;
+  std::istringstream lines(example);
+  Lines* into = &program;
+  for (std::string line; std::getline(lines, line);) {
+    if (line == "prints") {
+      into = &printed;
+    } else {
+      into->push_back(line);
+    }
+  }
+  const bool isList = std::all_of(program.begin(), program.end(),
+                                  [](const std::string& line) { return line.starts_with("  Print "); });
+  if (!isList || program.size() != printed.size()) return example;
+  std::string shown, results;
+  for (std::size_t i = 0; i < program.size(); ++i) {
+    if (!mentions(program[i], name)) continue;
+    shown += program[i] + "\n";
+    results += printed[i] + "\n";
+  }
+  return shown + "prints\n" + results;
+}
+
 // What the pages say of a name, in sections that `fits` lets through; with an example that has it as
 // `usedAs`.
 template <typename Fits>
@@ -201,7 +226,7 @@ std::string told(const std::string& name, const std::string& usedAs, Fits fits) 
     if (mentions(section.headings.back(), name)) {
       for (const std::string& paragraph : parts.prose) addParagraph(text, paragraph);
       for (const std::string& each : parts.examples) {
-        if (example.empty() && mentions(each, usedAs)) example = each;
+        if (example.empty() && mentions(each, usedAs)) example = shortened(each, usedAs);
       }
     } else if (!mentioning) {
       const auto inCode = [&](const std::string& line) { return mentionsInCode(line, name); };
@@ -218,7 +243,7 @@ std::string told(const std::string& name, const std::string& usedAs, Fits fits) 
     if (!example.empty()) break;
     if (!fits(section)) continue;
     for (const std::string& each : partsOf(section).examples) {
-      if (example.empty() && mentions(each, usedAs)) example = each;
+      if (example.empty() && mentions(each, usedAs)) example = shortened(each, usedAs);
     }
   }
   std::string all = rows;

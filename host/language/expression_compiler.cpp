@@ -1,6 +1,7 @@
 // Expressions: which variable, Sub, class, module or function a name stands for, and which member follows.
 #include "language/expression_compiler.h"
 
+#include "language/absent_words.h"
 #include "language/arrays.h"
 #include "language/calls.h"
 #include "language/conditional.h"
@@ -289,6 +290,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
   if (const Property* shared = registry().findSharedProperty(name.text)) {
     return property(*shared, nullptr);
   }
+  if (!absent(name.text).empty()) names_.failUnknown(name);  // before what follows it is looked at
   Exprs given = arguments(links.takeArguments());
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
   names_.failUnknown(name);
@@ -345,7 +347,9 @@ Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, 
 void ExpressionCompiler::failForMember(const Class* type, const Name& name, const std::string& message,
                                        const std::vector<std::string>& known) {
   if (isWrong(type)) throw FollowsFromAnother(name.position);
-  throw WrongUse(name.position, name.text, message + " '" + name.text + "'" + suggestion(name.text, known));
+  throw WrongUse(
+      name.position, name.text,
+      message + " '" + name.text + "'" + suggestion(name.text, known) + (type ? absent(type->name) : ""));
 }
 
 Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
@@ -358,9 +362,9 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
   if (type.kind == Kind::Object && type.objectClass) {
     return memberOfObject(*type.objectClass, std::move(object), name, links);
   }
+  if (isVariant(type)) return memberOfVariant(std::move(object), name, links);
   const std::string unknown = "a " + nameOf(type) + " has no member '" + name.text + "'";
-  if (type.kind == Kind::Object || type.kind == Kind::Variant || type.kind == Kind::None ||
-      type.kind == Kind::Nil) {
+  if (type.kind == Kind::Object || type.kind == Kind::None || type.kind == Kind::Nil) {
     fail(name.position, unknown);
   }
   // s.Left(2) is Left(s, 2).
@@ -371,6 +375,25 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
   }
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
   fail(name.position, unknown);
+}
+
+// v.IntegerValue is Variant.IntegerValue(v).
+Expr ExpressionCompiler::memberOfVariant(Expr value, const Name& name, Links& links) {
+  const Class& words = *registry().findClass("Variant");
+  const std::vector<const Method*> methods = words.findSharedMethods(name.text);
+  if (methods.empty()) {
+    std::vector<std::string> known;
+    for (const Method& method : words.sharedMethods) known.push_back(method.declaration.name);
+    const std::string near = suggestion(name.text, known);
+    fail(name.position, "a Variant has no member '" + name.text + "'" +
+                            (near.empty() ? "; a member of what is in it follows a view of it, such as "
+                                            "ClassName(v)." +
+                                                name.text
+                                          : near));
+  }
+  Exprs given = arguments(links.takeArguments());
+  given.insert(given.begin(), std::move(value));
+  return callMethod(methods, calleeOf(name), nullptr, std::move(given), links.resultUnused());
 }
 
 Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Name& name, Links& links) {

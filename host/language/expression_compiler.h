@@ -28,6 +28,7 @@ class ExpressionCompiler {
   Expr name(const syntax::Name& name, Links& links);
   Expr member(Expr object, const syntax::Name& name, Links& links);
   Expr memberOfObject(const Class& type, Expr object, const syntax::Name& name, Links& links);
+  Expr memberOfVariant(Expr value, const syntax::Name& name, Links& links);
   Expr memberOfClass(const Class& type, const syntax::Name& name, Links& links);
   Expr memberOfModule(const Module& module, const syntax::Name& name, Links& links);
   // In own_names.cpp: what a name is where the program itself gives it a meaning. Null where it does not.

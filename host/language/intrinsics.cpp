@@ -4,6 +4,7 @@
 #include "language/arrays.h"
 #include "language/conditional.h"
 #include "language/conversions.h"
+#include "runtime/registry.h"
 #include "runtime/variant.h"
 
 namespace host {
@@ -11,6 +12,10 @@ namespace host {
 namespace {
 
 Expr str(const Callee&, Exprs arguments) { return displayed(std::move(arguments[0])); }
+
+Expr formatted(const Callee& callee, Exprs arguments) {
+  return callMethod(registry().findFunctions("Format"), callee, nullptr, std::move(arguments));
+}
 
 Expr ubound(const Callee& callee, Exprs arguments) {
   if (!arguments[0]->type.array) {
@@ -48,8 +53,10 @@ constexpr struct {
   std::string_view name;
   std::size_t arguments;
   Expr (*make)(const Callee& callee, Exprs arguments);
-} intrinsics[] = {{"Str", 1, &str},
+} intrinsics[] = {{"Str", 2, &formatted},
+                  {"Str", 1, &str},
                   {"CStr", 1, &str},
+                  {"ToString", 2, &formatted},
                   {"ToString", 1, &str},
                   {"ToText", 1, &str},
                   {"Ubound", 1, &ubound},
@@ -61,7 +68,9 @@ constexpr struct {
 Expr callIntrinsic(const Callee& callee, Exprs& arguments) {
   for (const auto& each : intrinsics) {
     if (!sameName(each.name, callee.name)) continue;
+    const bool isLast = &each == std::end(intrinsics) - 1 || !sameName(each.name, (&each + 1)->name);
     if (each.arguments != anyCount && arguments.size() != each.arguments) {
+      if (!isLast) continue;
       fail(callee.position,
            callee.name + " takes " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
     }

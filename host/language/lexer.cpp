@@ -7,6 +7,7 @@
 #include <cstdlib>
 #include <iterator>
 
+#include "language/absent_words.h"
 #include "runtime/registry.h"
 
 namespace host {
@@ -402,7 +403,7 @@ class Lexer {
       at_ += each.spelling.size();
       return;
     }
-    wrong(here(), std::string("unexpected character '") + peek() + "'");
+    wrong(here(), std::string("unexpected character '") + peek() + "'" + absent(peek()));
     ++at_;
   }
 

@@ -1,6 +1,7 @@
 // Looks names up, enters them, and finds what a wrong one may have meant.
 #include "language/names.h"
 
+#include "language/absent_words.h"
 #include "language/fields.h"
 #include "language/shared_reference.h"
 #include "language/spelling.h"
@@ -30,6 +31,9 @@ Type typeAs(const syntax::TypeName& name, Type type) {
 }
 
 [[noreturn]] void failForType(const syntax::TypeName& name, std::vector<std::string> known) {
+  if (const std::string advice = absent(name.text); !advice.empty()) {
+    throw UnknownName(name.position, name.text, "unknown type '" + name.text + "'" + advice);
+  }
   for (const char* each :
        {"Integer", "Int8", "Int16", "Int32", "Int64", "UInt8", "UInt16", "UInt32", "UInt64", "Single",
         "Double", "Currency", "String", "Boolean", "Variant", "Ptr", "Byte", "Object"}) {
@@ -360,6 +364,9 @@ std::vector<const Method*> Names::unchanging(const std::vector<const Method*>& m
 }
 
 void Names::failUnknown(const syntax::Name& name) const {
+  if (const std::string advice = absent(name.text); !advice.empty()) {
+    throw UnknownName(name.position, name.text, "unknown name '" + name.text + "'" + advice);
+  }
   std::vector<std::string> known;
   for (const Block& block : blocks_) {
     for (const auto& [key, local] : block) known.push_back(key);

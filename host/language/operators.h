@@ -2,6 +2,8 @@
 // members.
 #pragma once
 
+#include <compare>
+
 #include "language/node.h"
 #include "language/operator.h"
 #include "runtime/class.h"
@@ -18,6 +20,10 @@ Expr negation(Expr operand, Position position);
 Expr inversion(Expr operand, Position position);                       // Not
 Expr identity(Expr left, Expr right, Position position);               // Is
 Expr instanceTest(Expr object, const Class& type, Position position);  // IsA
+
+// Two Variants, by value: as numbers where both are numbers, as text where one is text; objects are
+// unordered. Throws HostException where one is text and the other no plain value.
+std::partial_ordering compareVariants(const Heap* left, const Heap* right);
 
 // A computed value, as a condition. Throws ProgramError where it is no Boolean and cannot become one.
 Expr condition(Expr value, Position position, const std::string& what);

@@ -216,6 +216,7 @@ class Repl {
     }
     if (!pending.empty()) compile(pending);
     joinAll();
+    flushOutput();
     return !failed_;
   }
 
@@ -245,6 +246,7 @@ class Repl {
       tell(noDocumentationOf(rest) + "\n");
     } else {
       print(text);
+      flushOutput();
     }
     return true;
   }

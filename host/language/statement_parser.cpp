@@ -17,6 +17,21 @@ ProgramError expectingEndIf(const Token& found) {
 
 constexpr BlockEnd endOf(Keyword what) { return {Keyword::endWord, what}; }
 
+// A word that is no operator: what stands behind the number of a line.
+bool beginsStatement(const Token& token) {
+  switch (token.keyword) {
+    case Keyword::modWord:
+    case Keyword::andWord:
+    case Keyword::orWord:
+    case Keyword::xorWord:
+    case Keyword::isWord:
+    case Keyword::isAWord:
+      return false;
+    default:
+      return token.kind == TokenKind::word;
+  }
+}
+
 std::string spelled(BlockEnd end) {
   const std::string text = spellingOf(end.first);
   return end.second == Keyword::none ? text : text + " " + spellingOf(end.second);
@@ -154,6 +169,9 @@ Statement StatementParser::statement() {
     case Keyword::finallyWord:
       tokens_.failHere("'" + token.text + "' has nothing that it belongs to");
     default:
+      if (token.kind == TokenKind::integer && beginsStatement(tokens_.peek(1))) {
+        tokens_.failHere("expected a statement; this host has no line numbers: leave them out");
+      }
       return simple();
   }
 }

@@ -208,6 +208,22 @@ void Array::resize(std::int64_t newCount) {
   setCount(newCount);
 }
 
+void Array::rearrange(const std::function<void(std::vector<Slot>&)>& arrange) {
+  const Changing change(this);
+  std::vector<Slot> arranged(static_cast<std::size_t>(count()));
+  for (std::size_t i = 0; i < arranged.size(); ++i) arranged[i] = load(memory()[i]);
+  arrange(arranged);
+  for (std::size_t i = 0; i < arranged.size(); ++i) store(memory()[i], arranged[i]);
+}
+
+std::int64_t Array::find(std::int64_t from, const std::function<bool(Slot)>& matches) const {
+  const Using use(this);
+  for (std::int64_t i = from < 0 ? 0 : from; i < count(); ++i) {
+    if (matches(load(memory()[i]))) return i;
+  }
+  return -1;
+}
+
 Ref<Array> makeArray(Type elementType, std::int64_t count) {
   Heap* thing = allocate(*hostClasses().array, sizeof(Array));
   if (!thing) throwException("OutOfMemoryException", "There is no memory for an array.");

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <atomic>
+#include <functional>
+#include <vector>
 
 #include "runtime/heap.h"
 #include "runtime/value.h"
@@ -33,6 +35,10 @@ struct Array : Heap {
   Slot pop();                                   // removes the last one; the caller owns it
   void remove(std::int64_t index);
   void resize(std::int64_t newCount);  // new elements are zero; negative: none
+  // Puts them in the order that `arrange` gives them; where that throws, they stay as they are.
+  void rearrange(const std::function<void(std::vector<Slot>&)>& arrange);
+  // Where the first one is, from that index on, for which `matches` gives true; none: -1.
+  std::int64_t find(std::int64_t from, const std::function<bool(Slot)>& matches) const;
 
  private:
   Slot* memory() const { return elements.load(std::memory_order_acquire); }

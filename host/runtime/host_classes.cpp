@@ -6,10 +6,12 @@
 #include <utility>
 
 #include "runtime/array.h"
+#include "runtime/dictionary.h"
 #include "runtime/exception.h"
 #include "runtime/host_record.h"
 #include "runtime/locks.h"
 #include "runtime/memory_block.h"
+#include "runtime/random.h"
 #include "runtime/registry.h"
 #include "runtime/sharing.h"
 #include "runtime/thread.h"
@@ -68,7 +70,8 @@ void registerExceptions(Registry& registry, HostClasses& classes) {
   static constexpr const char* names[] = {
       "NilObjectException",         "OutOfBoundsException",          "OutOfMemoryException",
       "UnsupportedFormatException", "UnsupportedOperationException", "StackOverflowException",
-      "TypeMismatchException",      "DivisionByZeroException",       "IllegalLockingException"};
+      "TypeMismatchException",      "DivisionByZeroException",       "IllegalLockingException",
+      "KeyNotFoundException"};
   static REALclassDefinition records[std::size(names)] = {};
   for (std::size_t i = 0; i < std::size(names); ++i) {
     records[i].name = names[i];
@@ -120,6 +123,8 @@ void startRuntime() {
     classes.memoryBlock = &registerMemoryBlock(all);
     classes.thread = &registerThread(all);
     registerLocks(all);
+    registerDictionary(all);
+    registerRandom(all);
     registerDate<&HostClasses::date>(all, classes, "Date", "TotalSeconds");
     registerDate<&HostClasses::dateTime>(all, classes, "DateTime", "SecondsFrom1970");
   });

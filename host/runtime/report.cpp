@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "runtime/array.h"
+#include "runtime/dictionary.h"
 #include "runtime/registry.h"
 #include "runtime/text.h"
 
@@ -112,6 +113,7 @@ void eachHeld(const Heap& thing, Visit visit) {
     }
     return;
   }
+  forEachInDictionary(thing, visit);
   for (const Class* each = &type; each; each = each->super) {
     for (const Property& property : each->properties) {
       if (property.offset != 0 && property.type.isReference()) at(property.offset);

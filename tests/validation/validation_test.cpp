@@ -116,12 +116,19 @@ TEST(Validation, FindsNothingInASoundLibrary) {
   EXPECT_EQ(outcome.errors, "");
 }
 
-TEST(Validation, FindsNothingInThisLibrary) {
-  const Outcome outcome = validate({});
+class ThisLibrary : public testing::TestWithParam<const char*> {};
+
+TEST_P(ThisLibrary, HasNoFault) {
+  const Outcome outcome = validate({"--check", GetParam()});
   EXPECT_EQ(outcome.status, 0) << outcome.output;
   EXPECT_EQ(outcome.errors, "");
   EXPECT_NE(outcome.output.find(": no fault was found\n"), std::string::npos) << outcome.output;
 }
+
+INSTANTIATE_TEST_SUITE_P(Checks, ThisLibrary,
+                         testing::Values("records", "values", "registers", "random", "missing", "refused",
+                                         "threads", "loading", "versions"),
+                         [](const auto& check) { return std::string(check.param); });
 
 TEST(Validation, SaysTheSameInWhateverOrderProcessesEnd) {
   const Outcome first = validate({"--check", "missing", "--only", "Queue", "--jobs", "7"});

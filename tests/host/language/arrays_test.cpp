@@ -71,7 +71,7 @@ TEST_F(Arrays, HaveMethodsWhateverTheCaseOfTheName) {
   call("RemoveAll", {})->integer(frame);
   EXPECT_EQ(call("Ubound", {})->integer(frame), -1);
   EXPECT_EQ(failureOf([&] { call("Pop", {})->integer(frame); }), "OutOfBoundsException");
-  EXPECT_EQ(failureOf([&] { call("Sort", {}); }), "an array has no member 'Sort'");
+  EXPECT_EQ(failureOf([&] { call("Reverse", {}); }), "an array has no member 'Reverse'");
   EXPECT_EQ(failureOf([&] { call("Append", {}); }), "expected 1 argument, found 0");
 }
 

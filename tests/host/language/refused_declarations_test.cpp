@@ -80,7 +80,9 @@ TEST(RefusedDeclarations, OfClasses) {
       {"Class C\nSub S()\nSuper.S\nEnd Sub\nEnd Class", "3:1 there is no class above C"},
       {"Class C Inherits Date\nSub S()\nPrint Super\nEnd Sub\nEnd Class",
        "3:7 expected a member after Super, such as Super.Constructor"},
-      {"Class C Inherits Date\nSub S()\nSuper.T\nEnd Sub\nEnd Class", "3:7 Date has no member 'T'"},
+      {"Class C Inherits Date\nSub S()\nSuper.T\nEnd Sub\nEnd Class",
+       "3:7 Date has no member 'T'; this host's dates are a number of seconds alone (Date.TotalSeconds, "
+       "DateTime.SecondsFrom1970); measure time with Microseconds or Ticks"},
       {"Print Self", "1:7 Self stands for an object only in a method of a class"},
       {"Class C\nEnd Class\nPrint C", "3:7 the class C is no value; expected a member of it, or New C"},
       {"Class C\nEnd Class\nC.Work", "3:3 the class C has no shared member 'Work'"},

@@ -19,7 +19,10 @@ TEST(RefusedPrograms, HaveAWrongExpression) {
       {"Print New", "1:10 expected a type, found the end of the line"},
       {"Print New Integer", "1:11 expected a class after New, found Integer"},
       {"Print New Object", "1:11 expected a class after New, found Object"},
-      {"Print New Date(5)", "1:11 Date has no Constructor; it is made without arguments"},
+      {"Print New Date(5)",
+       "1:11 Date has no Constructor; it is made without arguments"
+       "; this host's dates are a number of seconds "
+       "alone (Date.TotalSeconds, DateTime.SecondsFrom1970); measure time with Microseconds or Ticks"},
       {"Print New Amount(\"a\")",
        "1:11 Amount does not take (String); expected\n  Constructor(value as Int64)"},
       {"Print Nil IsA Integer", "1:15 expected a class after IsA, found Integer"},
@@ -52,13 +55,21 @@ TEST(RefusedPrograms, UseANameThatIsNone) {
       {"Print Date", "1:7 the class Date is no value; expected a member of it, or New Date"},
       {"Print Encodings", "1:7 the module Encodings is no value; expected a member of it"},
       {"Print Encodings.UTF9", "1:17 the module Encodings has no member 'UTF9'; did you mean 'UTF8'?"},
-      {"Print Date.Now", "1:12 the class Date has no shared member 'Now'"},
-      {"Print (New Date).Hour", "1:18 Date has no member 'Hour'"},
+      {"Print Date.Now",
+       "1:12 the class Date has no shared member 'Now'"
+       "; this host's dates are a number of seconds "
+       "alone (Date.TotalSeconds, DateTime.SecondsFrom1970); measure time with Microseconds or Ticks"},
+      {"Print (New Date).Hour",
+       "1:18 Date has no member 'Hour'"
+       "; this host's dates are a number of seconds "
+       "alone (Date.TotalSeconds, DateTime.SecondsFrom1970); measure time with Microseconds or Ticks"},
       {"Print (New Amount(1)).Digits", "1:23 Amount has no member 'Digits'; did you mean 'Digit'?"},
       {"Print (New NilObjectException).Mesage",
        "1:32 NilObjectException has no member 'Mesage'; did you mean 'Message'?"},
       {"Dim o As Object\nPrint o.Name", "2:9 a Object has no member 'Name'"},
-      {"Dim v As Variant\nPrint v.Name", "2:9 a Variant has no member 'Name'"},
+      {"Dim v As Variant\nPrint v.Name",
+       "2:9 a Variant has no member 'Name'; a member of what is in it follows a view of it, such as "
+       "ClassName(v).Name"},
       {"Print Nil.Name", "1:11 a Nil has no member 'Name'"},
       {"Sub S()\nEnd Sub\nPrint S.Name", "3:9 a nothing has no member 'Name'"},
       {"Print (5).Name", "1:11 a Integer has no member 'Name'"},
@@ -94,7 +105,7 @@ TEST(RefusedPrograms, TakeOrGiveTheWrongArguments) {
       {"Print New NilObjectException(1)",
        "1:11 NilObjectException does not take (Integer); expected one of\n  Constructor\n"
        "  Constructor(message as String, errorNumber as Integer = 0)"},
-      {"Print Str(1, 2)", "1:7 Str takes 1 argument, found 2"},
+      {"Print CStr(1, 2)", "1:7 CStr takes 1 argument, found 2"},
       {"Print VarType()", "1:7 VarType takes 1 argument, found 0"},
       {"Print Ubound(5)", "1:7 Ubound takes an array, found Integer"},
       {"Print Array()", "1:7 Array needs an element to know its type from"},

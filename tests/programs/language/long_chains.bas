@@ -1,7 +1,7 @@
 ' takes: long
 ' What holds so many others, each the next one, goes without using the stack up.
 Dim v As Variant
-For i As Integer = 1 To 1000000
+For i As Integer = 1 To 250000
   Dim a() As Variant
   a.Append(v)
   v = a
@@ -9,7 +9,7 @@ Next
 v = Nil
 Print "arrays"
 
-For i As Integer = 1 To 1000000
+For i As Integer = 1 To 250000
   Dim q As New AtomicQueueQTX
   q.Push(v)
   v = q

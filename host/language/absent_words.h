@@ -1,0 +1,15 @@
+// Names that programs for larger hosts use and this one does not have.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace host {
+
+// What this host has instead: "; this host has no files, …". Empty where there is nothing to say of the name.
+std::string absent(std::string_view name);
+
+// Of a character that begins nothing in this host's programs.
+std::string absent(char character);
+
+}  // namespace host

@@ -1,0 +1,99 @@
+// Words of the language that are refused: with what else can be written.
+#include <gtest/gtest.h>
+
+#include "refused.h"
+
+namespace host {
+namespace {
+
+const std::string dates =
+    "; this host's dates are a number of seconds alone (Date.TotalSeconds, DateTime.SecondsFrom1970); "
+    "measure "
+    "time with Microseconds or Ticks";
+const std::string files =
+    "; this host has no files; put the data into the program or a MemoryBlock, and Print the results";
+const std::string jumps = "; this host has no jumps; use a loop with Exit and Continue, or a Sub with Return";
+const std::string input = "; this host reads no input; give the variables their values in the program";
+
+TEST(RefusedWords, SayWhatThisHostHasInstead) {
+  EXPECT_EQ(problemOf("Dim f As FolderItem"), "1:10 unknown type 'FolderItem'" + files);
+  EXPECT_EQ(problemOf("Dim f As New TextInputStream"), "1:14 unknown type 'TextInputStream'" + files);
+  EXPECT_EQ(problemOf("Print SpecialFolder.Desktop"), "1:7 unknown name 'SpecialFolder'" + files);
+  EXPECT_EQ(problemOf("Dim s As String\ns = input"), "2:5 unknown name 'input'" + input);
+  EXPECT_EQ(problemOf("Input x"), "1:1 unknown name 'Input'" + input);
+  EXPECT_EQ(problemOf("Print 1\nGoTo done"), "2:1 unknown name 'GoTo'" + jumps);
+  EXPECT_EQ(problemOf("Print DateTime.Now"), "1:16 the class DateTime has no shared member 'Now'" + dates);
+  EXPECT_EQ(problemOf("Print (New Date).Hour"), "1:18 Date has no member 'Hour'" + dates);
+  EXPECT_EQ(problemOf("Print New DateTime(2020, 1, 2)"),
+            "1:11 DateTime has no Constructor; it is made without arguments" + dates);
+  EXPECT_EQ(
+      problemOf("Print ParseJSON(\"{}\")"),
+      "1:7 unknown name 'ParseJSON'; this host has no JSON; keep values in a Dictionary, and take texts "
+      "apart with Split and NthField");
+  EXPECT_EQ(
+      problemOf("Dim r As New RegEx"),
+      "1:14 unknown type 'RegEx'; this host has no regular expressions; use IndexOf, Split, NthField and "
+      "ReplaceAll");
+  EXPECT_EQ(problemOf("MsgBox \"hello\""),
+            "1:1 unknown name 'MsgBox'; this host has no windows; use Print, or System.DebugLog");
+}
+
+TEST(RefusedWords, SayThatLinesAreNotNumberedAndNoDirectives) {
+  expectRefused({
+      {"10 Print 1", "1:1 expected a statement; this host has no line numbers: leave them out"},
+      {"5", "1:1 expected a statement; this is a value that nothing is done with"},
+      {"5 Mod 2", "1:1 expected a statement; this is a value that nothing is done with"},
+      {"If True Then\n20 Print 1\nEnd If",
+       "2:1 expected a statement; this host has no line numbers: leave them out"},
+      {"#If TargetMacOS Then",
+       "1:1 unexpected character '#'; this host has no compiler directives; use Const and If"},
+      {"Print 1\n  #Pragma Warning",
+       "2:3 unexpected character '#'; this host has no compiler directives; use Const and If"},
+  });
+}
+
+TEST(RefusedWords, AreThePrograms) {
+  EXPECT_EQ(problemOf("Sub GoTo(n As Integer)\nEnd Sub\nGoTo 5\nDim Input As Integer = 5\nPrint Input"), "");
+  EXPECT_EQ(problemOf("Class Pair\n  Property Left As Integer\nEnd Class\nDim p As New Pair"), "");
+}
+
+TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
+  expectRefused({
+      {"Dim v As Variant\nPrint v.Integervalu",
+       "2:9 a Variant has no member 'Integervalu'; did you mean 'IntegerValue'?"},
+      {"Dim v As Variant\nPrint v.Something",
+       "2:9 a Variant has no member 'Something'; a member of what is in it follows a view of it, such as "
+       "ClassName(v).Something"},
+      {"Dim v As Variant\nPrint v.IsNull(1)",
+       "2:9 wrong number of arguments for IsNull: found 2, expected IsNull(value as Variant) as Boolean"},
+      {"Dim a() As CriticalSection\na.Sort",
+       "2:1 Sort orders numbers, texts and Variants, not CriticalSection"},
+      {"Dim a() As Ptr\na.Sort", "2:1 Sort orders numbers, texts and Variants, not Ptr"},
+      {"Dim a() As Integer\nPrint a.IndexOf()", "2:9 expected 1 argument, found 0"},
+      {"Dim a() As Integer\nPrint a.IndexOf(1, 2, 3)", "2:9 expected 1 argument, found 3"},
+      {"Dim a() As Integer\nPrint a.IndexOf(\"x\")", "2:17 expected Integer as the element, found String"},
+      {"Dim a() As Integer\nPrint a.IndexOf(1, \"x\")", "2:20 expected Integer as the start, found String"},
+      {"Dim d As New Dictionary\nFor Each k As Variant In d\nNext",
+       "2:26 expected Variant() as what For Each goes through, found Dictionary"},
+      {"Dim d As New Dictionary\nPrint d.Get(1)", "2:9 Dictionary has no member 'Get'"},
+  });
+}
+
+TEST(RefusedWords, AreGivenWhatTheyDoNotTake) {
+  expectRefused({
+      {"Print Str(1, \"0\", 2)", "1:7 Str takes 1 argument, found 3"},
+      {"Print Str()", "1:7 Str takes 1 argument, found 0"},
+      {"Print Str(True, \"0\")",
+       "1:7 Str does not take (Boolean, String); expected\n  Format(value as Double, pattern as String) as "
+       "String"},
+      {"Print CStr(1, \"0\")", "1:7 CStr takes 1 argument, found 2"},
+      {"Print Sin(\"a\")", "1:7 Sin does not take (String); expected\n  Sin(angle as Double) as Double"},
+      {"Print (New Random).InRange(1)",
+       "1:20 wrong number of arguments for InRange: found 1, expected InRange(least as Integer, most as "
+       "Integer) "
+       "as Integer"},
+  });
+}
+
+}  // namespace
+}  // namespace host

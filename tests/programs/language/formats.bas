@@ -1,0 +1,36 @@
+' Numbers by patterns: Format, Str and ToString with a pattern.
+Sub Show(pattern As String)
+  Dim line As String = pattern + " ->"
+  For Each value As Double In Array(0, 1, -1, 0.5, -0.04, 1234.567, -1234567.891)
+    line = line + " [" + Format(value, pattern) + "]"
+  Next
+  Print line
+End Sub
+Show("")
+Show("0")
+Show("#")
+Show("#.#")
+Show("00.00")
+Show("#,##0.00")
+Show(",0")
+Show(".00")
+Show("+0.0")
+Show("-0.0")
+Show("$#,##0.00")
+Show("$-0.0 net")
+Show("0.00;(0.00)")
+Show("0.0;-0.0;nought")
+Show("0;;none")
+Show("0;\-0\-;-")
+Show("+")
+Show(";0.0")
+Show("0%")
+Show("%0.0")
+Show("0.00e")
+Show("0.0E+00")
+Show("#\#0 \;\")
+Show("€ 0 é")
+Show("none")
+Show("a. 0, b")
+Print Format(1e300, "#,##0").Left(9) + " " + Str(Format(1e308, "0").Length) + " " + Format(0 / 0, "0.0") + " " + Format(1 / 0, "0;0;0") + " " + Format(-1 / 0, "0")
+Print Str(3.14159, "0.00") + " " + ToString(2, "000") + " " + (0.25).ToString("0%") + " " + Str(CDbl("1e3"), "#,##0") + " " + (7).ToString + " " + Str(1.5)

@@ -1,0 +1,1 @@
+// The headers that tests share are compiled with this file.
