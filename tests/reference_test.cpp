@@ -153,6 +153,12 @@ Lines codeIn(const std::string& line) {
   return all;
 }
 
+std::string joined(const Lines& lines) {
+  std::string text;
+  for (const std::string& line : lines) text += "  " + line + "\n";
+  return text;
+}
+
 struct Reference : testing::Test {
   Reference() {
     void* library = dlopen(QTX_LIBRARY_FILE, RTLD_NOW | RTLD_LOCAL);
@@ -172,21 +178,14 @@ TEST_F(Reference, ListsWhatIsRegistered) {
   for (const Page& page : pages) {
     for (const auto& [owner, lines] : page.declared) {
       EXPECT_TRUE(listed.insert(owner).second) << owner << " is on two pages";
-      const auto join = [&](const Lines& all) {
-        std::string text = owner + "\n";
-        for (const std::string& line : all) text += "  " + line + "\n";
-        return text;
-      };
       const auto found = registered.find(owner);
       ASSERT_NE(found, registered.end())
           << "docs/" << page.name << ".md lists " << owner << ", which is not registered";
-      EXPECT_EQ(join(lines), join(found->second)) << "docs/" << page.name << ".md";
+      EXPECT_EQ(joined(lines), joined(found->second)) << "docs/" << page.name << ".md";
     }
   }
   for (const auto& [owner, lines] : registered) {
-    std::string text;
-    for (const std::string& line : lines) text += "  " + line + "\n";
-    EXPECT_TRUE(listed.contains(owner)) << "no page lists it:\n" << owner << "\n" << text;
+    EXPECT_TRUE(listed.contains(owner)) << "no page lists it:\n" << owner << "\n" << joined(lines);
   }
 }
 

@@ -2,6 +2,7 @@
 #include "language/absent_words.h"
 
 #include <algorithm>
+#include <cctype>
 #include <vector>
 
 #include "runtime/name.h"
@@ -50,8 +51,9 @@ std::string absent(std::string_view name) {
   return "";
 }
 
-std::string absent(char character) {
-  return character == '#' ? "; this host has no compiler directives; use Const and If" : "";
+std::string absentDirective(std::string_view text) {
+  const bool isOne = text.size() > 1 && text[0] == '#' && std::isalpha(static_cast<unsigned char>(text[1]));
+  return isOne ? "; this host has no compiler directives; use Const and If" : "";
 }
 
 }  // namespace host

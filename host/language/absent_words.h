@@ -9,7 +9,7 @@ namespace host {
 // What this host has instead: "; this host has no files, …". Empty where there is nothing to say of the name.
 std::string absent(std::string_view name);
 
-// Of a character that begins nothing in this host's programs.
-std::string absent(char character);
+// The same of text that begins nothing in this host's programs, such as "#If".
+std::string absentDirective(std::string_view text);
 
 }  // namespace host

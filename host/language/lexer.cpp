@@ -403,7 +403,7 @@ class Lexer {
       at_ += each.spelling.size();
       return;
     }
-    wrong(here(), std::string("unexpected character '") + peek() + "'" + absent(peek()));
+    wrong(here(), std::string("unexpected character '") + peek() + "'" + absentDirective(text_.substr(at_)));
     ++at_;
   }
 

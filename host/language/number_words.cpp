@@ -96,7 +96,8 @@ struct Pattern {
       text.erase(0, 1);
       whole = 0;
     }
-    for (; whole < zeros; ++whole) text.insert(text.begin(), '0');
+    if (whole < zeros) text.insert(0, zeros - whole, '0');
+    whole = std::max(whole, zeros);
     for (std::size_t comma = whole; grouped && comma > 3; comma -= 3) text.insert(comma - 3, 1, ',');
     return text + tail;
   }
@@ -145,9 +146,9 @@ REALstring format(double value, REALstring spec) {
     const bool isZeroSection = value == 0 && sections.size() > 2 && !sections[2].empty();
     const Pattern pattern(sections[bySection ? 1 : isZeroSection ? 2 : 0]);
     const bool isEmpty = sections[0].empty() && sections.size() == 1;
-    if (!std::isfinite(value) || isEmpty) return made(display(Slot{.number = value}, {Kind::Double}));
-    const std::string digits =
-        pattern.hasDigits ? pattern.digits(std::fabs(pattern.percent ? value * 100 : value)) : "";
+    const double shown = pattern.percent ? value * 100 : value;
+    if (!std::isfinite(shown) || isEmpty) return made(display(Slot{.number = shown}, {Kind::Double}));
+    const std::string digits = pattern.hasDigits ? pattern.digits(std::fabs(shown)) : "";
     const bool isZero = digits.find_first_of("123456789") == std::string::npos;
     std::string text = pattern.before;
     if (bySection || isZeroSection || !pattern.hasDigits) {  // there it is a character like others

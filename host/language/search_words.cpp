@@ -22,7 +22,9 @@ RBInteger charactersIn(std::string_view text) {
 std::size_t behind(std::string_view text, RBInteger count) {
   std::size_t at = 0;
   for (; at < text.size(); ++at) {
-    if ((text[at] & 0xC0) != 0x80 && count-- <= 0) break;
+    if ((text[at] & 0xC0) == 0x80) continue;
+    if (count <= 0) break;
+    --count;
   }
   return at;
 }
@@ -100,9 +102,10 @@ RBInteger countFields(REALstring s, REALstring separator) {
 }
 REALstring nthField(REALstring s, REALstring separator, RBInteger number) {
   std::string found;
+  if (number < 1) return nullptr;
   forEachField(s, separator, [&](std::string_view field) {
-    if (--number == 0) found = field;
-    return number > 0;
+    if (number == 1) found = field;
+    return --number > 0;
   });
   return made(found);
 }

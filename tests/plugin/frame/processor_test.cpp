@@ -29,6 +29,8 @@ TEST(Processor, HasWhatTheSystemSays) {
   if (known.empty()) GTEST_SKIP() << "the system says nothing";
   EXPECT_EQ(thisProcessor().countsBits, known.contains("popcnt"));
   EXPECT_EQ(thisProcessor().hasWideVectors, known.contains("avx"));
+  EXPECT_EQ(thisProcessor().hasWidestVectors,
+            known.contains("avx512f") && known.contains("avx512dq") && known.contains("avx512vl"));
   EXPECT_EQ(thisProcessor().convertsHalfFloats, known.contains("f16c"));
 }
 #elif defined(__aarch64__)

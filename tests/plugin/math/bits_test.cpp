@@ -123,6 +123,31 @@ TEST(Rotation, TakesEveryCountModuloTheWidth) {
   }
 }
 
+// So it does not matter for the result which of the two a field takes, only for how long it takes.
+TEST(Rotation, OfACutFieldTakesWholeFieldsAsWell) {
+  const std::uint64_t value = 0x0123456789ABCDEF;
+  for (std::int64_t offset = 0; offset <= 30; ++offset) {
+    for (std::int64_t width = 2; width <= 32; ++width) {
+      for (std::int64_t count = -65; count <= 65; ++count) {
+        ASSERT_EQ(detail::rotateCutField(value, count, offset, width),
+                  rotateField(value, count, offset, width))
+            << count << " in " << offset << ", " << width;
+      }
+    }
+  }
+}
+
+TEST(Rotation, TakesNoDivisionForCountsBelow2ToThe50) {
+  constexpr std::int64_t limit = std::int64_t{1} << 50;
+  for (const std::int64_t count : {-limit, 1 - limit, -limit / 2 - 1, std::int64_t{-1}, std::int64_t{0},
+                                   std::int64_t{1}, limit / 2 + 1, limit - 1}) {
+    EXPECT_TRUE(detail::isSmallCount(count)) << count;
+  }
+  for (const std::int64_t count : {INT64_MIN, -limit - 1, limit, INT64_MAX}) {
+    EXPECT_FALSE(detail::isSmallCount(count)) << count;
+  }
+}
+
 TEST(Rotation, IsDefinedForEveryArgument) {
   constexpr std::int64_t large = std::int64_t{1} << 50;
   const std::int64_t limits[] = {

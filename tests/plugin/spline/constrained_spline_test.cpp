@@ -226,5 +226,14 @@ TEST(ConstrainedSpline, ExtendsTheOuterCubics) {
   EXPECT_EQ(curve(11), cubicAt(3, 11));
 }
 
+// Where the parts lie: a line to begin at, the index, the table where there are many points, a line, and four
+// coefficients for each.
+TEST(ConstrainedSpline, IsStoredInFourDoublesAPointAndALittleMore) {
+  for (std::size_t n = 3; n < 600; ++n) {
+    const std::size_t table = n < 18 ? 0 : (GuideTable::size(n - 1) * 4 + 63) / 64 * 8;
+    ASSERT_EQ(ConstrainedSpline::size(n), 8 + KnotIndex(n).size() + table + 8 + 4 * n) << n;
+  }
+}
+
 }  // namespace
 }  // namespace qtx

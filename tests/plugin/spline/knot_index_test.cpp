@@ -63,8 +63,10 @@ TEST(KnotIndex, KnowsWhetherTheKnotsAscend) {
   };
   for (const std::size_t n : {3, 9, 17, 18, 33, 34, 300}) {
     Values x(n);
-    for (std::size_t i = 0; i < n; ++i) x[i] = static_cast<double>(i / 2);
-    EXPECT_TRUE(ascends(x)) << n;
+    for (const std::size_t shift : {1, 0}) {  // equal knots in places odd and even
+      for (std::size_t i = 0; i < n; ++i) x[i] = static_cast<double>((i + shift) / 2);
+      EXPECT_TRUE(ascends(x)) << n;
+    }
     for (std::size_t place = 1; place < n; ++place) {
       Values odd = x;
       odd[place] = nan;
@@ -75,6 +77,19 @@ TEST(KnotIndex, KnowsWhetherTheKnotsAscend) {
     }
     x[0] = nan;
     EXPECT_TRUE(ascends(x)) << "the first point ends no interval";
+  }
+}
+
+TEST(KnotIndex, KnowsAnewWhetherTheKnotsAscend) {
+  for (const std::size_t n : {10, 100}) {
+    Values up(n), down(n);
+    for (std::size_t i = 0; i < n; ++i) down[n - 1 - i] = up[i] = static_cast<double>(i);
+    KnotIndex index(n);
+    std::unique_ptr<double[]> maxima(new double[index.size()]);
+    for (const bool ascends : {true, false, true}) {
+      index.fill((ascends ? up : down).data(), maxima.get());
+      EXPECT_EQ(index.isAscending(), ascends) << n;
+    }
   }
 }
 
@@ -100,6 +115,24 @@ TEST(KnotIndex, NeedsAFifteenthOfTheKnots) {
   for (const std::size_t n : {2u, 17u, 1000u, 1000000u, 100000000u}) {
     EXPECT_LE(KnotIndex(n).size(), n / 15 + 16 * 8) << n;
   }
+}
+
+TEST(KnotIndex, HasANodeOfSixteenForSixteenOfTheLevelBelow) {
+  EXPECT_EQ(KnotIndex(2).size(), 16) << "the knots themselves";
+  EXPECT_EQ(KnotIndex(17).size(), 16);
+  EXPECT_EQ(KnotIndex(18).size(), 16) << "two leaves";
+  EXPECT_EQ(KnotIndex(257).size(), 16) << "a root full of leaves";
+  EXPECT_EQ(KnotIndex(258).size(), 16 + 32);
+  EXPECT_EQ(KnotIndex(513).size(), 16 + 32);
+  EXPECT_EQ(KnotIndex(514).size(), 16 + 48);
+  EXPECT_EQ(KnotIndex(4097).size(), 16 + 256);
+  EXPECT_EQ(KnotIndex(4098).size(), 16 + 32 + 272);
+}
+
+TEST(KnotIndex, KnowsHowManyPointsAreLookedAtAtOnce) {
+  EXPECT_TRUE(KnotIndex::isOneNode(2));
+  EXPECT_TRUE(KnotIndex::isOneNode(17));
+  EXPECT_FALSE(KnotIndex::isOneNode(18));
 }
 
 }  // namespace

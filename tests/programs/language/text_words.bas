@@ -18,6 +18,8 @@ For i As Integer = -1 To 6
   Print Str(i) + ":" + list.NthField(",", i) + ";" + NthField("one--two", "--", i)
 Next
 Print Join(list.Split(","), "|") + " " + Join(Split("a bc  d"), "|") + " " + Join("né!".Split(""), "|") + " " + Str("".Split("").Count) + " " + Join("1-2".ToArray("-"), "|")
+Dim least As Integer = -9223372036854775807 - 1
+Print "[" + "a,b".NthField(",", least) + "]" + Str("ab".IndexOf(least, "b")) + Str(InStr(least, "ab", "b")) + "ab".Middle(least, 1)
 Print "né!".NthField("", 2) + " " + Str("né!".CountFields(""))
 
 ' Order.
