@@ -69,14 +69,16 @@ std::string readProgram(const std::string& file) {
   std::ostringstream text;
   if (file == "-") {
     text << std::cin.rdbuf();
-    return text.str();
+    return sourceText(text.str());
   }
   if (!std::filesystem::exists(file)) throw std::runtime_error(file + ": there is no such file");
   std::ifstream stream(file, std::ios::binary);
   if (std::filesystem::is_directory(file) || !stream) throw std::runtime_error(file + ": cannot be read");
   text << stream.rdbuf();
-  return text.str();
+  return sourceText(text.str());
 }
+
+std::string nameInMessages(const std::string& file) { return file == "-" ? "standard input" : file; }
 
 // The hidden switch of the library that turns its tracing on, whatever module brings it.
 void switchTracingOn() {
@@ -93,7 +95,7 @@ void switchTracingOn() {
 }
 
 int run(const std::string& file, std::optional<std::int64_t> steps) {
-  const std::string name = file == "-" ? "standard input" : file;
+  const std::string name = nameInMessages(file);
   const std::string text = readProgram(file);
   std::mutex reporting;
   bool failed = false;
@@ -114,6 +116,7 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
   handleSignals();
   try {
     const Program program(name, text, steps);
+    std::fputs(describe(program.warnings(), name, text).c_str(), stderr);
     try {
       program.run();
     } catch (const HostException& exception) {
@@ -124,8 +127,7 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
     }
     joinAll();
   } catch (const ProgramError& error) {
-    std::fprintf(stderr, "%s:%d:%d: error: %s\n", name.c_str(), error.position.line, error.position.column,
-                 error.what());
+    std::fputs(describe(error.problems, name, text).c_str(), stderr);
     return programFailed;
   }
   flushOutput();
@@ -134,6 +136,23 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
     return couldNotRun;
   }
   return failed ? programFailed : 0;
+}
+
+// Compiles each program; what is wrong with them goes to standard output, a line each, as editors read it.
+int check(const std::vector<std::string>& files) {
+  int status = 0;
+  for (const std::string& file : files) {
+    const std::string name = nameInMessages(file);
+    std::vector<Problem> problems;
+    try {
+      problems = Program(name, readProgram(file)).warnings();
+    } catch (const ProgramError& error) {
+      problems = error.problems;
+      status = programFailed;
+    }
+    for (const Problem& each : problems) std::fputs(describe(each, name).c_str(), stderr);
+  }
+  return status;
 }
 
 // "values 12/297", in one line of a terminal that is written over and over.
@@ -156,13 +175,13 @@ int runCommandLine(int argc, char** argv) {
   app.set_version_flag("--version", std::string("qtxhost ") + QTX_VERSION);
   app.footer(
       "Examples:\n  qtxhost run tour.bas\n  qtxhost run --host-version 2012.0 --trace tour.bas\n"
-      "  echo 'Print 6 * 7' | qtxhost run -\n  qtxhost list\n\n"
+      "  echo 'Print 6 * 7' | qtxhost run -\n  qtxhost check *.bas\n  qtxhost doc Len\n\n"
       "Exit status:\n  0  if all went well\n"
       "  1  if a program has an error, ends by one, or leaks where --leaks is given\n"
       "  2  if the command line or a file is wrong");
 
-  std::string library, arrayShape = "published", file;
-  std::vector<std::string> withheld, kept;
+  std::string library, arrayShape = "published", file, name;
+  std::vector<std::string> withheld, kept, files;
   bool trace = false, leaks = false;
   std::optional<std::int64_t> steps;
   std::string version = "2024.01";
@@ -199,8 +218,19 @@ int runCommandLine(int argc, char** argv) {
       app.add_subcommand("repl", "Reads statements and expressions, and runs each at once");
   addCommon(replCommand);
   replCommand->add_flag("--trace", trace, "Turns the library's tracing on");
+  CLI::App* checkCommand =
+      app.add_subcommand("check", "Says what is wrong with programs, without running them");
+  addCommon(checkCommand);
+  checkCommand->add_option("FILE", files, "The programs; - for standard input")->required();
+  CLI::App* docCommand = app.add_subcommand("doc", "Shows what the documentation says about a name");
+  addCommon(docCommand);
+  docCommand
+      ->add_option("NAME", name,
+                   "A class, a member (also Class.Member), a function or a word of the language")
+      ->required();
   CLI::App* listCommand = app.add_subcommand("list", "Lists the library's classes, members and functions");
   addCommon(listCommand);
+  listCommand->add_option("NAME", name, "Only this class, or the members and functions called so");
   CLI::App* validateCommand =
       app.add_subcommand("validate", "Finds out whether a library keeps to the host's interface");
   addCommon(validateCommand);
@@ -270,13 +300,17 @@ int runCommandLine(int argc, char** argv) {
   settings().version = std::stod(version);
   settings().otherArrayShape = arrayShape == "other";
   const std::vector<std::string> known = operationNames();
-  for (const std::string& name : withheld) {
-    if (std::find(known.begin(), known.end(), name) == known.end()) {
-      const std::string near = nearest(name, known);
-      throw std::runtime_error("--without " + name + ": there is no such operation" +
+  for (const std::string& operation : withheld) {
+    if (std::find(known.begin(), known.end(), operation) == known.end()) {
+      const std::string near = nearest(operation, known);
+      throw std::runtime_error("--without " + operation + ": there is no such operation" +
                                (near.empty() ? "" : "; did you mean " + near + "?"));
     }
-    settings().withheld.insert(name);
+    if (operation == "RegisterPluginVersion") {
+      throw std::runtime_error("--without " + operation +
+                               ": every host has it, and a library calls it without asking first");
+    }
+    settings().withheld.insert(operation);
   }
   const std::filesystem::path chosen = library.empty() ? findLibrary() : std::filesystem::path(library);
   if (validateCommand->parsed()) {
@@ -286,13 +320,17 @@ int runCommandLine(int argc, char** argv) {
   loadLibrary(chosen);
   registerBuiltins();
   if (trace) switchTracingOn();
-  if (listCommand->parsed()) {
-    std::fputs(listing().c_str(), stdout);
+  if (listCommand->parsed() || docCommand->parsed()) {
+    const std::string text = docCommand->parsed() ? documentationOf(name)
+                             : name.empty()       ? listing()
+                                                  : listing(name);
+    if (text.empty()) throw std::runtime_error(noDocumentationOf(name));
+    std::fputs(text.c_str(), stdout);
     return 0;
   }
+  if (checkCommand->parsed()) return check(files);
   if (replCommand->parsed()) {
-    repl();
-    return 0;
+    return repl() ? 0 : programFailed;
   }
   const int status = run(file, steps);
   if (!leaks) return status;

@@ -90,6 +90,7 @@ std::vector<HostProgram> fromPage(const fs::path& page) {
       program.folder = page.parent_path();
       program.text = block;
       program.options = words(heading(block, "options"));
+      program.warns = !heading(block, "warns").empty();
       if (const std::string status = heading(block, "exit"); !status.empty())
         program.exitStatus = std::stoi(status);
       programs.push_back(program);

@@ -2,9 +2,10 @@
 // documentation.
 //
 // A program's first lines may carry "' options: …" (more options for qtxhost), "' exit: N", "' output:
-// varies", "' prints: FILE", "' draws: FILE" and "' takes: long". NAME.out beside it, or the file that it
-// prints, holds its standard output, which only a program whose output varies goes without; NAME.err holds
-// its standard error, which otherwise is empty where the exit status is 0.
+// varies", "' prints: FILE", "' draws: FILE" and "' takes: long"; on a page also "' warns: …" where the
+// compiler warns of it. NAME.out beside it, or the file that it prints, holds its standard output, which only
+// a program whose output varies goes without; NAME.err holds its standard error, which otherwise is empty
+// where the exit status is 0.
 #pragma once
 
 #include <filesystem>
@@ -22,6 +23,7 @@ struct HostProgram {
   std::vector<std::string> options;
   int exitStatus = 0;
   bool takesLong = false;
+  bool warns = false;
   std::string draws;  // the picture of one run, which the next repeats but for what chance has drawn
 
   // To run it with qtxhost and more options of the test's own, leaks reported.

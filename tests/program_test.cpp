@@ -23,6 +23,8 @@ TEST_P(Programs, PrintWhatTheyShould) {
   }
   if (program.errors) {
     EXPECT_EQ(outcome.errors, *program.errors);
+  } else if (program.warns) {
+    EXPECT_NE(outcome.errors.find(": warning: "), std::string::npos) << outcome.errors;
   } else if (program.exitStatus == 0) {
     EXPECT_EQ(outcome.errors, "");
   }

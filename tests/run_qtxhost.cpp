@@ -107,7 +107,7 @@ Outcome runQtxhost(const std::vector<std::string>& arguments, const std::string&
   return outcome;
 }
 
-Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::string& typed) {
+Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::vector<Typed>& typed) {
   Outcome outcome;
   const int terminal = posix_openpt(O_RDWR | O_NOCTTY);
   if (terminal < 0 || grantpt(terminal) != 0 || unlockpt(terminal) != 0) return outcome;
@@ -123,9 +123,16 @@ Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const st
     setenv("TERM", "dumb", 1);
     becomeQtxhost(arguments);
   }
-  if (write(terminal, typed.data(), typed.size()) < 0) kill(child, SIGKILL);
   pollfd ready{terminal, POLLIN, 0};
+  std::size_t next = 0, seen = 0;
   while (true) {
+    while (next < typed.size()) {
+      const std::size_t found = outcome.output.find(typed[next].after, seen);
+      if (found == std::string::npos) break;
+      seen = found + typed[next].after.size();
+      const std::string& keys = typed[next++].keys;
+      if (write(terminal, keys.data(), keys.size()) < 0) kill(child, SIGKILL);
+    }
     if (poll(&ready, 1, 60000) <= 0) {
       kill(child, SIGKILL);
       break;

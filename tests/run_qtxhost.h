@@ -20,9 +20,13 @@ constexpr const char* sanitizerOptions = "exitcode=99:atexit_sleep_ms=0";
 Outcome runQtxhost(const std::vector<std::string>& arguments, const std::string& input,
                    const std::filesystem::path& folder);
 
-// With a terminal that somebody has typed all this on; what it shows, prompts and echo among it, is the
-// output.
-Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::string& typed);
+// What somebody types as soon as the terminal shows a text after what it showed before.
+struct Typed {
+  std::string after, keys;
+};
+
+// With a terminal of which all that it shows, prompts and echo among it, is the output.
+Outcome runQtxhostOnTerminal(const std::vector<std::string>& arguments, const std::vector<Typed>& typed);
 
 // In a child process, whose standard streams are what they should be.
 [[noreturn]] void becomeQtxhost(const std::vector<std::string>& arguments);

@@ -189,8 +189,9 @@ Expr arithmetic(Operator op, Expr left, Expr right, Position position) {
     });
   }
   if (!l.isNumber() || !r.isNumber()) {
-    fail(position,
-         std::string("there is no operator '") + nameOf(op) + "' for " + nameOf(l) + " and " + nameOf(r));
+    const bool joins = op == Operator::add && (isText(l) || isText(r));
+    fail(position, std::string("there is no operator '") + nameOf(op) + "' for " + nameOf(l) + " and " +
+                       nameOf(r) + (joins ? "; Str(…) makes a text of a number" : ""));
   }
   const bool needsIntegers = op == Operator::integerDivide || op == Operator::modulo;
   const bool integers = l.isInteger() && r.isInteger() && op != Operator::divide && op != Operator::power;

@@ -6,6 +6,7 @@
 #include "language/array_words.h"
 #include "language/conversions.h"
 #include "language/places.h"
+#include "language/spelling.h"
 #include "runtime/array.h"
 
 namespace host {
@@ -115,6 +116,12 @@ Expr element(Expr array, Position position, Exprs indices) {
       [](const Slot* operands, Slot value) { arrayIn(operands[0]).set(operands[1].integer, value); });
 }
 
+std::vector<std::string> arrayMembers() {
+  std::vector<std::string> names;
+  for (const auto& each : methods) names.emplace_back(each.name);
+  return names;
+}
+
 Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
   for (const auto& each : methods) {
     if (!sameName(each.name, callee.name)) continue;
@@ -124,7 +131,8 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
     }
     return each.make(std::move(array), arguments);
   }
-  fail(callee.position, "an array has no member '" + callee.name + "'");
+  fail(callee.position,
+       "an array has no member '" + callee.name + "'" + suggestion(callee.name, arrayMembers()));
 }
 
 Expr newArray(Type type, Exprs upperBounds) {

@@ -9,6 +9,8 @@ namespace host {
 // a(i): a place. Throws ProgramError where there is not just one index.
 Expr element(Expr array, Position position, Exprs indices);
 
+std::vector<std::string> arrayMembers();  // their names
+
 // A method of arrays, such as Append. Throws ProgramError.
 Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments);
 

@@ -64,13 +64,24 @@ Stmt assignment(Position position, Expr target, Expr value) {
   });
 }
 
+void warnOfOverwriting(Position position, Operator op, Type target, Type computed) {
+  if (!isPlainObject(target) || !target.objectClass || isPlainObject(computed) || computed.array) return;
+  const std::string member = op == Operator::add ? "Add" : op == Operator::subtract ? "Subtract" : "";
+  const bool hasMember = !member.empty() && !target.objectClass->findMethods(member).empty();
+  warn(position, std::string("this puts the result of '") + nameOf(op) + "' back into the " +
+                     target.objectClass->name + ", over what was done to it meanwhile" +
+                     (hasMember ? "; its member " + member + " changes it in one step" : ""));
+}
+
 Stmt compoundAssignment(Position position, Operator op, Expr target, Expr value, const MakeHidden& hidden) {
   std::unique_ptr<Place> place = placeOf(std::move(target), position, "this cannot be assigned to");
-  if (Expr again = place->again()) {
-    return assignment(position, std::move(place), binary(op, std::move(again), std::move(value), position));
-  }
-  std::unique_ptr<Place> before = hidden(place->type);
-  Taking taking(place->type, binary(op, before->again(), std::move(value), position));
+  Expr again = place->again();
+  std::unique_ptr<Place> before;
+  if (!again) before = hidden(place->type);
+  Expr result = binary(op, before ? before->again() : std::move(again), std::move(value), position);
+  warnOfOverwriting(position, op, place->type, result->type);
+  if (!before) return assignment(position, std::move(place), std::move(result));
+  Taking taking(place->type, std::move(result));
   return statement(position, [place = std::move(place), before = std::move(before),
                               taking = std::move(taking)](Frame& frame) {
     place->update(frame, [&](Slot current) {

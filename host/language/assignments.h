@@ -14,6 +14,10 @@ namespace host {
 // Operator_Convert, or makes one where there is Nil.
 Stmt assignment(Position position, Expr target, Expr value);
 
+// Where an object takes on what an operator on it has computed, and the operator, or another thread, may have
+// changed the object itself.
+void warnOfOverwriting(Position position, Operator op, Type target, Type computed);
+
 // target += value and the like; what the target's indices compute is computed once. `hidden` makes a variable
 // for what is there before.
 using MakeHidden = std::function<std::unique_ptr<Place>(Type)>;

@@ -48,15 +48,17 @@ int distanceOfAll(const Exprs& arguments, const Declaration& declaration) {
   if (candidates.size() == 1) {
     const Declaration& only = candidates[0]->declaration;
     if (arguments.size() > only.parameters.size() || arguments.size() < only.requiredCount()) {
-      fail(callee.position, "wrong number of arguments for " + callee.name + ": found " +
-                                std::to_string(arguments.size()) + ", expected " + only.text);
+      throw WrongUse(callee.position, callee.name,
+                     "wrong number of arguments for " + callee.name + ": found " +
+                         std::to_string(arguments.size()) + ", expected " + only.text);
     }
   }
   std::string types, list;
   for (const Expr& argument : arguments) types += (types.empty() ? "" : ", ") + nameOf(argument->type);
   for (const Method* method : candidates) list += "\n  " + method->declaration.text;
-  fail(callee.position, callee.name + " does not take (" + types + "); expected" +
-                            (candidates.size() > 1 ? " one of" : "") + list);
+  throw WrongUse(callee.position, callee.name,
+                 callee.name + " does not take (" + types + "); expected" +
+                     (candidates.size() > 1 ? " one of" : "") + list);
 }
 
 const Method& nearestOf(const std::vector<const Method*>& candidates, const Callee& callee,
@@ -85,7 +87,7 @@ Expr restOf(Exprs& arguments, std::size_t at, const Parameter& parameter, const 
   for (; at < arguments.size(); ++at) {
     values.push_back(convertTo(std::move(arguments[at]), parameter.type.element(), what));
   }
-  return listOf(parameter.type.element(), std::move(values));
+  return std::make_unique<ArrayOfElements>(parameter.type.element(), std::move(values));
 }
 
 // What the parameters of the callee are handed. There are no more arguments than it takes.
@@ -123,8 +125,9 @@ std::vector<Passed> passedTo(const Method& method, Exprs arguments) {
 
 void checkCount(const std::vector<Parameter>& parameters, const Callee& callee, const Exprs& arguments) {
   if (arguments.size() > parameters.size() && !takesRest(parameters)) {
-    fail(callee.position, callee.name + " takes " + counted(parameters.size()) + ", found " +
-                              std::to_string(arguments.size()));
+    throw WrongUse(
+        callee.position, callee.name,
+        callee.name + " takes " + counted(parameters.size()) + ", found " + std::to_string(arguments.size()));
   }
 }
 
@@ -151,13 +154,14 @@ Expr callMethod(const std::vector<const Method*>& candidates, const Callee& call
   if (candidates.size() == 1 && candidates[0]->isOwn) {  // what does not fit is said of each argument
     const Method& only = *candidates[0];
     checkCount(only.declaration.parameters, {only.declaration.name, callee.position}, arguments);
-    return invoke(only, std::move(self),
-                  passedTo(only.declaration.parameters, {only.declaration.name, callee.position},
-                           std::move(arguments)));
+    return invoke(
+        only, std::move(self),
+        passedTo(only.declaration.parameters, {only.declaration.name, callee.position}, std::move(arguments)),
+        callee.member);
   }
   const Method& method = nearestOf(candidates, callee, arguments, resultUnused);
   checkParameters(method, callee.position);
-  return callExactly(method, std::move(self), std::move(arguments));
+  return callExactly(method, std::move(self), std::move(arguments), callee.member);
 }
 
 Expr callDelegate(const Class& made, const Callee& callee, Expr delegate, Exprs arguments) {
@@ -166,8 +170,8 @@ Expr callDelegate(const Class& made, const Callee& callee, Expr delegate, Exprs 
   return invokeDelegate(made, std::move(delegate), passedTo(parameters, callee, std::move(arguments)));
 }
 
-Expr callExactly(const Method& method, Expr self, Exprs arguments) {
-  return invoke(method, std::move(self), passedTo(method, std::move(arguments)));
+Expr callExactly(const Method& method, Expr self, Exprs arguments, const std::string& member) {
+  return invoke(method, std::move(self), passedTo(method, std::move(arguments)), member);
 }
 
 namespace {

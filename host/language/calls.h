@@ -14,6 +14,7 @@ namespace host {
 struct Callee {
   std::string name;
   Position position;
+  std::string member = {};  // with what it is a member of
 };
 
 std::string counted(std::size_t arguments);  // "1 argument", "2 arguments"
@@ -31,7 +32,7 @@ Expr callMethod(const std::vector<const Method*>& candidates, const Callee& call
 Expr callDelegate(const Class& made, const Callee& callee, Expr delegate, Exprs arguments);
 
 // With the arguments converted to the method's parameters; distance() has found them to fit.
-Expr callExactly(const Method& method, Expr self, Exprs arguments);
+Expr callExactly(const Method& method, Expr self, Exprs arguments, const std::string& member = "");
 
 // New made(arguments).
 Expr newObject(const Class& made, Position position, Exprs arguments);

@@ -84,8 +84,8 @@ OwnClass& newOwnClass(ModuleNames& module, const syntax::Name& name, Declaration
   return made;
 }
 
-ClassMembers::ClassMembers(ModuleNames& module, OwnClass& made, Names& names)
-    : module_(module), made_(made), names_(names) {
+ClassMembers::ClassMembers(ModuleNames& module, OwnClass& made, Names& names, Problems& problems)
+    : module_(module), made_(made), names_(names), problems_(problems) {
   made.dataOffset = made.super ? (made.super->instanceSize + 15) / 16 * 16 : sizeof(Heap);
   size_ = made.dataOffset;
   if (made.super) {
@@ -95,9 +95,10 @@ ClassMembers::ClassMembers(ModuleNames& module, OwnClass& made, Names& names)
 }
 
 void ClassMembers::addField(const syntax::Property& parsed) {
+  const Type type = names_.typeOf(parsed.stored, parsed.stored.variables[0]);
   Property& property = made_.properties.emplace_back();
   property.name = parsed.name.text;
-  property.type = names_.typeOf(parsed.stored, parsed.stored.variables[0]);
+  property.type = type;
   property.access = accessOf(parsed.modifiers);
   property.owner = &made_;
   property.offset = size_;
@@ -125,71 +126,93 @@ void ClassMembers::findPlace(Method& method, const std::vector<const Method*>& a
   made_.table.push_back(&method);
 }
 
-Method& ClassMembers::addAccessor(const syntax::Sub& parsed, const std::string& name) {
-  Sub& sub = newSub(module_, parsed, names_);
+// Null where it is wrong.
+const Method* ClassMembers::addAccessor(const syntax::Sub& parsed, const std::string& name) {
+  const auto [sub, fits] = newSub(module_, parsed, names_, problems_);
   sub.hasSelf = !parsed.modifiers.shared;
+  subs_.push_back({&sub, &parsed});
+  if (!fits) return nullptr;
   Method& method = newMethod(made_.accessors, sub, parsed);
   method.declaration.name = name;
   method.owner = &made_;
-  if (!sub.hasSelf) return method;
+  if (!sub.hasSelf) return &method;
   std::vector<const Method*> above;
   for (const OwnClass* each = ownAbove(made_); each; each = ownAbove(*each)) {
     for (const Method& other : each->accessors) above.push_back(&other);
   }
-  findPlace(method, above);
-  return method;
+  problems_.attempt([&] { findPlace(method, above); });
+  return &method;
 }
 
-std::vector<std::pair<Sub*, const syntax::Sub*>> ClassMembers::addComputed(const syntax::Property& parsed) {
-  if (findNamed(made_.properties, parsed.name.text) || findNamed(made_.sharedProperties, parsed.name.text)) {
-    fail(parsed.name.position, "there is another " + parsed.name.text + " already");
-  }
-  std::vector<std::pair<Sub*, const syntax::Sub*>> bodies;
-  const bool shared = parsed.modifiers.shared;
-  Property& property = (shared ? made_.sharedProperties : made_.properties).emplace_back();
-  property.name = parsed.name.text;
-  property.type = names_.typeOf(parsed.type);
+void ClassMembers::addComputed(const syntax::Property& parsed) {
+  const std::string& name = parsed.name.text;
+  Type type;
+  bool fits = problems_.attempt([&] {
+    if (findNamed(made_.properties, name) || findNamed(made_.sharedProperties, name)) {
+      fail(parsed.name.position, "there is another " + name + " already");
+    }
+    type = names_.typeOf(parsed.type);
+  });
+  const Method* get = parsed.get ? addAccessor(*parsed.get, "Get " + name) : nullptr;
+  const Method* set = parsed.set ? addAccessor(*parsed.set, "Set " + name) : nullptr;
+  fits &= (get || !parsed.get) && (set || !parsed.set);
+  fits = fits && problems_.attempt([&] {
+    if (set && set->declaration.parameters[0].type != type) {
+      fail(parsed.name.position, "Set takes another type than the property " + name + " has");
+    }
+  });
+  if (!fits) return void(problems_.expectUnknown(name));
+  Property& property = (parsed.modifiers.shared ? made_.sharedProperties : made_.properties).emplace_back();
+  property.name = name;
+  property.type = type;
   property.access = accessOf(parsed.modifiers);
   property.owner = &made_;
-  const auto add = [&](const syntax::Sub& accessor, const std::string& kind) -> Method& {
-    Method& method = addAccessor(accessor, kind + " " + property.name);
-    bodies.emplace_back(const_cast<Sub*>(method.sub), &accessor);
-    return method;
-  };
-  Method* get = parsed.get ? &add(*parsed.get, "Get") : nullptr;
-  const Method* set = parsed.set ? &add(*parsed.set, "Set") : nullptr;
-  if (set && set->declaration.parameters[0].type != property.type) {
-    fail(parsed.name.position, "Set takes another type than the property " + property.name + " has");
-  }
   if (!get) {
-    get = &made_.accessors.emplace_back();
-    get->declaration.name = property.name;
-    get->declaration.result = property.type;
-    get->owner = &made_;
-    get->isOwn = true;
-    get->call = unreadable();
+    Method& setOnly = made_.accessors.emplace_back();
+    setOnly.declaration.name = name;
+    setOnly.declaration.result = type;
+    setOnly.owner = &made_;
+    setOnly.isOwn = true;
+    setOnly.call = unreadable();
+    get = &setOnly;
   }
-  if (set) assignThrough(*get, *set);
+  if (set) assignThrough(const_cast<Method&>(*get), *set);
   property.get = get;
   property.getter = Call(&readComputed, &property);
   if (set) property.setter = Call(&writeComputed, &property);
-  return bodies;
 }
 
-Sub* ClassMembers::addMethod(const syntax::Sub& parsed) {
-  const bool shared = parsed.modifiers.shared;
-  const std::string& name = parsed.name.text;
-  const bool isDestructor = sameName(name, "Destructor");
-  Sub& sub = newSub(module_, parsed, names_);
-  sub.hasSelf = !shared;
-  if (isDestructor) {
-    if (shared || !sub.parameters.empty() || parsed.result || made_.destruction) {
-      fail(sub.position, "a class has one Destructor, a Sub without parameters");
-    }
-    made_.destruction.emplace();
-    made_.destruction->sub = &sub;
-    return &sub;
+void ClassMembers::addMethod(const syntax::Sub& parsed) {
+  const auto [sub, fits] = newSub(module_, parsed, names_, problems_);
+  Sub& declared = sub;
+  declared.hasSelf = !parsed.modifiers.shared;
+  if (!made_.isInterface) subs_.push_back({&declared, &parsed});
+  if (!fits) {
+    if (sameName(declared.name, "Constructor")) made_.hasWrongConstructor = true;
+    return;
   }
+  problems_.attempt([&] {
+    if (sameName(declared.name, "Destructor")) {
+      addDestructor(declared, parsed);
+    } else {
+      addOwn(declared, parsed);
+    }
+  });
+}
+
+void ClassMembers::addDestructor(Sub& sub, const syntax::Sub& parsed) {
+  if (!sub.hasSelf || !sub.parameters.empty() || parsed.result || made_.destruction) {
+    fail(sub.position, "a class has one Destructor, a Sub without parameters");
+  }
+  made_.destruction.emplace();
+  made_.destruction->sub = &sub;
+}
+
+void ClassMembers::addOwn(Sub& sub, const syntax::Sub& parsed) {
+  const bool shared = parsed.modifiers.shared;
+  const std::string& name = sub.name;
+  const bool isConstructor = sameName(name, "Constructor");
+  if (isConstructor && (shared || parsed.result)) fail(sub.position, "a Constructor is a Sub of an object");
   std::deque<Method>& own = shared ? made_.sharedMethods : made_.methods;
   Method& method = newMethod(own, sub, parsed);
   method.owner = &made_;
@@ -200,19 +223,16 @@ Sub* ClassMembers::addMethod(const syntax::Sub& parsed) {
   }
   if (findNamed(made_.properties, name)) fail(sub.position, "there is another " + name + " already");
   if (method.extends) fail(sub.position, "a Sub that Extends a type stands in a module");
-  const bool isConstructor = sameName(name, "Constructor");
-  if (isConstructor && (shared || parsed.result)) fail(sub.position, "a Constructor is a Sub of an object");
-  if (shared || isConstructor) return &sub;
+  if (shared || isConstructor) return;
   if (made_.isInterface) {
     method.place = static_cast<std::ptrdiff_t>(made_.methods.size()) - 1;
     method.sub = nullptr;
-    return &sub;
+    return;
   }
   findPlace(method, made_.super ? made_.super->findMethods(name) : std::vector<const Method*>());
-  return &sub;
 }
 
-void ClassMembers::finish() {
+std::vector<ParsedSub> ClassMembers::finish() {
   for (std::deque<Method>* methods : {&made_.methods, &made_.sharedMethods}) {
     for (Method& assigning : *methods) {
       if (!assigning.assigns) continue;
@@ -230,13 +250,14 @@ void ClassMembers::finish() {
     }
   }
   made_.instanceSize = (size_ + 15) / 16 * 16;
-  if (made_.isInterface) return;
+  if (made_.isInterface) return {};
   const bool holds = std::any_of(made_.properties.begin(), made_.properties.end(), [](const Property& each) {
     return each.offset != 0 && each.type.isReference();
   });
   made_.initializer = Call(&initialize, &made_);
   if (holds || made_.destruction) made_.destructor = Call(&destroyOwn, &made_);
   if (made_.destructor || (made_.super && made_.super->finalize)) made_.finalize = &finalizeObject;
+  return std::move(subs_);
 }
 
 namespace {
@@ -251,31 +272,33 @@ const Method* standingFor(const Class& made, const Method& wanted) {
   return nullptr;
 }
 
-void implement(OwnClass& made, const Class& interface) {
+void implement(OwnClass& made, const Class& interface, Problems& problems) {
   Implementation implementation{&interface, {}};
   for (const Method& wanted : interface.methods) {
     const Method* found = standingFor(made, wanted);
-    if (!found) {
-      fail(made.position,
-           made.name + " implements " + interface.name + ", but has no public " + wanted.declaration.text);
-    }
+    problems.attempt([&] {
+      if (found) return;
+      throw WrongUse(
+          made.position, wanted.declaration.name,
+          made.name + " implements " + interface.name + ", but has no public " + wanted.declaration.text);
+    });
     implementation.methods.push_back(found);
   }
   std::erase_if(made.implementations,
                 [&](const Implementation& each) { return each.interface == &interface; });
   made.implementations.push_back(std::move(implementation));
-  for (const Class* each : interface.interfaces) implement(made, *each);
+  for (const Class* each : interface.interfaces) implement(made, *each, problems);
 }
 
 }  // namespace
 
-void implementAll(OwnClass& made) {
-  if (made.isInterface) return;
+void implementAll(OwnClass& made, Problems& problems) {
+  if (made.isInterface || isWrong(&made)) return;
   std::vector<const Class*> all;
   for (const OwnClass* each = &made; each; each = ownAbove(*each)) {
     all.insert(all.end(), each->interfaces.begin(), each->interfaces.end());
   }
-  for (const Class* each : all) implement(made, *each);
+  for (const Class* each : all) implement(made, *each, problems);
 }
 
 }  // namespace host

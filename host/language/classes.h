@@ -7,28 +7,38 @@ namespace host {
 
 OwnClass& newOwnClass(ModuleNames& module, const syntax::Name& name, Declarations& outer);
 
-// Enters the members of a class, the class above which has all of its own. Throws ProgramError.
+// A Sub to compile and what it consists of.
+struct ParsedSub {
+  Sub* sub;
+  const syntax::Sub* parsed;
+};
+
+// Enters the members of a class, the class above which has all of its own. What is wrong with one goes to the
+// problems, and it is left out; its body is compiled all the same.
 class ClassMembers {
  public:
-  ClassMembers(ModuleNames& module, OwnClass& made, Names& names);
+  ClassMembers(ModuleNames& module, OwnClass& made, Names& names, Problems& problems);
 
-  void addField(const syntax::Property& parsed);
-  // The accessors that have bodies, and what they are.
-  std::vector<std::pair<Sub*, const syntax::Sub*>> addComputed(const syntax::Property& parsed);
-  Sub* addMethod(const syntax::Sub& parsed);
-  void finish();  // afterwards objects can be made
+  void addField(const syntax::Property& parsed);  // throws ProgramError
+  void addComputed(const syntax::Property& parsed);
+  void addMethod(const syntax::Sub& parsed);
+  std::vector<ParsedSub> finish();  // afterwards objects can be made
 
  private:
-  Method& addAccessor(const syntax::Sub& parsed, const std::string& name);
+  const Method* addAccessor(const syntax::Sub& parsed, const std::string& name);
+  void addDestructor(Sub& sub, const syntax::Sub& parsed);
+  void addOwn(Sub& sub, const syntax::Sub& parsed);
   void findPlace(Method& method, const std::vector<const Method*>& above);
 
   ModuleNames& module_;
   OwnClass& made_;
   Names& names_;
+  Problems& problems_;
   std::size_t size_;
+  std::vector<ParsedSub> subs_;
 };
 
 // Finds what stands for the methods of the interfaces that the class implements.
-void implementAll(OwnClass& made);
+void implementAll(OwnClass& made, Problems& problems);
 
 }  // namespace host

@@ -9,14 +9,14 @@ namespace host {
 
 namespace {
 
-Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool interactive) {
-  Declarer declarer(module, interactive);
+Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool interactive, Problems& problems) {
+  Declarer declarer(module, interactive, problems);
   declarer.declare(parsed.declared);
   Main main;
   main.file = module.file;
   declarer.compileStart(main.locals, main.body);
   Names names(module, main.locals, true, interactive);
-  Block body = StatementCompiler(names, nullptr, interactive).block(parsed.main);
+  Block body = StatementCompiler(names, nullptr, interactive, problems).block(parsed.main);
   for (Stmt& each : body.statements) main.body.statements.push_back(std::move(each));
   declarer.compileBodies();
   return main;
@@ -25,11 +25,16 @@ Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool inte
 }  // namespace
 
 Main compile(ModuleNames& module, std::string_view text, bool interactive) {
-  const syntax::Program parsed = parse(text, interactive);
+  Problems problems;
+  const syntax::Program parsed = parse(text, interactive, problems);
+  problems.startPass();
   const Declarations before = module;
   const auto modules = module.modules;
   try {
-    return compileParsed(parsed, module, interactive);
+    Main main = compileParsed(parsed, module, interactive, problems);
+    problems.throwIfAny();
+    module.warnings = problems.found();
+    return main;
   } catch (...) {  // what is wrong declares nothing
     static_cast<Declarations&>(module) = before;
     module.modules = modules;

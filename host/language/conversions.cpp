@@ -1,7 +1,11 @@
 // The table of distances, and the conversions that it stands for.
 #include "language/conversions.h"
 
+#include <algorithm>
+
 #include "language/delegates.h"
+#include "language/invocation.h"
+#include "runtime/array.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
 
@@ -67,6 +71,31 @@ ObjectConversion conversionInto(const Class& objectClass, const Expression& from
   return best;
 }
 
+namespace {
+
+// That of the element which is furthest from it; never 0, because the array is of another type.
+int distanceOfElements(const ArrayOfElements& array, Type to) {
+  int furthest = 1;
+  for (const Expr& each : array.elements) {
+    const int far = distance(*each, to);
+    if (far < 0) return -1;
+    furthest = std::max(furthest, far);
+  }
+  return furthest;
+}
+
+}  // namespace
+
+Ref<Heap> ArrayOfElements::reference(Frame& frame) const {
+  const Type element = type.element();
+  Ref<Array> array = makeArray(element, 0);
+  for (const Expr& value : elements) {
+    const Held held(*value, frame);
+    array->append(held.slot);
+  }
+  return array;
+}
+
 int distance(const Expression& from, Type to) {
   const Type type = from.type;
   if (const MethodReference* reference = from.methodReference()) {
@@ -76,7 +105,11 @@ int distance(const Expression& from, Type to) {
   if (type == to) return 0;
   if (type.kind == Kind::None) return -1;
   if (type.kind == Kind::Nil) return to.isReference() && !isText(to) ? 1 : to.kind == Kind::Pointer ? 2 : -1;
-  if (to.array) return isVariant(type) ? 90 : distanceOfObject(from, to);
+  if (to.array) {
+    if (const auto* made = dynamic_cast<const ArrayOfElements*>(&from))
+      return distanceOfElements(*made, to.element());
+    return isVariant(type) ? 90 : distanceOfObject(from, to);
+  }
   if (type.array) return isVariant(to) ? 20 : to.kind == Kind::Object && !to.objectClass ? 30 : -1;
   if (isPlainObject(to)) {
     if (!to.objectClass) return isPlainObject(type) ? 5 : isVariant(type) ? 90 : -1;
@@ -108,6 +141,23 @@ int distance(const Expression& from, Type to) {
   return -1;
 }
 
+namespace {
+
+// A literal that becomes another number.
+void warnOfLoss(const Expression& value, Type type, const std::string& what) {
+  if (!value.isLiteral || !value.type.isNumber() || !type.isInteger() || isPlainObject(type)) return;
+  Frame none;
+  const Slot written = value.evaluate(none);
+  const Slot becomes = convert(written, value.type, type);
+  const std::string before = display(written, value.type), after = display(becomes, type);
+  if (before == after || convert(becomes, type, value.type).word == written.word) {
+    if (before.starts_with('-') == after.starts_with('-')) return;
+  }
+  warn(value.position, before + " does not fit in " + nameOf(type) + "; as " + what + " it is " + after);
+}
+
+}  // namespace
+
 Expr convertTo(Expr value, Type type, const std::string& what) {
   const Type from = value->type;
   if (from == type) return value;
@@ -125,6 +175,13 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
   }
   if (value->literal && from.isInteger() && type.isInteger() && literalFits(*value->literal, type)) {
     return integerLiteral(static_cast<std::uint64_t>(*value->literal), type);
+  }
+  warnOfLoss(*value, type, what);
+  if (auto* made = type.array ? dynamic_cast<ArrayOfElements*>(value.get()) : nullptr) {
+    for (Expr& each : made->elements)
+      each = convertTo(std::move(each), type.element(), "an element of " + what);
+    made->type = type;
+    return value;
   }
   if (from.kind == Kind::Nil) {
     if (type.kind == Kind::Pointer) return integerNode(type, [](Frame&) { return 0; });

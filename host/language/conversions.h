@@ -8,6 +8,14 @@
 
 namespace host {
 
+// What Array(…) gives: an array of its elements' type, or of any other one that they all fit.
+class ArrayOfElements final : public Expression {
+ public:
+  ArrayOfElements(Type element, Exprs values) : Expression(element.arrayOf()), elements(std::move(values)) {}
+  Ref<Heap> reference(Frame& frame) const override;
+  Exprs elements;
+};
+
 // Distances from here on lead through a class's Operator_Convert.
 inline constexpr int throughClass = 1000;
 

@@ -17,30 +17,35 @@ bool DeclarationParser::opens(Keyword keyword) const {
 }
 
 bool DeclarationParser::declared(Members& into) {
-  const Position position = tokens_.peek().position;
-  const Modifiers given = modifiers();
-  if (declaredAfter(given, into)) return true;
-  if (tokens_.peek().position.column == position.column && tokens_.peek().position.line == position.line) {
-    return false;
-  }
-  tokens_.failExpecting(
-      "a Sub, Function, Class, Module or Enum; variables outside of modules are declared with Dim");
+  bool found = true;
+  tokens_.part([&] {
+    const std::size_t start = tokens_.place();
+    const Modifiers given = modifiers();
+    if (declaredAfter(given, into)) return;
+    if (tokens_.place() == start) {
+      found = false;
+      return;
+    }
+    tokens_.failExpecting(
+        "a Sub, Function, Class, Module or Enum; variables outside of modules are declared with Dim");
+  });
+  return found;
 }
 
 // What may stand in the program, a module and a class alike.
 bool DeclarationParser::declaredAfter(const Modifiers& given, Members& into) {
   if (tokens_.is(Keyword::subWord) || tokens_.is(Keyword::functionWord)) {
-    into.subs.push_back(sub(given));
+    sub(given, into);
   } else if (opens(Keyword::enumWord)) {
-    into.enums.push_back(enumeration());
+    enumeration(into);
   } else if (opens(Keyword::delegateWord)) {
-    into.delegates.push_back(delegate());
+    delegate(into);
   } else if (opens(Keyword::classWord)) {
-    into.classes.push_back(ofClass());
+    ofClass(into);
   } else if (opens(Keyword::interfaceWord)) {
-    into.classes.push_back(interface());
+    interface(into);
   } else if (opens(Keyword::moduleWord)) {
-    into.modules.push_back(module());
+    module(into);
   } else {
     failForForeign();
     return false;
@@ -49,7 +54,7 @@ bool DeclarationParser::declaredAfter(const Modifiers& given, Members& into) {
 }
 
 // What the language of the host has, and this one has not.
-void DeclarationParser::failForForeign() const {
+void DeclarationParser::failForForeign() {
   static constexpr struct {
     const char* word;
     const char* instead;
@@ -63,8 +68,21 @@ void DeclarationParser::failForForeign() const {
   };
   if (tokens_.peek(1).kind != TokenKind::word) return;
   for (const auto& each : foreign) {
-    if (sameName(tokens_.peek().text, each.word)) tokens_.failHere(each.instead);
+    if (!sameName(tokens_.peek().text, each.word)) continue;
+    const Position position = tokens_.peek().position;
+    for (std::size_t ahead : {1, 2}) tokens_.problems.expectUnknown(tokens_.peek(ahead).text);
+    skipTo(each.word);
+    fail(position, each.instead);
   }
+}
+
+// To the end of a block that this host has not, if it has one.
+void DeclarationParser::skipTo(const std::string& end) {
+  std::size_t ahead = 0;
+  while (!tokens_.is(Keyword::endWord, ahead) || !sameName(tokens_.peek(ahead + 1).text, end)) {
+    if (tokens_.peek(++ahead).kind == TokenKind::endOfText) return;
+  }
+  for (; ahead > 0; --ahead) tokens_.take();
 }
 
 Modifiers DeclarationParser::modifiers() {
@@ -85,23 +103,63 @@ Modifiers DeclarationParser::modifiers() {
 }
 
 // Up to the end of what was opened.
-void DeclarationParser::members(const syntax::Name& owner, Keyword kind, Members& into) {
-  const Nesting nesting(depth_, tokens_);
-  const std::string word = spellingOf(kind);
-  const bool outer = std::exchange(inType_, true);
-  while (tokens_.skipLineEnds(), !statements_.accept({Keyword::endWord, kind})) {
-    if (tokens_.peek().kind == TokenKind::endOfText) {
-      throw ProgramError(owner.position, "the " + word + " " + owner.text + " has no 'End " + word + "'",
-                         true);
-    }
-    member(word, into);
-  }
-  inType_ = outer;
+void DeclarationParser::members(const Opener& opener, Members& into) {
+  struct InType {
+    bool& flag;
+    const bool outer;
+    ~InType() { flag = outer; }
+  } const inType{inType_, std::exchange(inType_, true)};
+  const BlockEnd end{Keyword::endWord, opener.word};
+  statements_.linesUntil(opener, {end}, StatementParser::Holds::declarations,
+                         [&] { return memberLine(opener.word, into); });
+  statements_.accept(end);
 }
 
-void DeclarationParser::member(const std::string& where, Members& into) {
+// One line with what it opens; false where it is no member, and none will follow.
+bool DeclarationParser::memberLine(Keyword owner, Members& into) {
+  if (!mayBeMember() && !tokens_.isEndedFurtherDown(owner)) return false;
+  const bool isRead = tokens_.part([&] { member(owner, into); }, true);
+  if (!isRead && atAccessor()) {  // belongs to what could not be read
+    syntax::Property ignored;
+    ignored.stored.variables.emplace_back();
+    accessors(ignored);
+  }
+  return true;
+}
+
+// As far as the line's first words show: a word of a declaration, or a name with a type.
+bool DeclarationParser::mayBeMember() const {
+  static constexpr Keyword declaring[] = {Keyword::constWord, Keyword::dimWord, Keyword::varWord,
+                                          Keyword::staticWord};
+  if (tokens_.atDeclaration()) return true;
+  for (const Keyword each : declaring) {
+    if (tokens_.is(each)) return true;
+  }
+  if (tokens_.peek().kind != TokenKind::word || isReserved(tokens_.peek().keyword)) return false;
+  for (std::size_t ahead = 1; tokens_.peek(ahead).kind != TokenKind::endOfLine; ++ahead) {
+    if (tokens_.is(Keyword::asWord, ahead)) return true;
+  }
+  return false;
+}
+
+void DeclarationParser::member(Keyword owner, Members& into) {
   const Modifiers given = modifiers();
   if (declaredAfter(given, into)) return;
+  const std::string expected = std::string("a declaration or 'End ") + spellingOf(owner) + "'";
+  switch (tokens_.peek().keyword) {
+    case Keyword::ifWord:
+    case Keyword::selectWord:
+    case Keyword::forWord:
+    case Keyword::whileWord:
+    case Keyword::doWord:
+    case Keyword::tryWord: {  // all of it stands in the wrong place
+      tokens_.problems.attempt([&] { tokens_.failExpecting(expected); });
+      syntax::Block ignored;
+      return statements_.lineInto(ignored);
+    }
+    default:
+      break;
+  }
   if (tokens_.accept(Keyword::constWord)) {
     into.constants.push_back({given, statements_.constant()});
   } else if (tokens_.accept(Keyword::dimWord) || tokens_.accept(Keyword::varWord) ||
@@ -110,24 +168,26 @@ void DeclarationParser::member(const std::string& where, Members& into) {
              (tokens_.peek().kind == TokenKind::word && !isReserved(tokens_.peek().keyword))) {
     properties(given, into);
   } else {
-    tokens_.failExpecting("a declaration or 'End " + where + "'");
+    tokens_.failExpecting(expected);
   }
-  if (!tokens_.atLineEnd()) tokens_.expectLineEnd("after the declaration");
+  if (!tokens_.atLineEnd() && !tokens_.atLineStart()) tokens_.expectLineEnd("after the declaration");
 }
 
 // Subs.
 
-syntax::Sub DeclarationParser::sub(const Modifiers& given) {
-  const bool isFunction = tokens_.is(Keyword::functionWord);
-  tokens_.take();
-  syntax::Sub sub = head(isFunction);
+void DeclarationParser::sub(const Modifiers& given, Members& into) {
+  const Opener opener{tokens_.peek().keyword, tokens_.peek().position};
+  syntax::Sub sub;
   sub.modifiers = given;
-  sub.body = body(sub.name, {Keyword::endWord, isFunction ? Keyword::functionWord : Keyword::subWord});
-  return sub;
+  sub.isRead = tokens_.part([&] {
+    tokens_.take();
+    head(sub, opener.word == Keyword::functionWord);
+  });
+  sub.body = statements_.body(opener, {Keyword::endWord, opener.word});
+  into.subs.push_back(std::move(sub));
 }
 
-syntax::Sub DeclarationParser::head(bool isFunction) {
-  syntax::Sub sub;
+void DeclarationParser::head(syntax::Sub& sub, bool isFunction) {
   sub.name = tokens_.takeName(std::string("the name of the ") + (isFunction ? "Function" : "Sub"));
   if (tokens_.accept(Symbol::open) && !tokens_.accept(Symbol::close)) {
     do {
@@ -140,20 +200,6 @@ syntax::Sub DeclarationParser::head(bool isFunction) {
     sub.result = tokens_.takeType();
   }
   tokens_.expectLineEnd("after the declaration of " + sub.name.text);
-  return sub;
-}
-
-syntax::Block DeclarationParser::body(const syntax::Name& name, BlockEnd end) {
-  const Nesting nesting(depth_, tokens_);
-  const std::string kind = spellingOf(end.second);
-  syntax::Block statements;
-  while (tokens_.skipLineEnds(), !statements_.accept(end)) {
-    if (tokens_.peek().kind == TokenKind::endOfText) {
-      throw ProgramError(name.position, "the " + kind + " " + name.text + " has no 'End " + kind + "'", true);
-    }
-    statements.push_back(statements_.line());
-  }
-  return statements;
 }
 
 syntax::Sub::Parameter DeclarationParser::parameter(const std::vector<syntax::Sub::Parameter>& before) {
@@ -208,39 +254,54 @@ syntax::Sub::Parameter DeclarationParser::parameter(const std::vector<syntax::Su
 
 // Types.
 
-syntax::Enum DeclarationParser::enumeration() {
-  tokens_.take();
+void DeclarationParser::enumeration(Members& into) {
+  const Opener opener{Keyword::enumWord, tokens_.peek().position};
   syntax::Enum made;
-  made.name = tokens_.takeName("the name of the Enum");
-  if (tokens_.accept(Keyword::asWord)) made.type = tokens_.takeType();
-  tokens_.expectLineEnd("after the Enum " + made.name.text);
-  while (tokens_.skipLineEnds(), !statements_.accept({Keyword::endWord, Keyword::enumWord})) {
-    if (tokens_.peek().kind == TokenKind::endOfText) {
-      throw ProgramError(made.name.position, "the Enum " + made.name.text + " has no 'End Enum'", true);
-    }
-    syntax::Enum::Member member{tokens_.takeName("a name of the Enum " + made.name.text), {}};
-    if (tokens_.accept(Symbol::equal)) member.value = expressions_.expression();
-    tokens_.expectLineEnd("after " + member.name.text);
-    made.members.push_back(std::move(member));
-  }
-  return made;
+  const bool isRead = tokens_.part([&] {
+    tokens_.take();
+    made.name = tokens_.takeName("the name of the Enum");
+    if (tokens_.accept(Keyword::asWord)) made.type = tokens_.takeType();
+    tokens_.expectLineEnd("after the Enum " + made.name.text);
+  });
+  const BlockEnd end{Keyword::endWord, Keyword::enumWord};
+  statements_.linesUntil(opener, {end}, StatementParser::Holds::statements, [&] {
+    if (isReserved(tokens_.peek().keyword) && !tokens_.isEndedFurtherDown(Keyword::enumWord)) return false;
+    tokens_.part(
+        [&] {
+          syntax::Enum::Member member{tokens_.takeName("a name of the Enum " + made.name.text), {}};
+          if (tokens_.accept(Symbol::equal)) member.value = expressions_.expression();
+          tokens_.expectLineEnd("after " + member.name.text);
+          made.members.push_back(std::move(member));
+        },
+        true);
+    return true;
+  });
+  statements_.accept(end);
+  if (isRead) into.enums.push_back(std::move(made));
 }
 
-syntax::Sub DeclarationParser::delegate() {
-  tokens_.take();
-  const bool isFunction = tokens_.is(Keyword::functionWord);
-  if (!isFunction && !tokens_.is(Keyword::subWord)) tokens_.failExpecting("Sub or Function after Delegate");
-  tokens_.take();
-  return head(isFunction);
+void DeclarationParser::delegate(Members& into) {
+  tokens_.part([&] {
+    tokens_.take();
+    const bool isFunction = tokens_.is(Keyword::functionWord);
+    if (!isFunction && !tokens_.is(Keyword::subWord)) tokens_.failExpecting("Sub or Function after Delegate");
+    tokens_.take();
+    syntax::Sub made;
+    head(made, isFunction);
+    into.delegates.push_back(std::move(made));
+  });
 }
 
-syntax::Module DeclarationParser::module() {
-  tokens_.take();
+void DeclarationParser::module(Members& into) {
+  const Opener opener{Keyword::moduleWord, tokens_.peek().position};
   syntax::Module made;
-  made.name = tokens_.takeName("the name of the Module");
-  tokens_.expectLineEnd("after the Module " + made.name.text);
-  members(made.name, Keyword::moduleWord, made.members);
-  return made;
+  const bool isRead = tokens_.part([&] {
+    tokens_.take();
+    made.name = tokens_.takeName("the name of the Module");
+    tokens_.expectLineEnd("after the Module " + made.name.text);
+  });
+  members(opener, made.members);
+  if (isRead) into.modules.push_back(std::move(made));
 }
 
 // Inherits and Implements stand in the line of the class or in lines of their own.
@@ -266,40 +327,49 @@ void DeclarationParser::inherits(syntax::Class& made) {
   }
 }
 
-syntax::Class DeclarationParser::ofClass() {
-  tokens_.take();
+void DeclarationParser::ofClass(Members& into) {
+  const Opener opener{Keyword::classWord, tokens_.peek().position};
   syntax::Class made;
-  made.name = tokens_.takeName("the name of the Class");
-  inherits(made);
-  tokens_.expectLineEnd("after the Class " + made.name.text);
-  members(made.name, Keyword::classWord, made.members);
-  return made;
+  const bool isRead = tokens_.part([&] {
+    tokens_.take();
+    made.name = tokens_.takeName("the name of the Class");
+    inherits(made);
+    tokens_.expectLineEnd("after the Class " + made.name.text);
+  });
+  members(opener, made.members);
+  if (isRead) into.classes.push_back(std::move(made));
 }
 
-syntax::Class DeclarationParser::interface() {
-  tokens_.take();
+void DeclarationParser::interface(Members& into) {
+  const Opener opener{Keyword::interfaceWord, tokens_.peek().position};
   syntax::Class made;
   made.isInterface = true;
-  made.name = tokens_.takeName("the name of the Interface");
-  inherits(made);
+  const bool isRead = tokens_.part([&] {
+    tokens_.take();
+    made.name = tokens_.takeName("the name of the Interface");
+    inherits(made);
+    tokens_.expectLineEnd("after the Interface " + made.name.text);
+  });
   if (made.super) {
     made.interfaces.push_back(std::move(*made.super));
     made.super.reset();
   }
-  tokens_.expectLineEnd("after the Interface " + made.name.text);
-  while (tokens_.skipLineEnds(), !statements_.accept({Keyword::endWord, Keyword::interfaceWord})) {
-    if (tokens_.peek().kind == TokenKind::endOfText) {
-      throw ProgramError(made.name.position, "the Interface " + made.name.text + " has no 'End Interface'",
-                         true);
-    }
+  const BlockEnd end{Keyword::endWord, Keyword::interfaceWord};
+  statements_.linesUntil(opener, {end}, StatementParser::Holds::declarations, [&] {
     const bool isFunction = tokens_.is(Keyword::functionWord);
-    if (!isFunction && !tokens_.is(Keyword::subWord)) {
-      tokens_.failExpecting("a Sub or Function without a body, or 'End Interface'");
-    }
-    tokens_.take();
-    made.members.subs.push_back(head(isFunction));
-  }
-  return made;
+    const bool isSub = isFunction || tokens_.is(Keyword::subWord);
+    if (!isSub && !tokens_.isEndedFurtherDown(Keyword::interfaceWord)) return false;
+    tokens_.part([&] {
+      if (!isSub) tokens_.failExpecting("a Sub or Function without a body, or 'End Interface'");
+      tokens_.take();
+      syntax::Sub sub;
+      head(sub, isFunction);
+      made.members.subs.push_back(std::move(sub));
+    });
+    return true;
+  });
+  statements_.accept(end);
+  if (isRead) into.classes.push_back(std::move(made));
 }
 
 // Properties.
@@ -328,33 +398,49 @@ bool DeclarationParser::atAccessor() const {
 }
 
 void DeclarationParser::accessors(syntax::Property& made) {
-  if (made.stored.initial || made.stored.variables[0].array) {
+  tokens_.problems.attempt([&] {
+    if (!made.stored.initial && !made.stored.variables[0].array) return;
     tokens_.failHere("what is computed has neither a value nor elements of its own: " + made.name.text);
+  });
+  const BlockEnd end{Keyword::endWord, Keyword::propertyWord};
+  const Opener opener{Keyword::propertyWord, made.name.position};
+  statements_.linesUntil(opener, {end}, StatementParser::Holds::declarations, [&] { return accessor(made); });
+  statements_.accept(end);
+}
+
+// One of them; false where something else is declared.
+bool DeclarationParser::accessor(syntax::Property& made) {
+  const Opener opener{tokens_.peek().keyword, tokens_.peek().position};
+  const bool isGet = opener.word == Keyword::getWord;
+  if (!isGet && opener.word != Keyword::setWord) {
+    if (tokens_.atDeclaration()) return false;
+    tokens_.part([&] { tokens_.failExpecting("Get, Set or 'End Property'"); });
+    return true;
   }
-  while (tokens_.skipLineEnds(), !statements_.accept({Keyword::endWord, Keyword::propertyWord})) {
-    const bool isGet = tokens_.is(Keyword::getWord);
-    if (!isGet && !tokens_.is(Keyword::setWord)) tokens_.failExpecting("Get, Set or 'End Property'");
-    std::optional<syntax::Sub>& accessor = isGet ? made.get : made.set;
-    const Position position = tokens_.take().position;
-    if (accessor) fail(position, made.name.text + " has this already");
-    accessor.emplace();
-    accessor->name = {made.name.text, position};
-    accessor->modifiers = made.modifiers;
+  syntax::Sub read;
+  read.name = {made.name.text, opener.position};
+  read.modifiers = made.modifiers;
+  std::optional<syntax::Sub>& accessor = isGet ? made.get : made.set;
+  read.isRead = tokens_.part([&] {
+    tokens_.take();
+    if (accessor) fail(opener.position, made.name.text + " has this already");
     if (isGet) {
-      accessor->result = made.type;
+      read.result = made.type;
     } else {
       syntax::Sub::Parameter value;
-      value.name = {"value", position};
+      value.name = {"value", opener.position};
       value.type = made.type;
       if (tokens_.accept(Symbol::open)) {
         value = parameter({});
         tokens_.expect(Symbol::close, "after the parameter of Set");
       }
-      accessor->parameters.push_back(std::move(value));
+      read.parameters.push_back(std::move(value));
     }
     tokens_.expectLineEnd(isGet ? "after Get" : "after Set");
-    accessor->body = body(made.name, {Keyword::endWord, isGet ? Keyword::getWord : Keyword::setWord});
-  }
+  });
+  read.body = statements_.body(opener, {Keyword::endWord, opener.word});
+  if (read.isRead || !accessor) accessor = std::move(read);
+  return true;
 }
 
 }  // namespace host

@@ -18,23 +18,26 @@ class DeclarationParser {
   bool declaredAfter(const syntax::Modifiers& modifiers, syntax::Members& into);
   syntax::Modifiers modifiers();
   bool opens(Keyword keyword) const;  // the word stands before a name
-  void members(const syntax::Name& owner, Keyword kind, syntax::Members& into);
-  void member(const std::string& where, syntax::Members& into);
-  void failForForeign() const;
+  void members(const Opener& opener, syntax::Members& into);
+  bool memberLine(Keyword owner, syntax::Members& into);
+  void member(Keyword owner, syntax::Members& into);
+  bool mayBeMember() const;
+  void failForForeign();
+  void skipTo(const std::string& end);
 
-  syntax::Sub sub(const syntax::Modifiers& modifiers);
-  syntax::Sub head(bool isFunction);  // after the word Sub or Function
-  syntax::Block body(const syntax::Name& name, BlockEnd end);
+  void sub(const syntax::Modifiers& modifiers, syntax::Members& into);
+  void head(syntax::Sub& sub, bool isFunction);  // after the word Sub or Function
   syntax::Sub::Parameter parameter(const std::vector<syntax::Sub::Parameter>& before);
-  syntax::Enum enumeration();
-  syntax::Sub delegate();
-  syntax::Module module();
-  syntax::Class ofClass();
+  void enumeration(syntax::Members& into);
+  void delegate(syntax::Members& into);
+  void module(syntax::Members& into);
+  void ofClass(syntax::Members& into);
   void inherits(syntax::Class& made);
-  syntax::Class interface();
+  void interface(syntax::Members& into);
   void properties(const syntax::Modifiers& modifiers, syntax::Members& into);
   bool atAccessor() const;
   void accessors(syntax::Property& computed);
+  bool accessor(syntax::Property& computed);
 
   TokenReader& tokens_;
   int& depth_;

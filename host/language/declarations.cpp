@@ -7,6 +7,7 @@
 
 #include "language/classes.h"
 #include "language/delegates.h"
+#include "language/endings.h"
 #include "language/signatures.h"
 #include "language/spelling.h"
 #include "language/statement_compiler.h"
@@ -15,7 +16,8 @@ namespace host {
 
 class Declarer::Work {
  public:
-  Work(ModuleNames& module, bool mayRedeclare) : module_(module), mayRedeclare_(mayRedeclare) {}
+  Work(ModuleNames& module, bool mayRedeclare, Problems& problems)
+      : module_(module), mayRedeclare_(mayRedeclare), problems_(problems) {}
 
   void declare(const syntax::Members& members) {
     enter(members, module_);
@@ -30,14 +32,16 @@ class Declarer::Work {
     for (const auto& [parsed, space] : members_) {
       if (!space->ofClass) declareSubs(*parsed, *space);
     }
-    for (const auto& [parsed, made] : classes_) implementAll(*made);
+    for (const auto& [parsed, made] : classes_) implementAll(*made, problems_);
   }
 
   void compileStart(std::vector<Type>& locals, Block& block) {
     for (const Start& each : starts_) {
       Names names(module_, locals, false, false, {each.space, false});
-      StatementCompiler statements(names, nullptr, false);
-      statements.startProperty(*each.group, each.global->type, globalPlace(*each.global), block);
+      StatementCompiler statements(names, nullptr, false, problems_);
+      problems_.attempt([&] {
+        statements.startProperty(*each.group, each.global->type, globalPlace(*each.global), block);
+      });
     }
   }
 
@@ -47,7 +51,10 @@ class Declarer::Work {
       Sub& sub = *each.sub;
       Names names(module_, sub.locals, false, false, {each.space, sub.hasSelf});
       for (const Parameter& parameter : sub.parameters) names.declareParameter(parameter, sub.position);
-      sub.body = StatementCompiler(names, &sub, false).counted(*each.statements);
+      sub.body = StatementCompiler(names, &sub, false, problems_).counted(each.parsed->body);
+      if (each.parsed->result && !endsAlways(each.parsed->body)) {
+        problems_.addWarning(sub.position, sub.name + " can end without Return");
+      }
     }
   }
 
@@ -59,7 +66,7 @@ class Declarer::Work {
   };
   struct Body {
     Sub* sub;
-    const syntax::Block* statements;
+    const syntax::Sub* parsed;
     const Declarations* space;
   };
 
@@ -67,27 +74,44 @@ class Declarer::Work {
   void enter(const syntax::Members& members, Declarations& space) {
     members_.emplace_back(&members, &space);
     for (const syntax::Module& each : members.modules) {
-      Declarations& inner = newSpace(each.name, space);
-      module_.modules.push_back(&inner);
-      enter(each.members, inner);
+      problems_.attempt([&] {
+        Declarations& inner = newSpace(each.name, space);
+        module_.modules.push_back(&inner);
+        enter(each.members, inner);
+      });
     }
     for (const syntax::Enum& each : members.enums) {
-      Declarations& inner = newSpace(each.name, space);
-      space.types[lowerCase(each.name.text)] = {Kind::Int64};
-      enums_.emplace_back(&each, &inner);
+      problems_.attempt([&] {
+        Declarations& inner = newSpace(each.name, space);
+        space.types[lowerCase(each.name.text)] = {Kind::Int64};
+        enums_.emplace_back(&each, &inner);
+      });
     }
     for (const syntax::Sub& each : members.delegates) {
-      OwnClass& made = newClass(each.name, space);
-      becomeDelegate(made);
-      delegates_.emplace_back(&each, &made);
+      problems_.attempt([&] {
+        OwnClass& made = newClass(each.name, space);
+        becomeDelegate(made);
+        delegates_.emplace_back(&each, &made);
+      });
     }
     for (const syntax::Class& each : members.classes) {
-      OwnClass& made = newClass(each.name, space);
-      made.isInterface = each.isInterface;
-      classes_.emplace_back(&each, &made);
-      parsed_[&made] = &each;
-      enter(each.members, made.declared);
+      problems_.attempt([&] {
+        OwnClass& made = newClass(each.name, space);
+        made.isInterface = each.isInterface;
+        classes_.emplace_back(&each, &made);
+        parsed_[&made] = &each;
+        enter(each.members, made.declared);
+      });
     }
+  }
+
+  // What is said of a class that is wrong would only follow from that.
+  void takeBack(OwnClass& made) {
+    made.isWrong = true;
+    auto& outer = const_cast<Declarations&>(*made.declared.outer);
+    outer.types.erase(lowerCase(made.name));
+    outer.spaces.erase(lowerCase(made.name));
+    problems_.expectUnknown(made.name);
   }
 
   void checkFree(const syntax::Name& name, const Declarations& space) {
@@ -125,39 +149,57 @@ class Declarer::Work {
   void declareEnum(const syntax::Enum& parsed, Declarations& space) {
     within(space, [&](Names& names) {  // a value may be computed from those before it
       Type type{Kind::Int64};
-      if (parsed.type) type = names.typeOf(*parsed.type);
-      if (!type.isInteger()) {
-        fail(parsed.type->position, "the values of an Enum are integers, not " + nameOf(type));
-      }
+      problems_.attempt([&] {
+        if (!parsed.type) return;
+        const Type found = names.typeOf(*parsed.type);
+        if (!found.isInteger()) {
+          fail(parsed.type->position, "the values of an Enum are integers, not " + nameOf(found));
+        }
+        type = found;
+      });
       const_cast<Declarations*>(space.outer)->types[lowerCase(parsed.name.text)] = type;
       Slot next = {};
       for (const syntax::Enum::Member& each : parsed.members) {
-        checkFree(each.name, space);
-        if (each.value) {
-          next =
-              ExpressionCompiler(names).constant(*each.value, type, "the value of " + each.name.text).first;
-        }
-        space.values[lowerCase(each.name.text)] = Constant{type, next, nullptr};
+        const bool fits = problems_.attempt([&] {
+          checkFree(each.name, space);
+          if (!each.value) return;
+          const std::string what = "the value of " + each.name.text;
+          next = ExpressionCompiler(names).constant(*each.value, type, what).first;
+        });
+        if (!fits) problems_.expectUnknown(each.name.text);
+        space.values[lowerCase(each.name.text)] = Constant{type, next, nullptr, each.name.text};
         ++next.word;
       }
     });
   }
 
   void resolve(const syntax::Class& parsed, OwnClass& made) {
-    within(*made.declared.outer, [&](Names& names) {
-      if (parsed.super) made.super = superOf(*parsed.super, names.typeOf(*parsed.super));
+    const bool isKnown = within(*made.declared.outer, [&](Names& names) {
+      bool fits = problems_.attempt([&] {
+        if (parsed.super) made.super = superOf(*parsed.super, names.typeOf(*parsed.super));
+      });
       for (const syntax::TypeName& each : parsed.interfaces) {
-        const Type type = names.typeOf(each);
-        if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isInterface) {
-          fail(each.position, "expected an interface, found " + nameOf(type));
-        }
-        made.interfaces.push_back(type.objectClass);
+        fits &= problems_.attempt([&] {
+          const Type type = names.typeOf(each);
+          if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isInterface) {
+            fail(each.position, "expected an interface, found " + nameOf(type));
+          }
+          made.interfaces.push_back(type.objectClass);
+        });
       }
+      return fits;
     });
-    for (const Class* each = made.super; each; each = each->super) {
-      if (each == &made) fail(parsed.name.position, made.name + " inherits from itself");
+    const bool ends = problems_.attempt([&] {
+      for (const Class* each = made.super; each; each = each->super) {
+        if (each == &made) fail(parsed.name.position, made.name + " inherits from itself");
+      }
+      if (made.isInterface) checkInterfaces(parsed, made, made, 0);
+    });
+    if (!ends) {
+      made.super = nullptr;
+      made.interfaces.clear();
     }
-    if (made.isInterface) checkInterfaces(parsed, made, made, 0);
+    if (!isKnown || !ends) takeBack(made);
   }
 
   // An interface must not be more than itself.
@@ -179,19 +221,29 @@ class Declarer::Work {
 
   void declareDelegate(const syntax::Sub& parsed, OwnClass& made) {
     within(*made.declared.outer, [&](Names& names) {
-      Sub& sub = newSub(module_, parsed, names);
+      const auto [sub, fits] = newSub(module_, parsed, names, problems_);
       made.signature = &newMethod(module_.allMethods, sub, parsed);
+      if (!fits) takeBack(made);
     });
+  }
+
+  // Where the declaration is wrong, its name is expected to be unknown.
+  template <typename Declare>
+  void attempt(const syntax::Name& name, Declare declareIt) {
+    if (!problems_.attempt(declareIt)) problems_.expectUnknown(name.text);
   }
 
   void declareConstants(const syntax::Members& members, Declarations& space) {
     if (members.constants.empty()) return;
     within(space, [&](Names& names) {
-      for (const auto& [modifiers, parsed] : members.constants) {
-        checkFree(parsed.name, space);
-        const std::string key = lowerCase(parsed.name.text);
-        space.values[key] = StatementCompiler(names, nullptr, false).constant(parsed);
-        if (modifiers.access != syntax::Access::everyone) space.access[key] = accessOf(modifiers);
+      for (const auto& each : members.constants) {
+        const syntax::Const& parsed = each.constant;
+        attempt(parsed.name, [&] {
+          checkFree(parsed.name, space);
+          const std::string key = lowerCase(parsed.name.text);
+          space.values[key] = StatementCompiler(names, nullptr, false, problems_).constant(parsed);
+          if (each.modifiers.access != syntax::Access::everyone) space.access[key] = accessOf(each.modifiers);
+        });
       }
     });
   }
@@ -199,9 +251,10 @@ class Declarer::Work {
   void declareVariable(const syntax::Property& parsed, Declarations& space) {
     checkFree(parsed.name, space);
     within(space, [&](Names& names) {
+      const Type type = names.typeOf(parsed.stored, parsed.stored.variables[0]);
       Global& global = module_.allGlobals.emplace_back();
       global.name = parsed.name.text;
-      global.type = names.typeOf(parsed.stored, parsed.stored.variables[0]);
+      global.type = type;
       const std::string key = lowerCase(parsed.name.text);
       space.values[key] = &global;
       if (parsed.modifiers.access != syntax::Access::everyone) space.access[key] = accessOf(parsed.modifiers);
@@ -211,32 +264,41 @@ class Declarer::Work {
 
   void declareVariables(const syntax::Members& members, Declarations& space) {
     for (const syntax::Property& each : members.properties) {
-      if (each.get || each.set) {
-        fail(each.name.position, "a computed property belongs into a class; use a Function here");
-      }
-      declareVariable(each, space);
+      attempt(each.name, [&] {
+        if (each.get || each.set) {
+          fail(each.name.position, "a computed property belongs into a class; use a Function here");
+        }
+        declareVariable(each, space);
+      });
     }
   }
 
   void declareSubs(const syntax::Members& members, Declarations& space) {
     for (const syntax::Sub& each : members.subs) {
       const std::string key = lowerCase(each.name.text);
-      std::vector<const Method*>& all = space.subs[key];
-      if (mayRedeclare_ && &space == &module_ && renewed_.insert(key).second) all.clear();
+      if (mayRedeclare_ && &space == &module_ && renewed_.insert(key).second) space.subs.erase(key);
       within(space, [&](Names& names) {
-        Sub& sub = newSub(module_, each, names);
-        Method& method = newMethod(module_.allMethods, sub, each);
-        for (const Method* other : all) {
-          if (sameParameters(*other, method)) {
-            fail(each.name.position, "there is another Sub or Function " + sub.name + " already");
-          }
-        }
-        all.push_back(&method);
-        if (each.modifiers.access != syntax::Access::everyone) space.access[key] = accessOf(each.modifiers);
-        bodies_.push_back({&sub, &each.body, &space});
+        const auto [sub, fits] = newSub(module_, each, names, problems_);
+        bodies_.push_back({&sub, &each, &space});
+        if (fits) declareSub(sub, each, space);
       });
-      pairAssigning(all, module_.allMethods);
     }
+  }
+
+  void declareSub(Sub& sub, const syntax::Sub& parsed, Declarations& space) {
+    const std::string key = lowerCase(sub.name);
+    std::vector<const Method*>& all = space.subs[key];
+    Method& method = newMethod(module_.allMethods, sub, parsed);
+    problems_.attempt([&] {
+      for (const Method* other : all) {
+        if (sameParameters(*other, method)) {
+          fail(sub.position, "there is another Sub or Function " + sub.name + " already");
+        }
+      }
+    });
+    all.push_back(&method);
+    if (parsed.modifiers.access != syntax::Access::everyone) space.access[key] = accessOf(parsed.modifiers);
+    pairAssigning(all, module_.allMethods);
   }
 
   // After the class above it, whose fields lie in front of its own.
@@ -249,24 +311,20 @@ class Declarer::Work {
     }
     const syntax::Class& parsed = *parsed_[&made];
     within(made.declared, [&](Names& names) {
-      ClassMembers members(module_, made, names);
+      ClassMembers members(module_, made, names, problems_);
       for (const syntax::Property& each : parsed.members.properties) {
         if (each.get || each.set) {
-          for (const auto& [sub, accessor] : members.addComputed(each)) {
-            bodies_.push_back({sub, &accessor->body, &made.declared});
-          }
-        } else if (each.modifiers.shared) {
-          declareVariable(each, made.declared);
-        } else {
+          members.addComputed(each);
+          continue;
+        }
+        attempt(each.name, [&] {
+          if (each.modifiers.shared) return declareVariable(each, made.declared);
           checkFree(each.name, made.declared);
           members.addField(each);
-        }
+        });
       }
-      for (const syntax::Sub& each : parsed.members.subs) {
-        Sub* sub = members.addMethod(each);
-        if (!made.isInterface) bodies_.push_back({sub, &each.body, &made.declared});
-      }
-      members.finish();
+      for (const syntax::Sub& each : parsed.members.subs) members.addMethod(each);
+      for (const auto& [sub, declared] : members.finish()) bodies_.push_back({sub, declared, &made.declared});
     });
   }
 
@@ -279,11 +337,13 @@ class Declarer::Work {
     sub.position = made.position;
     sub.hasSelf = true;
     Names names(module_, sub.locals, false, false, {&made.declared, true});
-    StatementCompiler statements(names, &sub, false);
+    StatementCompiler statements(names, &sub, false, problems_);
     for (const syntax::Property& each : parsed.members.properties) {
       const Property* property = findNamed(made.properties, each.name.text);
       if (!property || property->offset == 0) continue;
-      statements.startProperty(each.stored, property->type, field(*property, names.self()), block);
+      problems_.attempt([&] {
+        statements.startProperty(each.stored, property->type, field(*property, names.self()), block);
+      });
     }
     sub.body = std::move(block);
     if (!sub.body.statements.empty()) made.initial = &sub;
@@ -291,6 +351,7 @@ class Declarer::Work {
 
   ModuleNames& module_;
   bool mayRedeclare_;
+  Problems& problems_;
   std::vector<std::pair<const syntax::Members*, Declarations*>> members_;
   std::vector<std::pair<const syntax::Enum*, Declarations*>> enums_;
   std::vector<std::pair<const syntax::Sub*, OwnClass*>> delegates_;
@@ -303,8 +364,8 @@ class Declarer::Work {
   std::vector<Body> bodies_;
 };
 
-Declarer::Declarer(ModuleNames& module, bool mayRedeclare)
-    : work_(std::make_unique<Work>(module, mayRedeclare)) {}
+Declarer::Declarer(ModuleNames& module, bool mayRedeclare, Problems& problems)
+    : work_(std::make_unique<Work>(module, mayRedeclare, problems)) {}
 Declarer::~Declarer() = default;
 void Declarer::declare(const syntax::Members& members) { work_->declare(members); }
 void Declarer::compileStart(std::vector<Type>& locals, Block& block) { work_->compileStart(locals, block); }

@@ -10,12 +10,12 @@ namespace host {
 class Declarer {
  public:
   // `mayRedeclare`: what an earlier piece of the program has declared.
-  Declarer(ModuleNames& module, bool mayRedeclare);
+  Declarer(ModuleNames& module, bool mayRedeclare, Problems& problems);
   ~Declarer();
   Declarer(const Declarer&) = delete;
   Declarer& operator=(const Declarer&) = delete;
 
-  // All throw ProgramError.
+  // What is wrong goes to the problems, and the rest is declared and compiled.
 
   // Everything is known afterwards, but for the bodies. The tree has to stay until they are compiled.
   void declare(const syntax::Members& members);

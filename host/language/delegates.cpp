@@ -45,7 +45,7 @@ Expr newDelegate(const Class& made, const Method& method, Expr self) {
   return referenceNode({Kind::Object, false, &made},
                        [&made, &method, self = std::move(self)](Frame& f) -> Ref<Heap> {
                          Ref<Heap> object = self ? self->reference(f) : nullptr;
-                         if (self) notNil({.heap = object.get()});
+                         if (self) notNil({.heap = object.get()}, method.declaration.name);
                          Ref<Object> delegate = makeObject(made);
                          dataOf(*delegate) = {&method, object.detach()};
                          return delegate;

@@ -136,6 +136,8 @@ Exprs ExpressionCompiler::arguments(const Arguments* given) {
 
 // Operands and operators.
 
+Expr ExpressionCompiler::compileNode(const syntax::Unread&) { throw FollowsFromAnother({}); }
+
 Expr ExpressionCompiler::compileNode(const syntax::Literal& literal) {
   struct Maker {
     // A number beyond the signed range is unsigned.
@@ -168,6 +170,9 @@ Expr ExpressionCompiler::compileNode(const syntax::New& made) {
   if (objectClass.isInterface) fail(made.type.position, "an interface has no objects of its own");
   Exprs given = arguments(&made.arguments);
   if (objectClass.signature && given.size() == 1) return convertTo(std::move(given[0]), type, "the method");
+  for (const OwnClass* each = ownOf(&objectClass); each; each = ownOf(each->super)) {
+    if (each->isWrong || each->hasWrongConstructor) throw FollowsFromAnother(made.type.position);
+  }
   checkConstructor(objectClass, made.type);
   return newObject(objectClass, made.type.position, std::move(given));
 }
@@ -216,13 +221,13 @@ Expr ExpressionCompiler::compileNode(const syntax::Sequence& sequence) {
 // Names and members.
 
 Expr ExpressionCompiler::chain(const syntax::Chain& chain, bool asStatement) {
-  Links links(chain.links, asStatement);
+  Links links(chain.links, asStatement, chain.first.get());
   return linked(chain, links);
 }
 
 // The object whose method is named last.
 Expr ExpressionCompiler::allButLast(const syntax::Chain& chain) {
-  Links links(chain.links, false, 1);
+  Links links(chain.links, false, chain.first.get(), 1);
   return linked(chain, links);
 }
 
@@ -317,8 +322,12 @@ Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Link
   }
   std::vector<std::string> known;
   for (const Method& method : type.sharedMethods) known.push_back(method.declaration.name);
-  fail(name.position, "the class " + type.name + " has no shared member '" + name.text + "'" +
-                          suggestion(name.text, known) + absent(type.name));
+  for (const OwnClass* each = ownOf(&type); each; each = ownOf(each->super)) {
+    for (const auto& [key, value] : each->declared.values) known.push_back(nameOf(value));
+    for (const auto& [key, space] : each->declared.spaces) known.push_back(space->name);
+  }
+  for (const Property& shared : type.sharedProperties) known.push_back(shared.name);
+  failForMember(&type, name, "the class " + type.name + " has no shared member", known);
 }
 
 Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, Links& links) {
@@ -332,8 +341,15 @@ Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, 
     if (sameName(shared.name, name.text)) return property(shared, nullptr);
     known.push_back(shared.name);
   }
-  fail(name.position,
-       "the module " + module.name + " has no member '" + name.text + "'" + suggestion(name.text, known));
+  failForMember(nullptr, name, "the module " + module.name + " has no member", known);
+}
+
+void ExpressionCompiler::failForMember(const Class* type, const Name& name, const std::string& message,
+                                       const std::vector<std::string>& known) {
+  if (isWrong(type)) throw FollowsFromAnother(name.position);
+  throw WrongUse(
+      name.position, name.text,
+      message + " '" + name.text + "'" + suggestion(name.text, known) + (type ? absent(type->name) : ""));
 }
 
 Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
@@ -387,8 +403,9 @@ Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Na
   }
   if (const Property* found = type.findProperty(name.text)) {
     names_.checkAccess(found->access, found->owner, name);
-    return property(*found, std::move(object));
+    return property(*found, std::move(object), links.taken());
   }
+  const Callee callee{name.text, name.position, links.taken()};
   std::vector<const Method*> methods = allowed(type.findMethods(name.text), name);
   if (methods.empty()) {
     methods = allowed(type.findSharedMethods(name.text), name);
@@ -396,13 +413,7 @@ Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Na
   }
   if (methods.empty()) {
     if (Expr value = sharedValue(type, name)) return value;
-    std::vector<std::string> known;
-    for (const Class* each = &type; each; each = each->super) {
-      for (const Method& method : each->methods) known.push_back(method.declaration.name);
-      for (const Property& other : each->properties) known.push_back(other.name);
-    }
-    fail(name.position,
-         type.name + " has no member '" + name.text + "'" + suggestion(name.text, known) + absent(type.name));
+    failForMember(&type, name, type.name + " has no member", membersOf(type));
   }
   // An array that a method without parameters gives may be indexed at once.
   bool takesArguments = false;
@@ -416,7 +427,7 @@ Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Na
   const bool indexed =
       !takesArguments && hasElements && given && given->parenthesised && !given->values.empty();
   Exprs compiled = indexed ? Exprs() : arguments(links.takeArguments());
-  return callMethod(methods, calleeOf(name), std::move(object), std::move(compiled), links.resultUnused());
+  return callMethod(methods, callee, std::move(object), std::move(compiled), links.resultUnused());
 }
 
 // p.UInt64(8): what a Ptr points to, so many bytes on.

@@ -47,9 +47,13 @@ class ExpressionCompiler {
   bool isConstantOfSpace(const syntax::Chain& chain) const;
   Expr elements(Expr value, Position start, const syntax::Arguments& indices);
   Expr viewAs(const Class& type, const syntax::Name& name, const syntax::Arguments& arguments);
+  // That there is no such member, where that does not follow from something else that is wrong.
+  [[noreturn]] static void failForMember(const Class* type, const syntax::Name& name,
+                                         const std::string& message, const std::vector<std::string>& known);
   Expr pointerAccess(Expr pointer, const syntax::Name& name, Links& links);
   Exprs arguments(const syntax::Arguments* given);
 
+  [[noreturn]] Expr compileNode(const syntax::Unread& unread);
   Expr compileNode(const syntax::Literal& literal);
   Expr compileNode(const syntax::Name& name);
   Expr compileNode(const syntax::New& made);

@@ -6,8 +6,11 @@
 
 namespace host {
 
-Slot notNil(Slot object) {
-  if (!object.heap) throw HostException("NilObjectException", "A member of Nil is used.");
+Slot notNil(Slot object, const std::string& member) {
+  if (!object.heap) {
+    throw HostException("NilObjectException",
+                        "A member of Nil is used" + (member.empty() ? "." : ": " + member + "."));
+  }
   return object;
 }
 
@@ -37,19 +40,21 @@ struct OfSelf {
 // Of the one in a variable, which stays there while the field is read or written.
 struct OfVariable {
   std::size_t slot;
+  std::string member;  // as the program writes it
   template <typename Use>
   auto with(Frame& frame, Use use) const {
-    return use(*notNil(frame.locals[slot]).heap);
+    return use(*notNil(frame.locals[slot], member).heap);
   }
 };
 
 // Of one that is computed.
 struct OfValue {
   Expr object;
+  std::string member;
   template <typename Use>
   auto with(Frame& frame, Use use) const {
     const Ref<Heap> held = object->reference(frame);
-    return use(*notNil({.heap = held.get()}).heap);
+    return use(*notNil({.heap = held.get()}, member).heap);
   }
 };
 
@@ -107,10 +112,12 @@ Expr selfObject(Type type) {
   return self;
 }
 
-Expr field(const Property& property, Expr object) {
+Expr field(const Property& property, Expr object, const std::string& member) {
   if (object->isSelf) return std::make_unique<FieldPlace<OfSelf>>(property, OfSelf());
-  if (object->heldIn) return std::make_unique<FieldPlace<OfVariable>>(property, OfVariable{*object->heldIn});
-  return std::make_unique<FieldPlace<OfValue>>(property, OfValue{std::move(object)});
+  if (object->heldIn) {
+    return std::make_unique<FieldPlace<OfVariable>>(property, OfVariable{*object->heldIn, member});
+  }
+  return std::make_unique<FieldPlace<OfValue>>(property, OfValue{std::move(object), member});
 }
 
 }  // namespace host

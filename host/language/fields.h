@@ -10,8 +10,9 @@ namespace host {
 // The object whose method runs, which its caller holds.
 Expr selfObject(Type type);
 
-// A field of an object: a place.
-Expr field(const Property& property, Expr object);
+// A field of an object: a place. `member`: how the program writes it, for the message where the object is
+// Nil.
+Expr field(const Property& property, Expr object, const std::string& member = "");
 
 // The slot itself, and what is in it; a reference is owned by the caller, and given where it is stored.
 inline Slot& slotIn(Heap& object, const Property& property) {
@@ -20,7 +21,8 @@ inline Slot& slotIn(Heap& object, const Property& property) {
 Slot loadField(const Slot& slot, Type type);
 void storeField(Slot& slot, Type type, Slot owned);
 
-// The object whose member is used; throws the host's NilObjectException for Nil.
-Slot notNil(Slot object);
+// The object whose member is used; throws the host's NilObjectException for Nil, which names the member as
+// the program writes it, where that is known.
+Slot notNil(Slot object, const std::string& member = "");
 
 }  // namespace host

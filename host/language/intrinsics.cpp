@@ -4,7 +4,6 @@
 #include "language/arrays.h"
 #include "language/conditional.h"
 #include "language/conversions.h"
-#include "language/invocation.h"
 #include "runtime/registry.h"
 #include "runtime/variant.h"
 
@@ -45,7 +44,7 @@ Expr arrayOf(const Callee& callee, Exprs arguments) {
     type = each->type.isNumber() && type.isNumber() ? Type{Kind::Double} : Type{Kind::Variant};
   }
   for (Expr& each : arguments) each = convertTo(std::move(each), type, "an element");
-  return listOf(type, std::move(arguments));
+  return std::make_unique<ArrayOfElements>(type, std::move(arguments));
 }
 
 constexpr std::size_t anyCount = 1000000;

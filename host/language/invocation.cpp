@@ -5,7 +5,6 @@
 #include <cstring>
 
 #include "language/widen.h"
-#include "runtime/array.h"
 #include "runtime/object.h"
 
 namespace host {
@@ -87,14 +86,17 @@ namespace {
 // A call of a method. It can be assigned to where the method has a setter, which takes one more argument.
 class MethodCall {
  public:
-  MethodCall(const Method& method, Expr self, std::vector<Passed> arguments)
-      : method_(method), self_(std::move(self)), arguments_(std::move(arguments)) {
+  MethodCall(const Method& method, Expr self, std::vector<Passed> arguments, std::string member = "")
+      : method_(method),
+        self_(std::move(self)),
+        arguments_(std::move(arguments)),
+        member_(std::move(member)) {
     if (self_ && self_->heldIn && (self_->isSelf || changeNothing(arguments_))) stays_ = self_->heldIn;
   }
 
   Slot run(Frame& frame, Heap* self) const { return callNow(method_, self, arguments_, frame); }
   Slot run(Frame& frame) const {
-    if (stays_) return run(frame, notNil(frame.locals[*stays_]).heap);
+    if (stays_) return run(frame, notNil(frame.locals[*stays_], member_).heap);
     return run(frame, object(frame).get());
   }
   void put(Frame& frame, Slot owned) const {
@@ -120,7 +122,7 @@ class MethodCall {
   Ref<Heap> object(Frame& frame) const {
     if (!self_) return nullptr;
     Ref<Heap> object = self_->reference(frame);
-    notNil({.heap = object.get()});
+    notNil({.heap = object.get()}, member_);
     return object;
   }
 
@@ -135,6 +137,7 @@ class MethodCall {
   const Method& method_;
   Expr self_;
   std::vector<Passed> arguments_;
+  std::string member_;                // as the program writes it
   std::optional<std::size_t> stays_;  // the slot that holds the object for as long as the call takes
 };
 
@@ -154,20 +157,9 @@ class MethodPlace final : public Place {
 
 }  // namespace
 
-Expr listOf(Type element, Exprs values) {
-  return referenceNode(element.arrayOf(), [values = std::move(values), element](Frame& f) -> Ref<Heap> {
-    Ref<Array> array = makeArray(element, 0);
-    for (const Expr& value : values) {
-      const Held held(*value, f);
-      array->append(held.slot);
-    }
-    return array;
-  });
-}
-
-Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments) {
+Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std::string member) {
   const Type result = method.declaration.result;
-  MethodCall call(method, std::move(self), std::move(arguments));
+  MethodCall call(method, std::move(self), std::move(arguments), std::move(member));
   if (method.setter) return std::make_unique<MethodPlace>(result, std::move(call));
   return slotNode(result, [call = std::move(call)](Frame& f) { return call.run(f); });
 }

@@ -15,12 +15,10 @@ struct Passed {
   bool byRef = false;
 };
 
-// A new array of the values, which are of the element type.
-Expr listOf(Type element, Exprs values);
-
 // Of a method, a shared method or a function; `self` is null for the latter two. A method that can be
 // assigned to gives a place.
-Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments);
+// `member`: how the program writes it, for the message where self is Nil.
+Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std::string member = "");
 // Of a Sub or Function of the program, which stays where it is.
 Expr invoke(const Sub& sub, std::vector<Passed> arguments);
 // The reading of what can be assigned to alone: throws a HostException.

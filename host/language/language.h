@@ -6,8 +6,11 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "language/documentation.h"
 #include "language/problem.h"
+#include "language/source.h"
 #include "language/spelling.h"
 
 namespace host {
@@ -23,10 +26,17 @@ class Program {
   Program(const std::string& file, std::string_view text, std::optional<std::int64_t> steps = {});
   ~Program();
   void run() const;  // throws HostException, ProgramEnd
+  const std::vector<Problem>& warnings() const;
 
  private:
   struct Parts;
   std::unique_ptr<Parts> parts_;
+};
+
+// How a line's last name may go on.
+struct Completions {
+  std::size_t typed = 0;  // how much of the name is there
+  std::vector<std::string> names;
 };
 
 // A program that is entered piece by piece: each knows what the earlier ones declared, and prints an
@@ -36,8 +46,13 @@ class Session {
   explicit Session(const std::string& file);
   ~Session();
   // Throws ProgramError before anything of the piece runs (its atEnd: more text may complete it),
-  // HostException.
+  // HostException, ProgramEnd.
   void run(std::string_view piece);
+  const std::vector<Problem>& warnings() const;  // of the last piece
+  void stop() noexcept;  // ends what runs, with OutOfSteps; a signal's handler may call it
+
+  bool knows(std::string_view name) const;  // whether something was declared so
+  Completions completions(std::string_view line) const;
 
  private:
   struct Parts;
@@ -45,6 +60,7 @@ class Session {
 };
 
 // The interactive mode: reads standard input to its end, with line editing and a history on a terminal.
-void repl();
+// Whether nothing was wrong.
+bool repl();
 
 }  // namespace host

@@ -1,13 +1,14 @@
 // The words and symbols of the language, and how a text falls into them.
 #include "language/lexer.h"
 
+#include <algorithm>
 #include <cctype>
 #include <charconv>
 #include <cstdlib>
 #include <iterator>
 
 #include "language/absent_words.h"
-#include "runtime/class.h"
+#include "runtime/registry.h"
 
 namespace host {
 
@@ -127,13 +128,65 @@ Keyword keywordSpelled(std::string_view word) {
   return Keyword::none;
 }
 
+// What other languages, and programs that set text for print, write for something of this one. The longer
+// ones come first.
+constexpr struct {
+  std::string_view found, meant;
+  Symbol symbol;  // that it is read as, so that the rest of the line makes sense
+} mistaken[] = {
+    {"==", "=", Symbol::equal},
+    {"!=", "<>", Symbol::unequal},
+    {"**", "^", Symbol::caret},
+    {"&&", "And", Symbol::times},
+    {"||", "Or", Symbol::times},
+    {"[", "(", Symbol::open},
+    {"]", ")", Symbol::close},
+    {"!", "Not", Symbol::none},
+    {"%", "Mod", Symbol::times},
+    {"\u2212", "-", Symbol::minus},
+    {"\u2013", "-", Symbol::minus},
+    {"\u00D7", "*", Symbol::times},
+    {"\u00F7", "/", Symbol::divide},
+    {"\u2264", "<=", Symbol::lessOrEqual},
+    {"\u2265", ">=", Symbol::greaterOrEqual},
+    {"\u2260", "<>", Symbol::unequal},
+};
+
+// Blanks, among them those of text that was set for print.
+constexpr std::string_view blanks[] = {" ",      "\t",     "\r",     "\u00A0", "\u2007",
+                                       "\u2009", "\u200B", "\u202F", "\u3000", "\uFEFF"};
+constexpr std::string_view doubleQuotes[] = {"\u201C", "\u201D", "\u201E", "\u201F"};
+constexpr std::string_view singleQuotes[] = {"\u2018", "\u2019"};
+
+// Words that are two in this language.
+constexpr struct {
+  std::string_view spelling;
+  Keyword second;
+} joinedEnds[] = {{"EndIf", Keyword::ifWord},       {"EndSelect", Keyword::selectWord},
+                  {"EndSub", Keyword::subWord},     {"EndTry", Keyword::tryWord},
+                  {"EndWhile", Keyword::whileWord}, {"EndFunction", Keyword::functionWord}};
+
+// A class that holds numbers of any length, where there is one: it converts from a text.
+std::string suggestionForBigNumber(const std::string& digits) {
+  for (const Class& each : registry().classes) {
+    if (!each.fromLibrary) continue;
+    for (const Method* method : each.findMethods("Operator_Convert")) {
+      const std::vector<Parameter>& parameters = method->declaration.parameters;
+      if (parameters.size() == 1 && parameters[0].type == Type{Kind::String}) {
+        return "; a class such as " + each.name + " takes it as a text: \"" + digits + "\"";
+      }
+    }
+  }
+  return "";
+}
+
 bool isWordStart(char c) { return std::isalpha(static_cast<unsigned char>(c)) || c == '_' || (c & 0x80); }
 bool isWordPart(char c) { return isWordStart(c) || std::isdigit(static_cast<unsigned char>(c)); }
 bool isDigit(char c) { return std::isdigit(static_cast<unsigned char>(c)) != 0; }
 
 class Lexer {
  public:
-  explicit Lexer(std::string_view text) : text_(text) {
+  Lexer(std::string_view text, Problems& problems) : text_(text), problems_(problems) {
     if (text_.starts_with("\xEF\xBB\xBF")) at_ = 3;
   }
 
@@ -147,6 +200,30 @@ class Lexer {
  private:
   char peek(std::size_t ahead = 0) const { return at_ + ahead < text_.size() ? text_[at_ + ahead] : '\0'; }
   Position here() const { return {line_, static_cast<int>(at_ - lineStart_) + 1}; }
+
+  // Says what is wrong, and goes on: what follows may make sense.
+  void wrong(Position position, const std::string& message, bool endsTooEarly = false) {
+    problems_.add(ProgramError(position, message, endsTooEarly));
+  }
+  template <typename Spellings>
+  std::size_t lengthOfOne(const Spellings& spellings) const {  // of those that may stand here; 0: none does
+    for (const std::string_view each : spellings) {
+      if (text_.substr(at_, each.size()) == each) return each.size();
+    }
+    return 0;
+  }
+  bool atWordPart() const {
+    const char c = peek();
+    if (!(c & 0x80)) return isWordPart(c);
+    if (lengthOfOne(blanks) || lengthOfOne(doubleQuotes) || lengthOfOne(singleQuotes)) return false;
+    for (const auto& each : mistaken) {
+      if (text_.substr(at_, each.found.size()) == each.found) return false;
+    }
+    return true;
+  }
+  void skipBlanks() {
+    while (const std::size_t length = lengthOfOne(blanks)) at_ += length;
+  }
 
   void add(TokenKind kind, std::string text) { tokens_.push_back({kind, std::move(text), here()}); }
   void add(Symbol symbol) {
@@ -170,8 +247,11 @@ class Lexer {
       endLine();
       ++at_;
       startLine();
-    } else if (c == ' ' || c == '\t' || c == '\r') {
-      ++at_;
+    } else if (const std::size_t blank = lengthOfOne(blanks)) {
+      at_ += blank;
+    } else if (lengthOfOne(singleQuotes)) {
+      problems_.addWarning(here(), "a comment starts with a straight '");
+      skipComment();
     } else if (c == '\'' || (c == '/' && peek(1) == '/')) {
       skipComment();
     } else if (c == ':') {
@@ -179,13 +259,13 @@ class Lexer {
       ++at_;
     } else if (c == '_' && !isWordPart(peek(1))) {
       joinLines();
-    } else if (isWordStart(c)) {
+    } else if (isWordStart(c) && atWordPart()) {
       word();
     } else if (isDigit(c) || (c == '.' && isDigit(peek(1)))) {
       number();
     } else if (c == '&' && std::string_view("hHbBoO").find(peek(1)) != std::string_view::npos) {
       prefixedNumber();
-    } else if (c == '"') {
+    } else if (c == '"' || lengthOfOne(doubleQuotes)) {
       quoted();
     } else {
       symbol();
@@ -195,19 +275,30 @@ class Lexer {
   void joinLines() {
     const Position start = here();
     ++at_;
-    while (peek() == ' ' || peek() == '\t' || peek() == '\r') ++at_;
-    if (peek() == '\'') skipComment();
-    if (peek() != '\n') fail(start, "expected the end of the line after the continuation mark _");
-    ++at_;
+    skipBlanks();
+    if (peek() == '\'' || text_.substr(at_).starts_with("//")) skipComment();
+    if (peek() != '\n' && at_ < text_.size()) {
+      return wrong(start, "expected the end of the line after the continuation mark _");
+    }
+    if (at_ < text_.size()) ++at_;
     startLine();
+    if (at_ == text_.size()) wrong(here(), "nothing follows the continuation mark _", true);
   }
 
   void word() {
     const std::size_t start = at_;
     const Position position = here();
-    while (isWordPart(peek())) ++at_;
+    while (atWordPart()) ++at_;
     const std::string_view word = text_.substr(start, at_ - start);
     if (sameName(word, "Rem")) return skipComment();
+    if (tokens_.empty() || tokens_.back().kind == TokenKind::endOfLine) {
+      for (const auto& each : joinedEnds) {
+        if (!sameName(each.spelling, word)) continue;
+        tokens_.push_back({TokenKind::word, std::string(word.substr(0, 3)), position, Keyword::endWord});
+        tokens_.push_back({TokenKind::word, std::string(word.substr(3)), position, each.second});
+        return;
+      }
+    }
     tokens_.push_back({TokenKind::word, std::string(word), position, keywordSpelled(word)});
   }
 
@@ -226,12 +317,17 @@ class Lexer {
       at_ += sign;
       while (isDigit(peek())) ++at_;
     }
-    if (isWordStart(peek())) fail(token.position, "a number is followed by a letter");
     token.text = text_.substr(start, at_ - start);
+    if (isWordStart(peek()) && atWordPart()) {
+      wrong(token.position, "a number is followed by a letter");
+      while (atWordPart()) ++at_;
+    }
     if (token.kind == TokenKind::integer) {
       const auto parsed =
           std::from_chars(token.text.data(), token.text.data() + token.text.size(), token.integer);
-      if (parsed.ec != std::errc()) fail(token.position, token.text + " is too big for an integer");
+      if (parsed.ec != std::errc()) {
+        wrong(token.position, token.text + " is too big for an integer" + suggestionForBigNumber(token.text));
+      }
     } else {
       token.real = std::strtod(token.text.c_str(), nullptr);
     }
@@ -244,43 +340,75 @@ class Lexer {
     const std::size_t start = at_;
     Token token{TokenKind::integer, "", here()};
     at_ += 2;
-    while (isWordPart(peek())) ++at_;
+    while (atWordPart()) ++at_;
     token.text = text_.substr(start, at_ - start);
     const char* end = token.text.data() + token.text.size();
     const auto parsed = std::from_chars(token.text.data() + 2, end, token.integer, base);
     if (parsed.ec == std::errc::result_out_of_range) {
-      fail(token.position, token.text + " is too big for an integer");
-    }
-    if (parsed.ec != std::errc() || parsed.ptr != end) {
-      fail(token.position, token.text + " is not a number of base " + std::to_string(base));
+      wrong(token.position, token.text + " is too big for an integer");
+    } else if (parsed.ec != std::errc() || parsed.ptr != end) {
+      // Few begin a number where a value has just ended.
+      const bool joins =
+          !tokens_.empty() &&
+          (tokens_.back().kind == TokenKind::text ||
+           (tokens_.back().kind == TokenKind::word && tokens_.back().keyword == Keyword::none));
+      wrong(token.position, token.text + " is not a number of base " + std::to_string(base) +
+                                (joins ? "; texts are joined with '+'" : ""));
     }
     tokens_.push_back(std::move(token));
   }
 
   void quoted() {
     Token token{TokenKind::text, "", here()};
-    for (++at_;; ++at_) {
-      if (peek() == '\n' || at_ >= text_.size()) fail(token.position, "the text is not closed by a quote");
-      if (peek() == '"') {
-        ++at_;
-        if (peek() != '"') break;
+    const std::size_t curly = lengthOfOne(doubleQuotes);
+    if (curly) problems_.addWarning(token.position, "a text stands in straight quotes: \"");
+    const auto quote = [&]() -> std::size_t {
+      return peek() == '"' ? 1 : curly ? lengthOfOne(doubleQuotes) : 0;
+    };
+    for (at_ += curly ? curly : 1;; ++at_) {
+      if (peek() == '\n' || at_ >= text_.size()) {
+        wrong(token.position, "the text is not closed by a quote");
+        break;
+      }
+      if (const std::size_t length = quote()) {
+        at_ += length;
+        if (peek() != '"' || curly) break;
       }
       token.text += peek();
     }
     tokens_.push_back(std::move(token));
   }
 
+  bool restOfLineIsBlank(std::size_t from) const {
+    const std::size_t end = std::min(text_.find('\n', from), text_.size());
+    return text_.substr(from, end - from).find_first_not_of(" \t\r") == std::string_view::npos;
+  }
+
   void symbol() {
+    if ((peek() == '+' || peek() == '-') && peek(1) == peek() && restOfLineIsBlank(at_ + 2)) {
+      wrong(here(), std::string("there is no '") + peek() + peek() + "'; write '" + peek() + "= 1'");
+      at_ += 2;
+      return;
+    }
+    for (const auto& each : mistaken) {
+      if (!text_.substr(at_).starts_with(each.found)) continue;
+      wrong(here(), "there is no '" + std::string(each.found) + "'; write '" + std::string(each.meant) + "'");
+      if (each.symbol != Symbol::none) add(each.symbol);
+      at_ += each.found.size();
+      return;
+    }
     for (const auto& each : symbols) {
       if (!text_.substr(at_).starts_with(each.spelling)) continue;
       add(each.symbol);
       at_ += each.spelling.size();
       return;
     }
-    fail(here(), std::string("unexpected character '") + peek() + "'" + absentDirective(text_.substr(at_)));
+    wrong(here(), std::string("unexpected character '") + peek() + "'" + absentDirective(text_.substr(at_)));
+    ++at_;
   }
 
   std::string_view text_;
+  Problems& problems_;
   std::size_t at_ = 0, lineStart_ = 0;
   int line_ = 1;
   std::vector<Token> tokens_;
@@ -296,6 +424,6 @@ const char* spellingOf(Symbol symbol) {
   return symbols[static_cast<std::size_t>(symbol) - 1].spelling.data();
 }
 
-std::vector<Token> tokenize(std::string_view text) { return Lexer(text).run(); }
+std::vector<Token> tokenize(std::string_view text, Problems& problems) { return Lexer(text, problems).run(); }
 
 }  // namespace host

@@ -126,8 +126,8 @@ struct Token {
   double real = 0;
 };
 
-// Throws ProgramError. Lines joined by a trailing underscore make one; a colon ends a statement as a line's
-// end does.
-std::vector<Token> tokenize(std::string_view text);
+// What is no token is left out, or read as what it may have meant. Lines joined by a trailing underscore make
+// one; a colon ends a statement as a line's end does.
+std::vector<Token> tokenize(std::string_view text, Problems& problems);
 
 }  // namespace host

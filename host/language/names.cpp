@@ -32,7 +32,7 @@ Type typeAs(const syntax::TypeName& name, Type type) {
 
 [[noreturn]] void failForType(const syntax::TypeName& name, std::vector<std::string> known) {
   if (const std::string advice = absent(name.text); !advice.empty()) {
-    fail(name.position, "unknown type '" + name.text + "'" + advice);
+    throw UnknownName(name.position, name.text, "unknown type '" + name.text + "'" + advice);
   }
   for (const char* each :
        {"Integer", "Int8", "Int16", "Int32", "Int64", "UInt8", "UInt16", "UInt32", "UInt64", "Single",
@@ -40,7 +40,8 @@ Type typeAs(const syntax::TypeName& name, Type type) {
     known.push_back(each);
   }
   for (const Class& each : registry().classes) known.push_back(each.name);
-  fail(name.position, "unknown type '" + name.text + "'" + suggestion(name.text, known));
+  throw UnknownName(name.position, name.text,
+                    "unknown type '" + name.text + "'" + suggestion(name.text, known));
 }
 
 // Of the innermost place that has it, and of those around it.
@@ -99,6 +100,33 @@ ModuleNames::~ModuleNames() {
   outlived().push_back(std::move(allClasses));
 }
 
+const OwnClass* ownOf(const Class* objectClass) {
+  return objectClass && objectClass->isOwn ? static_cast<const OwnClass*>(objectClass) : nullptr;
+}
+
+std::vector<std::string> membersOf(const Class& type) {
+  std::vector<std::string> names;
+  for (const Class* each = &type; each; each = each->super) {
+    for (const Method& method : each->methods) {
+      if (!method.assigns) names.push_back(method.declaration.name);
+    }
+    for (const Property& property : each->properties) names.push_back(property.name);
+  }
+  return names;
+}
+
+std::string nameOf(const std::variant<Global*, Constant>& value) {
+  const auto* global = std::get_if<Global*>(&value);
+  return global ? (*global)->name : std::get<Constant>(value).name;
+}
+
+bool isWrong(const Class* objectClass) {
+  for (const OwnClass* each = ownOf(objectClass); each; each = ownOf(each->super)) {
+    if (each->isWrong) return true;
+  }
+  return false;
+}
+
 void Names::checkFree(const syntax::Name& name) const {
   const std::string key = lowerCase(name.text);
   if (blocks_.back().contains(key) || (isModuleScope() && !mayRedeclare_ && module_.values.contains(key))) {
@@ -145,6 +173,7 @@ void Names::declareParameter(const Parameter& parameter, Position position) {
 void Names::declareConstant(const syntax::Name& name, Constant constant) {
   checkFree(name);
   const std::string key = lowerCase(name.text);
+  constant.name = name.text;
   if (isModuleScope()) {
     module_.values[key] = std::move(constant);
   } else {
@@ -336,23 +365,19 @@ std::vector<const Method*> Names::unchanging(const std::vector<const Method*>& m
 
 void Names::failUnknown(const syntax::Name& name) const {
   if (const std::string advice = absent(name.text); !advice.empty()) {
-    fail(name.position, "unknown name '" + name.text + "'" + advice);
+    throw UnknownName(name.position, name.text, "unknown name '" + name.text + "'" + advice);
   }
   std::vector<std::string> known;
   for (const Block& block : blocks_) {
     for (const auto& [key, local] : block) known.push_back(key);
   }
   if (const Class* own = ownClass()) {
-    for (const Class* each = own; each; each = each->super) {
-      for (const Method& method : each->methods) known.push_back(method.declaration.name);
-      for (const Property& property : each->properties) known.push_back(property.name);
-    }
+    if (isWrong(own)) throw FollowsFromAnother(name.position);
+    for (std::string& each : membersOf(*own)) known.push_back(std::move(each));
   }
   eachSpace([&](const Declarations& space) {
     for (const auto& [key, value] : space.values) {
-      if (!seesIn(space, key)) continue;
-      const auto* global = std::get_if<Global*>(&value);
-      known.push_back(global ? (*global)->name : key);
+      if (seesIn(space, key)) known.push_back(nameOf(value));
     }
     for (const auto& [key, subs] : space.subs) {
       if (seesIn(space, key)) known.push_back(subs[0]->declaration.name);
@@ -366,7 +391,8 @@ void Names::failUnknown(const syntax::Name& name) const {
     for (const Property& property : module.properties) known.push_back(property.name);
   }
   for (const Method& function : registry().functions) known.push_back(function.declaration.name);
-  fail(name.position, "unknown name '" + name.text + "'" + suggestion(name.text, known));
+  throw UnknownName(name.position, name.text,
+                    "unknown name '" + name.text + "'" + suggestion(name.text, known));
 }
 
 }  // namespace host

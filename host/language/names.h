@@ -18,6 +18,7 @@ struct Constant {
   Type type;
   Slot slot = {};
   Ref<Heap> keep;  // of a text
+  std::string name = {};
 };
 
 // What is declared in one place: the program, a module, a class (but for what its objects have), an
@@ -44,7 +45,16 @@ struct OwnClass : Class {
   std::deque<Method> accessors;  // of its computed properties
   Sub* initial = nullptr;        // gives the fields of a new object their values
   std::optional<Method> destruction;
+  bool isWrong = false;              // what it inherits or implements is unknown
+  bool hasWrongConstructor = false;  // one at least
 };
+
+// Null for a class that a library or the host has registered.
+const OwnClass* ownOf(const Class* objectClass);
+std::vector<std::string> membersOf(const Class& type);  // their names, those of the classes above as well
+std::string nameOf(const std::variant<Global*, Constant>& value);
+// What a class lacks is not worth saying where it, or one above it, is wrong.
+bool isWrong(const Class* objectClass);
 
 // What a program has at module level. Grows in the interactive mode, where every input is one more piece of
 // the same program and may declare a name anew; what earlier pieces use stays.
@@ -57,6 +67,7 @@ struct ModuleNames : Declarations {
   std::deque<Declarations> allSpaces;
   std::deque<OwnClass> allClasses;
   std::unique_ptr<StepsLeft> stepsLeft;  // null: no limit
+  std::vector<Problem> warnings;         // of what was compiled last
 
   ModuleNames() = default;
   ~ModuleNames();

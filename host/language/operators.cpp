@@ -40,6 +40,11 @@ void OperatorMember::consider(const Expression& self, const Expression& other, c
 
 Expr OperatorMember::call(Expr& left, Expr& right) const {
   Exprs arguments;
+  const Expression& other = reflected ? *left : *right;
+  if (other.type.isFloating() && !other.isLiteral && method->declaration.parameters[0].type.isInteger()) {
+    warn(other.position,
+         "the " + nameOf(other.type) + " loses its decimals: expected is " + method->declaration.text);
+  }
   arguments.push_back(std::move(reflected ? left : right));
   return callExactly(*method, std::move(reflected ? right : left), std::move(arguments));
 }

@@ -16,10 +16,6 @@ namespace {
 
 bool isSelfWord(const std::string& word) { return sameName(word, "Self") || sameName(word, "Me"); }
 
-const OwnClass* ownOf(const Class* objectClass) {
-  return objectClass && objectClass->isOwn ? static_cast<const OwnClass*>(objectClass) : nullptr;
-}
-
 }  // namespace
 
 Expr ExpressionCompiler::ownName(const Name& name, Links& links) {
@@ -63,6 +59,7 @@ Expr ExpressionCompiler::memberOfSelf(const Name& name, Links& links) {
 Expr ExpressionCompiler::memberOfSuper(const Name& name, Links& links) {
   const Class* above = names_.ownClass()->super;
   const Name* member = links.takeName();
+  if (isWrong(names_.ownClass())) throw FollowsFromAnother(name.position);
   if (!above) fail(name.position, "there is no class above " + names_.ownClass()->name);
   if (!member) fail(name.position, "expected a member after Super, such as Super.Constructor");
   if (const Property* found = above->findProperty(member->text)) {
@@ -79,7 +76,7 @@ Expr ExpressionCompiler::memberOfSuper(const Name& name, Links& links) {
     if (sameName(member->text, "Constructor") && given.empty()) {
       return integerNode(Type{}, [](Frame&) { return 0; });
     }
-    fail(member->position, above->name + " has no member '" + member->text + "'");
+    failForMember(above, *member, above->name + " has no member", membersOf(*above));
   }
   return callMethod(names_.unchanging(methods), {member->text, member->position}, names_.self(),
                     std::move(given), links.resultUnused());
@@ -111,9 +108,10 @@ Expr ExpressionCompiler::memberOfSpace(const Declarations& space, const Name& na
   if (const auto inner = space.spaces.find(key); inner != space.spaces.end()) {
     return nameOfSpace(*inner->second, name, links);
   }
-  for (const auto& [each, value] : space.values) known.push_back(each);
+  for (const auto& [each, value] : space.values) known.push_back(nameOf(value));
   for (const auto& [each, subs] : space.subs) known.push_back(subs[0]->declaration.name);
-  fail(name.position, space.name + " has no member '" + name.text + "'" + suggestion(name.text, known));
+  for (const auto& [each, inner] : space.spaces) known.push_back(inner->name);
+  failForMember(nullptr, name, space.name + " has no member", known);
 }
 
 // A shared variable or a constant of a class, or of one above it.
@@ -200,7 +198,7 @@ Expr ExpressionCompiler::compileNode(const syntax::AddressOf& taken) {
     }
   }
   methods = allowed(std::move(methods), *name);
-  if (methods.empty()) fail(name->position, "there is no Sub " + name->text);
+  if (methods.empty()) throw WrongUse(name->position, name->text, "there is no Sub " + name->text);
   return std::make_unique<MethodReference>(std::move(methods), std::move(self));
 }
 

@@ -11,14 +11,14 @@ using namespace syntax;
 
 class Parser {
  public:
-  Parser(std::string_view text, bool interactive)
-      : tokens_(text), statements_(tokens_, depth_, expressions_, interactive) {}
+  Parser(std::string_view text, bool interactive, Problems& problems)
+      : tokens_(text, problems), statements_(tokens_, depth_, expressions_, interactive) {}
 
   Program program() {
     Program program;
     const Nesting nesting(depth_, tokens_);
     while (tokens_.skipLineEnds(), tokens_.peek().kind != TokenKind::endOfText) {
-      if (!declarations_.declared(program.declared)) program.main.push_back(statements_.line());
+      if (!declarations_.declared(program.declared)) statements_.lineInto(program.main);
     }
     return program;
   }
@@ -33,6 +33,8 @@ class Parser {
 
 }  // namespace
 
-Program parse(std::string_view text, bool interactive) { return Parser(text, interactive).program(); }
+Program parse(std::string_view text, bool interactive, Problems& problems) {
+  return Parser(text, interactive, problems).program();
+}
 
 }  // namespace host

@@ -7,8 +7,8 @@
 
 namespace host {
 
-// Throws ProgramError. Interactively a minus after a name subtracts; elsewhere it starts the argument of a
-// call.
-syntax::Program parse(std::string_view text, bool interactive = false);
+// What cannot be read is left out. Interactively a minus after a name subtracts; elsewhere it starts the
+// argument of a call.
+syntax::Program parse(std::string_view text, bool interactive, Problems& problems);
 
 }  // namespace host

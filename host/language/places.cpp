@@ -84,14 +84,14 @@ std::unique_ptr<Place> byRefPlace(Type type, std::size_t slot) {
 }
 std::unique_ptr<Place> globalPlace(Global& global) { return std::make_unique<GlobalPlace>(global); }
 
-Expr property(const Property& property, Expr self) {
-  if (property.offset != 0) return field(property, std::move(self));
-  if (property.get) return invoke(*property.get, std::move(self), {});
+Expr property(const Property& property, Expr self, const std::string& member) {
+  if (property.offset != 0) return field(property, std::move(self), member);
+  if (property.get) return invoke(*property.get, std::move(self), {}, member);
   const Type type = property.type;
   const Property* record = &property;
   if (property.field) {
-    const auto locate = [record](const Slot& object) {
-      Heap* held = notNil(object).heap;
+    const auto locate = [record, member](const Slot& object) {
+      Heap* held = notNil(object, member).heap;
       return reinterpret_cast<std::byte*>(held) + record->owner->dataOffset + record->parameter;
     };
     return operandPlace<1>(
@@ -107,8 +107,8 @@ Expr property(const Property& property, Expr self) {
       record->setter(arguments);
     });
   }
-  const auto get = [record](const Slot* object) {
-    const Slot arguments[] = {notNil(*object), {.integer = record->parameter}};
+  const auto get = [record, member](const Slot* object) {
+    const Slot arguments[] = {notNil(*object, member), {.integer = record->parameter}};
     return record->getter(arguments);
   };
   if (!property.setter) {
@@ -117,8 +117,8 @@ Expr property(const Property& property, Expr self) {
       return get(&held.slot);
     });
   }
-  return operandPlace<1>(type, {std::move(self)}, get, [record](const Slot* object, Slot value) {
-    const Slot arguments[] = {notNil(*object), {.integer = record->parameter}, value};
+  return operandPlace<1>(type, {std::move(self)}, get, [record, member](const Slot* object, Slot value) {
+    const Slot arguments[] = {notNil(*object, member), {.integer = record->parameter}, value};
     record->setter(arguments);
   });
 }

@@ -15,8 +15,9 @@ std::unique_ptr<Place> byRefPlace(Type type, std::size_t slot);
 std::unique_ptr<Place> globalPlace(Global& global);
 
 // Of an object, or where `self` is null a shared one; a place where it can be assigned to. Throws
-// ProgramError where it cannot be read.
-Expr property(const Property& property, Expr self);
+// ProgramError where it cannot be read. `member`: how the program writes it, for the message where self is
+// Nil.
+Expr property(const Property& property, Expr self, const std::string& member = "");
 
 // What a Ptr points to, so many bytes on.
 Expr pointedTo(Type type, Expr pointer, Expr offset);

@@ -31,6 +31,7 @@ void declareParameter(Sub& sub, const syntax::Sub::Parameter& each, const Names&
       fail(sub.position, "two parameters of " + sub.name + " are called " + each.name.text);
     }
   }
+  if (sub.parameters.size() == mostParameters) fail(sub.position, sub.name + " has too many parameters");
   Parameter parameter;
   parameter.name = each.name.text;
   parameter.type = names.typeOf(each.type);
@@ -49,6 +50,16 @@ void declareParameter(Sub& sub, const syntax::Sub::Parameter& each, const Names&
   sub.parameters.push_back(std::move(parameter));
 }
 
+void checkAssigned(const Sub& sub, const syntax::Sub& parsed) {
+  const std::vector<syntax::Sub::Parameter>& parameters = parsed.parameters;
+  for (const syntax::Sub::Parameter& each : parameters) {
+    if (each.taking != Taking::assigned) continue;
+    if (&each != &parameters.back() || sub.result.kind != Kind::None || each.byRef) {
+      fail(each.name.position, "what a Sub Assigns is its last parameter, and goes by value");
+    }
+  }
+}
+
 std::string textOf(const Sub& sub) {
   std::string text = sub.name + "(";
   for (const Parameter& each : sub.parameters) {
@@ -64,15 +75,28 @@ std::string textOf(const Sub& sub) {
 
 }  // namespace
 
-Sub& newSub(ModuleNames& module, const syntax::Sub& parsed, const Names& names) {
+DeclaredSub newSub(ModuleNames& module, const syntax::Sub& parsed, const Names& names, Problems& problems) {
   Sub& sub = module.allSubs.emplace_back();
   sub.name = parsed.name.text;
   sub.file = module.file;
   sub.position = parsed.name.position;
-  for (const syntax::Sub::Parameter& each : parsed.parameters) declareParameter(sub, each, names);
-  if (sub.parameters.size() > mostParameters) fail(sub.position, sub.name + " has too many parameters");
-  if (parsed.result) sub.result = names.typeOf(*parsed.result);
-  return sub;
+  bool fits = parsed.isRead;
+  for (const syntax::Sub::Parameter& each : parsed.parameters) {
+    if (problems.attempt([&] { declareParameter(sub, each, names); })) continue;
+    problems.expectUnknown(each.name.text);
+    fits = false;
+  }
+  fits &= problems.attempt([&] {
+    if (parsed.result) sub.result = names.typeOf(*parsed.result);
+  });
+  fits &= problems.attempt([&] { checkAssigned(sub, parsed); });
+  if (!fits) {
+    problems.expectUnknown(sub.name);
+    if (sub.result.kind == Kind::None && (parsed.result || !parsed.isRead)) {
+      sub.result = {Kind::Variant};  // which takes whatever is returned
+    }
+  }
+  return {sub, fits};
 }
 
 Method& newMethod(std::deque<Method>& among, const Sub& sub, const syntax::Sub& parsed) {
@@ -87,13 +111,7 @@ Method& newMethod(std::deque<Method>& among, const Sub& sub, const syntax::Sub& 
   method.call = callOf(method);
   const std::vector<syntax::Sub::Parameter>& parameters = parsed.parameters;
   method.extends = !parameters.empty() && parameters.front().taking == Taking::extended;
-  for (std::size_t i = 0; i < parameters.size(); ++i) {
-    if (parameters[i].taking != Taking::assigned) continue;
-    if (i + 1 < parameters.size() || sub.result.kind != Kind::None || parameters[i].byRef) {
-      fail(parameters[i].name.position, "what a Sub Assigns is its last parameter, and goes by value");
-    }
-    method.assigns = true;
-  }
+  method.assigns = !parameters.empty() && parameters.back().taking == Taking::assigned;
   return method;
 }
 

@@ -7,9 +7,13 @@ namespace host {
 
 Access accessOf(const syntax::Modifiers& modifiers);
 
-// Throws ProgramError where a type is none, a default does not fit, or parameters have the same name. The
-// body is empty.
-Sub& newSub(ModuleNames& module, const syntax::Sub& parsed, const Names& names);
+struct DeclaredSub {
+  Sub& sub;
+  bool fits;  // nothing is wrong with the declaration, and it may be called
+};
+// What is wrong goes to the problems: a type that is none, a default that does not fit, parameters of the
+// same name. The body is empty.
+DeclaredSub newSub(ModuleNames& module, const syntax::Sub& parsed, const Names& names, Problems& problems);
 
 // What calls the Sub, and is handed its arguments.
 Method& newMethod(std::deque<Method>& among, const Sub& sub, const syntax::Sub& parsed);

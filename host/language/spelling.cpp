@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <iterator>
 
 namespace host {
 
@@ -12,30 +13,90 @@ std::string lowerCase(std::string_view text) {
   return lower;
 }
 
+namespace {
+
+// Levenshtein's distance, one row at a time.
+std::size_t distanceBetween(const std::string& wanted, const std::string& other) {
+  std::vector<std::size_t> row(other.size() + 1);
+  for (std::size_t j = 0; j < row.size(); ++j) row[j] = j;
+  for (std::size_t i = 1; i <= wanted.size(); ++i) {
+    std::size_t diagonal = row[0];
+    row[0] = i;
+    for (std::size_t j = 1; j < row.size(); ++j) {
+      const std::size_t substituted = diagonal + (wanted[i - 1] == other[j - 1] ? 0 : 1);
+      diagonal = row[j];
+      row[j] = std::min({substituted, row[j] + 1, row[j - 1] + 1});
+    }
+  }
+  return row.back();
+}
+
+// The words of a name such as doubleValue, in lower case, as far as they are long enough to mean something.
+std::vector<std::string> wordsOf(std::string_view name) {
+  std::vector<std::string> words;
+  std::string word;
+  const auto end = [&] {
+    if (word.size() >= 4) words.push_back(lowerCase(word));
+    word.clear();
+  };
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const bool isUpper = std::isupper(static_cast<unsigned char>(name[i])) != 0;
+    if (isUpper && i > 0 && std::islower(static_cast<unsigned char>(name[i - 1]))) end();
+    word += name[i];
+  }
+  end();
+  return words;
+}
+
+bool shareWord(std::string_view left, std::string_view right) {
+  const std::vector<std::string> ofRight = wordsOf(right);
+  for (const std::string& word : wordsOf(left)) {
+    if (std::find(ofRight.begin(), ofRight.end(), word) != ofRight.end()) return true;
+  }
+  return false;
+}
+
+// What other languages call the same.
+bool meanTheSame(std::string_view left, std::string_view right) {
+  static constexpr std::string_view groups[][3] = {
+      {"count", "length", "size"}, {"add", "append", "push"}, {"remove", "delete", "erase"}};
+  for (const auto& group : groups) {
+    const auto isIn = [&](std::string_view name) {
+      return std::find(std::begin(group), std::end(group), name) != std::end(group);
+    };
+    if (isIn(left) && isIn(right)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates) {
   std::string best;
   std::size_t bestDistance = name.size() / 3 + 1;
   const std::string wanted = lowerCase(name);
   for (const std::string& candidate : candidates) {
-    // Levenshtein's distance, one row at a time.
-    const std::string other = lowerCase(candidate);
-    std::vector<std::size_t> row(other.size() + 1);
-    for (std::size_t j = 0; j < row.size(); ++j) row[j] = j;
-    for (std::size_t i = 1; i <= wanted.size(); ++i) {
-      std::size_t diagonal = row[0];
-      row[0] = i;
-      for (std::size_t j = 1; j < row.size(); ++j) {
-        const std::size_t substituted = diagonal + (wanted[i - 1] == other[j - 1] ? 0 : 1);
-        diagonal = row[j];
-        row[j] = std::min({substituted, row[j] + 1, row[j - 1] + 1});
-      }
-    }
-    if (row.back() < bestDistance) {
-      bestDistance = row.back();
+    const std::size_t each = distanceBetween(wanted, lowerCase(candidate));
+    if (each < bestDistance) {
+      bestDistance = each;
       best = candidate;
     }
   }
-  return best;
+  if (!best.empty()) return best;
+  // What is called alike though it is written otherwise: the shortest that goes on from the name, then
+  // others.
+  for (const std::string& candidate : candidates) {
+    if (wanted.size() < 3 || !lowerCase(candidate).starts_with(wanted)) continue;
+    if (best.empty() || candidate.size() < best.size()) best = candidate;
+  }
+  if (!best.empty()) return best;
+  for (const std::string& candidate : candidates) {
+    if (meanTheSame(wanted, lowerCase(candidate))) return candidate;
+  }
+  for (const std::string& candidate : candidates) {
+    if (shareWord(name, candidate)) return candidate;
+  }
+  return "";
 }
 
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates) {

@@ -9,7 +9,8 @@ namespace host {
 
 std::string lowerCase(std::string_view text);  // of ASCII
 
-// The candidate closest to a wrong name, for "did you mean"; empty if none is close.
+// The candidate that a wrong name may have meant: spelled nearly so, going on from it, or made of the same
+// words. Empty if there is none.
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates);
 
 // "; did you mean 'Name'?", or nothing.

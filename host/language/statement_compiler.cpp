@@ -1,6 +1,7 @@
 // Statements: the scopes of their names, and the order in which their parts are compiled.
 #include "language/statement_compiler.h"
 
+#include <algorithm>
 #include <tuple>
 
 #include "language/arrays.h"
@@ -9,6 +10,7 @@
 #include "language/delegates.h"
 #include "language/loops.h"
 #include "language/operators.h"
+#include "language/shown.h"
 #include "language/statements.h"
 
 namespace host {
@@ -18,7 +20,8 @@ using syntax::LoopKind;
 Block StatementCompiler::block(const syntax::Block& statements) {
   Block compiled;
   for (const syntax::Statement& each : statements) {
-    std::visit([&](const auto& node) { compile(node, each.position, compiled); }, each.node);
+    problems_.attempt(
+        [&] { std::visit([&](const auto& node) { compile(node, each.position, compiled); }, each.node); });
   }
   return compiled;
 }
@@ -50,23 +53,46 @@ void StatementCompiler::compile(const syntax::Dim& dim, Position, Block& block) 
   for (const syntax::Dim::Group& group : dim.groups) {
     const syntax::Expression* initial = group.initial ? &*group.initial : nullptr;
     for (const syntax::Dim::Variable& variable : group.variables) {
-      const Type type = names_.typeOf(group, variable);
-      if (dim.isStatic) {
-        declareStatic(variable, type, initial, block);
-      } else {
-        declare(variable, type, initial, block);
-      }
+      problems_.attempt([&] {
+        const Type type =
+            typeFor(variable.name, group.type.position, [&] { return names_.typeOf(group, variable); });
+        declare(variable, type, initial, dim.isStatic, block);
+      });
     }
   }
 }
 
+template <typename Find>
+Type StatementCompiler::typeFor(const syntax::Name& name, Position position, Find find) {
+  std::optional<Type> found;
+  problems_.attempt([&] { found = find(); });
+  if (found) return *found;
+  problems_.expectUnknown(name.text);
+  throw FollowsFromAnother(position);
+}
+
+Type StatementCompiler::typeFor(const syntax::Name& name, const syntax::TypeName& type) {
+  return typeFor(name, type.position, [&] { return names_.typeOf(type); });
+}
+
 // The value is compiled before the name is known, so that it cannot use itself.
 void StatementCompiler::declare(const syntax::Dim::Variable& variable, Type type,
-                                const syntax::Expression* initial, Block& block) {
-  Expr bounds = boundsOf(variable, type);
-  Expr value = initial ? expressions_.compile(*initial) : std::move(bounds);
-  const auto place = [&] { return names_.declare(variable.name, type); };
-  start(variable.name, type, std::move(value), place, block);
+                                const syntax::Expression* initial, bool isStatic, Block& block) {
+  const auto place = [&] {
+    return isStatic ? names_.declareStatic(variable.name, type) : names_.declare(variable.name, type);
+  };
+  Expr value;
+  const bool fits = problems_.attempt([&] {
+    value = initial ? expressions_.compile(*initial) : boundsOf(variable, type);
+    if (value && !isPlainObject(type)) {
+      value = convertTo(std::move(value), type, "the value of " + variable.name.text);
+    }
+  });
+  if (!fits) return void(place());  // which does not change what the name stands for
+  if (!isStatic) return start(variable.name, type, std::move(value), place, block);
+  Block first;  // when the declaration is come by for the first time
+  start(variable.name, type, std::move(value), place, first);
+  block.statements.push_back(once(variable.name.position, std::move(first)));
 }
 
 // The new array that the bounds ask for; null where the variable is none.
@@ -89,20 +115,7 @@ void StatementCompiler::start(const syntax::Name& name, Type type, Expr value,
     block.statements.push_back(assignment(position, names_.expect(name), std::move(value)));
     return;
   }
-  if (value) value = convertTo(std::move(value), type, "the value of " + name.text);
   block.statements.push_back(declaration(position, place(), std::move(value)));
-}
-
-// Gets its value when the declaration is come by for the first time.
-void StatementCompiler::declareStatic(const syntax::Dim::Variable& variable, Type type,
-                                      const syntax::Expression* initial, Block& block) {
-  Expr bounds = boundsOf(variable, type);
-  Expr value = initial ? expressions_.compile(*initial) : std::move(bounds);
-  Block first;
-  start(
-      variable.name, type, std::move(value), [&] { return names_.declareStatic(variable.name, type); },
-      first);
-  block.statements.push_back(once(variable.name.position, std::move(first)));
 }
 
 void StatementCompiler::startProperty(const syntax::Dim::Group& group, Type type, Expr place, Block& block) {
@@ -110,12 +123,16 @@ void StatementCompiler::startProperty(const syntax::Dim::Group& group, Type type
   Expr value = boundsOf(variable, type);
   if (group.initial) value = expressions_.compile(*group.initial);
   if (!value) return;
+  if (!isPlainObject(type)) {
+    value = convertTo(std::move(value), type, "the value of " + variable.name.text);
+  }
   block.statements.push_back(assignment(variable.name.position, std::move(place), std::move(value)));
 }
 
 void StatementCompiler::compile(const syntax::Const& declared, Position, Block&) {
   names_.checkFree(declared.name);
-  names_.declareConstant(declared.name, constant(declared));
+  const bool fits = problems_.attempt([&] { names_.declareConstant(declared.name, constant(declared)); });
+  if (!fits) problems_.expectUnknown(declared.name.text);
 }
 
 Constant StatementCompiler::constant(const syntax::Const& declared) {
@@ -123,6 +140,7 @@ Constant StatementCompiler::constant(const syntax::Const& declared) {
   std::optional<Type> type;
   if (declared.type) type = names_.typeOf(*declared.type);
   Constant constant;
+  constant.name = name;
   std::tie(constant.slot, constant.type) =
       expressions_.constant(declared.value, type, "the value of " + name);
   if (constant.type.isReference()) constant.keep = Ref<Heap>::adopt(constant.slot.heap);
@@ -134,12 +152,54 @@ Constant StatementCompiler::constant(const syntax::Const& declared) {
 }
 
 void StatementCompiler::compile(const syntax::Assign& assign, Position position, Block& block) {
+  const auto* name = std::get_if<syntax::Name>(&assign.target.node);
+  if (name && sub_ && sub_->result.kind != Kind::None && sameName(name->text, sub_->name) &&
+      !mayBeAssignedTo(name->text)) {
+    fail(position, "the result of " + sub_->name + " is given by Return: Return …");
+  }
   Expr target = expressions_.compile(assign.target);
+  if (!target->place()) failToAssign(assign.target, position);
   Expr value = expressions_.compile(assign.value);
+  warnOfOverwriting(assign, target->type, value->type);
   const auto hidden = [&](Type type) { return names_.hidden(type, position); };
   block.statements.push_back(assign.compound ? compoundAssignment(position, *assign.compound,
                                                                   std::move(target), std::move(value), hidden)
                                              : assignment(position, std::move(target), std::move(value)));
+}
+
+bool StatementCompiler::mayBeAssignedTo(const std::string& name) const {
+  if (names_.find(name)) return true;
+  const Class* own = names_.ownClass();
+  if (own && (own->findProperty(name) || own->findSharedProperty(name))) return true;
+  std::vector<const Method*> all = names_.findSubs(name);
+  if (own) {
+    for (const Method* each : own->findMethods(name)) all.push_back(each);
+    for (const Method* each : own->findSharedMethods(name)) all.push_back(each);
+  }
+  return std::any_of(all.begin(), all.end(), [](const Method* each) { return each->assigning != nullptr; });
+}
+
+void StatementCompiler::failToAssign(const syntax::Expression& target, Position position) {
+  if (const auto* name = std::get_if<syntax::Name>(&target.node)) {
+    fail(position, names_.find(name->text) ? name->text + " is constant"
+                                           : "this cannot be assigned to: it is the result of " + name->text);
+  }
+  if (const auto* chain = std::get_if<syntax::Chain>(&target.node)) {
+    if (const auto* member = std::get_if<syntax::Name>(&chain->links.back())) {
+      fail(member->position, member->text + " can only be read");
+    }
+  }
+  fail(position, "this cannot be assigned to");
+}
+
+// c = c + …, where the sum is no object of its own.
+void StatementCompiler::warnOfOverwriting(const syntax::Assign& assign, Type target, Type value) {
+  const auto* name = std::get_if<syntax::Name>(&assign.target.node);
+  const auto* computed = std::get_if<syntax::Sequence>(&assign.value.node);
+  const auto* first = computed ? std::get_if<syntax::Name>(&computed->first->node) : nullptr;
+  if (!name || !first || assign.compound || !sameName(name->text, first->text)) return;
+  const auto& [position, what, operand] = computed->rest.front();
+  if (const auto* op = std::get_if<Operator>(&what)) host::warnOfOverwriting(position, *op, target, value);
 }
 
 void StatementCompiler::compile(const syntax::ReDim& changed, Position position, Block& block) {
@@ -160,7 +220,7 @@ void StatementCompiler::compile(const syntax::ReDim& changed, Position position,
 void StatementCompiler::compile(const syntax::Evaluate& evaluated, Position position, Block& block) {
   Expr value = expressions_.compileStatement(evaluated.value);
   if (interactive_ && value->type.kind != Kind::None) {
-    block.statements.push_back(print(position, std::move(value)));
+    block.statements.push_back(print(position, shown(std::move(value))));
     return;
   }
   const bool isComputed = std::holds_alternative<syntax::Sequence>(evaluated.value.node);
@@ -235,7 +295,9 @@ void StatementCompiler::compile(const syntax::If& chosen, Position position, Blo
     Branch branch;
     if (each.condition) {
       const std::string word = branches.empty() ? "If" : "ElseIf";
-      branch.tests.push_back(expressions_.condition(*each.condition, "the condition of " + word));
+      problems_.attempt([&] {
+        branch.tests.push_back(expressions_.condition(*each.condition, "the condition of " + word));
+      });
     }
     branch.body = innerBlock(each.body);
     branches.push_back(std::move(branch));
@@ -246,15 +308,24 @@ void StatementCompiler::compile(const syntax::If& chosen, Position position, Blo
 void StatementCompiler::compile(const syntax::Select& select, Position position, Block& block) {
   const Names::Inner inner(names_);
   // The value is kept in a variable of its own, which every case compares.
-  Expr value = expressions_.compile(select.value);
-  std::unique_ptr<Place> kept = names_.hidden(value->type, position);
+  Expr value;
+  std::unique_ptr<Place> kept;
+  problems_.attempt([&] {
+    value = expressions_.compile(select.value);
+    kept = names_.hidden(value->type, position);
+  });
   std::vector<Branch> branches;
   for (const syntax::Select::Case& each : select.cases) {
     Branch branch;
-    for (const syntax::Select::Test& test : each.tests) branch.tests.push_back(caseTest(test, *kept));
+    for (const syntax::Select::Test& test : each.tests) {
+      problems_.attempt([&] {
+        if (kept) branch.tests.push_back(caseTest(test, *kept));
+      });
+    }
     branch.body = innerBlock(each.body);
     branches.push_back(std::move(branch));
   }
+  if (!kept) return;
   block.statements.push_back(declaration(position, std::move(kept), std::move(value)));
   block.statements.push_back(choice(position, std::move(branches)));
 }
@@ -271,18 +342,27 @@ Expr StatementCompiler::caseTest(const syntax::Select::Test& test, const Place& 
 void StatementCompiler::compile(const syntax::For& loop, Position position, Block& block) {
   const Names::Inner inner(names_);
   const syntax::Name& name = loop.variable;
-  if (loop.type) names_.declare(name, names_.typeOf(*loop.type));
-  Expr variable = names_.expect(name);
-  const Type type = variable->type;
-  if (!type.isInteger() && type.kind != Kind::Double) {
-    fail(name.position, "the variable of For is a " + nameOf(type) + "; it must be an integer or a Double");
-  }
-  std::unique_ptr<Place> place = placeOf(std::move(variable), name.position, name.text + " is constant");
-  Expr from = convertTo(expressions_.compile(loop.from), type, "the start of For");
-  Expr to = convertTo(expressions_.compile(loop.to), type, "the end of For");
-  Expr step;
-  if (loop.step) step = convertTo(expressions_.compile(*loop.step), type, "the step of For");
+  std::unique_ptr<Place> place;
+  Expr from, to, step;
+  const bool fits = problems_.attempt([&] {
+    if (loop.type) names_.declare(name, typeFor(name, *loop.type));
+    Expr variable = names_.find(name.text);
+    if (!variable && names_.findSubs(name.text).empty()) {
+      throw UnknownName(name.position, name.text,
+                        "unknown name '" + name.text + "'; write For " + name.text + " As Integer = …");
+    }
+    variable = names_.expect(name);
+    const Type type = variable->type;
+    if (!type.isInteger() && type.kind != Kind::Double) {
+      fail(name.position, "the variable of For is a " + nameOf(type) + "; it must be an integer or a Double");
+    }
+    place = placeOf(std::move(variable), name.position, name.text + " is constant");
+    from = convertTo(expressions_.compile(loop.from), type, "the start of For");
+    to = convertTo(expressions_.compile(loop.to), type, "the end of For");
+    if (loop.step) step = convertTo(expressions_.compile(*loop.step), type, "the step of For");
+  });
   Block body = loopBody(LoopKind::forLoop, loop.body);
+  if (!fits) return;
   block.statements.push_back(countingLoop(position, std::move(place), std::move(from), std::move(to),
                                           std::move(step), loop.down, std::move(body)));
 }
@@ -290,23 +370,33 @@ void StatementCompiler::compile(const syntax::For& loop, Position position, Bloc
 void StatementCompiler::compile(const syntax::ForEach& loop, Position position, Block& block) {
   const Names::Inner inner(names_);
   const syntax::Name& name = loop.variable;
-  Expr array = expressions_.compile(loop.array);
-  if (!array->type.array) {
-    array = convertTo(std::move(array), Type{Kind::Variant}.arrayOf(), "what For Each goes through");
-  }
-  const Type element = array->type.element();
-  Type type = element;
-  if (loop.type) {
-    type = names_.typeOf(*loop.type);
-    names_.declare(name, type);
-  }
-  Expr variable = names_.expect(name);
-  // The element passes through a hidden variable, from which it is assigned like any other value.
-  std::unique_ptr<Place> current = names_.hidden(element, position);
-  Expr value = current->again();
-  value->position = loop.array.position;
-  Stmt assign = assignment(position, std::move(variable), convertTo(std::move(value), type, name.text));
+  std::optional<Type> declared;
+  Expr array;
+  bool fits = problems_.attempt([&] {
+    array = expressions_.compile(loop.array);
+    if (!array->type.array) {
+      array = convertTo(std::move(array), Type{Kind::Variant}.arrayOf(), "what For Each goes through");
+    }
+  });
+  std::unique_ptr<Place> current;
+  Stmt assign;
+  fits &= problems_.attempt([&] {
+    if (loop.type) {
+      declared = typeFor(name, *loop.type);
+      names_.declare(name, *declared);
+    }
+    Expr variable = names_.expect(name);
+    if (!fits) return;
+    const Type element = array->type.element();
+    // The element passes through a hidden variable, from which it is assigned like any other value.
+    current = names_.hidden(element, position);
+    Expr value = current->again();
+    value->position = loop.array.position;
+    assign = assignment(position, std::move(variable),
+                        convertTo(std::move(value), declared.value_or(element), name.text));
+  });
   Block body = loopBody(LoopKind::forLoop, loop.body);
+  if (!fits) return;
   block.statements.push_back(
       elementLoop(position, std::move(array), std::move(current), std::move(assign), std::move(body)));
 }
@@ -314,8 +404,11 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
 void StatementCompiler::compile(const syntax::Loop& loop, Position position, Block& block) {
   const bool isWhile = loop.kind == LoopKind::whileLoop;
   const auto test = [&](const std::optional<syntax::Loop::Test>& given, const std::string& where) {
-    if (!given) return LoopTest{};
-    return LoopTest{expressions_.condition(given->condition, "the condition of " + where), given->until};
+    LoopTest made;
+    problems_.attempt([&] {
+      if (given) made = {expressions_.condition(given->condition, "the condition of " + where), given->until};
+    });
+    return made;
   };
   LoopTest before = test(loop.before, isWhile ? "While" : "Do");
   Block body = loopBody(loop.kind, loop.body);
@@ -330,14 +423,17 @@ void StatementCompiler::compile(const syntax::Try& attempt, Position position, B
   for (const syntax::Try::Catch& each : attempt.catches) {
     const Names::Inner inner(names_);
     CatchClause clause{hostClasses().exception, nullptr, {}};
-    if (each.type) {
-      const Type type = names_.typeOf(*each.type);
-      if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isA(*clause.type)) {
-        fail(each.type->position, "expected a class of exceptions, found " + nameOf(type));
+    problems_.attempt([&] {
+      if (each.type) {
+        const Type type = each.variable ? typeFor(*each.variable, *each.type) : names_.typeOf(*each.type);
+        if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isA(*clause.type)) {
+          if (each.variable) problems_.expectUnknown(each.variable->text);
+          fail(each.type->position, "expected a class of exceptions, found " + nameOf(type));
+        }
+        clause.type = type.objectClass;
       }
-      clause.type = type.objectClass;
-    }
-    if (each.variable) clause.variable = names_.declare(*each.variable, {Kind::Object, false, clause.type});
+      if (each.variable) clause.variable = names_.declare(*each.variable, {Kind::Object, false, clause.type});
+    });
     clause.body = this->block(each.body);
     clauses.push_back(std::move(clause));
   }

@@ -8,9 +8,10 @@ namespace host {
 class StatementCompiler {
  public:
   // `sub` is null at module level. `interactive`: expressions are printed.
-  StatementCompiler(Names& names, const Sub* sub, bool interactive)
-      : names_(names), expressions_(names), sub_(sub), interactive_(interactive) {}
+  StatementCompiler(Names& names, const Sub* sub, bool interactive, Problems& problems)
+      : names_(names), expressions_(names), sub_(sub), interactive_(interactive), problems_(problems) {}
 
+  // What is wrong goes to the problems, and the statements after it are compiled.
   Block block(const syntax::Block& statements);
   Constant constant(const syntax::Const& declared);  // its value
   // The first value of a property, if it has one.
@@ -25,12 +26,17 @@ class StatementCompiler {
 
   void compile(const syntax::Dim& dim, Position position, Block& block);
   void declare(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
-               Block& block);
-  void declareStatic(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
-                     Block& block);
+               bool isStatic, Block& block);
   void start(const syntax::Name& name, Type type, Expr value,
              const std::function<std::unique_ptr<Place>()>& place, Block& block);
   Expr boundsOf(const syntax::Dim::Variable& variable, Type type);
+  // The type that `find` gives; where there is none, the name is expected to be unknown.
+  template <typename Find>
+  Type typeFor(const syntax::Name& name, Position position, Find find);
+  Type typeFor(const syntax::Name& name, const syntax::TypeName& type);
+  bool mayBeAssignedTo(const std::string& name) const;
+  [[noreturn]] void failToAssign(const syntax::Expression& target, Position position);
+  static void warnOfOverwriting(const syntax::Assign& assign, Type target, Type value);
   void compile(const syntax::Const& constant, Position position, Block& block);
   void compile(const syntax::Assign& assign, Position position, Block& block);
   void compile(const syntax::Evaluate& evaluated, Position position, Block& block);
@@ -52,6 +58,7 @@ class StatementCompiler {
   ExpressionCompiler expressions_;
   const Sub* sub_;
   bool interactive_;
+  Problems& problems_;
   int loops_[3] = {};  // around the statement being compiled, by LoopKind
 };
 

@@ -1,6 +1,8 @@
 // The grammar of statements.
 #include "language/statement_parser.h"
 
+#include <algorithm>
+
 #include "runtime/class.h"
 
 namespace host {
@@ -8,6 +10,10 @@ namespace host {
 using namespace syntax;
 
 namespace {
+
+ProgramError expectingEndIf(const Token& found) {
+  return {found.position, "expected 'End If' after Else, found '" + found.text + "'"};
+}
 
 constexpr BlockEnd endOf(Keyword what) { return {Keyword::endWord, what}; }
 
@@ -27,10 +33,8 @@ bool beginsStatement(const Token& token) {
 }
 
 std::string spelled(BlockEnd end) {
-  std::string text = spellingOf(end.first);
-  if (end.second != Keyword::none) text += std::string(" ") + spellingOf(end.second);
-  for (char& c : text) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-  return text;
+  const std::string text = spellingOf(end.first);
+  return end.second == Keyword::none ? text : text + " " + spellingOf(end.second);
 }
 
 }  // namespace
@@ -46,36 +50,73 @@ bool StatementParser::accept(BlockEnd end) {
   return true;
 }
 
-// The statements before one of the ends, the first of which is the one that closes it.
-Block StatementParser::block(BlockEnds ends) {
-  const Nesting nesting(depth_, tokens_);
-  const Position start = tokens_.peek().position;
+bool StatementParser::atOneOf(const std::vector<BlockEnd>& ends) const {
+  return std::any_of(ends.begin(), ends.end(), [&](const BlockEnd& end) { return at(end); });
+}
+
+Block StatementParser::block(const Opener& opener, BlockEnds ends) {
   Block statements;
-  while (true) {
-    tokens_.skipLineEnds();
-    if (tokens_.peek().kind == TokenKind::endOfText) {
-      tokens_.failHere("the block that starts in line " + std::to_string(start.line) + " has no '" +
-                       spelled(*ends.begin()) + "'");
-    }
-    for (const BlockEnd& end : ends) {
-      if (at(end)) return statements;
-    }
-    statements.push_back(line());
+  linesUntil(opener, ends, Holds::statements, [&] {
+    lineInto(statements);
+    return true;
+  });
+  return statements;
+}
+
+// Where no block goes on: at the end of the text, where a block further out ends, and for one of statements
+// where something is declared.
+bool StatementParser::atOuterEnd(Holds holds) const {
+  if (tokens_.peek().kind == TokenKind::endOfText) return true;
+  if (holds == Holds::statements && tokens_.atDeclaration()) return true;
+  const bool isAccessor = tokens_.peek(1).kind == TokenKind::endOfLine &&
+                          (tokens_.is(Keyword::getWord) || tokens_.is(Keyword::setWord));
+  return std::any_of(open_.begin(), open_.end(), [&](const Open& outer) {
+    return atOneOf(outer.ends) ||
+           (isAccessor && holds == Holds::statements && outer.opener.word == Keyword::propertyWord);
+  });
+}
+
+void StatementParser::reportMissing(const Opener& opener, BlockEnd end) {
+  const Token& here = tokens_.peek();
+  const bool atEnd = here.kind == TokenKind::endOfText;
+  std::string message = std::string("'") + spellingOf(opener.word) + "' of line " +
+                        std::to_string(opener.position.line) + " has no '" + spelled(end) + "'";
+  if (!atEnd) {
+    message += " before the '" + here.text;
+    if (here.keyword == Keyword::endWord) message += " " + tokens_.peek(1).text;
+    message += "' of line " + std::to_string(here.position.line);
   }
+  tokens_.problems.addMissing(opener.position, message, atEnd);
+}
+
+Block StatementParser::body(const Opener& opener, BlockEnd end) {
+  Block statements = block(opener, {end});
+  accept(end);
+  return statements;
+}
+
+void StatementParser::lineInto(Block& block) {
+  tokens_.part([&] { block.push_back(line()); });
 }
 
 Statement StatementParser::line() {
   Statement parsed = statement();
-  if (!tokens_.atLineEnd()) tokens_.expectLineEnd("after the statement");
+  // What follows a block that has no end begins a line already.
+  if (!tokens_.atLineEnd() && !tokens_.atLineStart()) tokens_.expectLineEnd("after the statement");
   return parsed;
 }
 
 Statement StatementParser::statement() {
   const Token& token = tokens_.peek();
   const Position position = token.position;
-  const auto after = [&](auto parse) -> Statement {  // the statement that the word taken opens
+  const auto after = [&](auto parse) -> Statement {  // the statement that the word taken begins
     tokens_.take();
     return {position, (this->*parse)()};
+  };
+  const Opener opener{token.keyword, position};
+  const auto opened = [&](auto parse) -> Statement {  // with blocks that the word opens
+    tokens_.take();
+    return {position, (this->*parse)(opener)};
   };
   switch (token.keyword) {
     case Keyword::dimWord:
@@ -87,19 +128,18 @@ Statement StatementParser::statement() {
       if (tokens_.peek(1).kind != TokenKind::word) return simple();
       return after(&StatementParser::staticDim);
     case Keyword::ifWord:
-      return after(&StatementParser::ifElse);
+      return opened(&StatementParser::ifElse);
     case Keyword::selectWord:
-      return after(&StatementParser::select);
+      return opened(&StatementParser::select);
     case Keyword::forWord:
-      tokens_.take();
-      if (tokens_.accept(Keyword::eachWord)) return {position, forEach()};
-      return {position, counting()};
+      if (tokens_.is(Keyword::eachWord, 1)) return opened(&StatementParser::forEach);
+      return opened(&StatementParser::counting);
     case Keyword::whileWord:
-      return after(&StatementParser::whileLoop);
+      return opened(&StatementParser::whileLoop);
     case Keyword::doWord:
-      return after(&StatementParser::doLoop);
+      return opened(&StatementParser::doLoop);
     case Keyword::tryWord:
-      return after(&StatementParser::tryCatch);
+      return opened(&StatementParser::tryCatch);
     case Keyword::exitWord:
     case Keyword::continueWord:
       return {position, jump()};
@@ -107,8 +147,7 @@ Statement StatementParser::statement() {
       tokens_.take();
       return {position, Return{valueIfAny()}};
     case Keyword::printWord:
-      tokens_.take();
-      return {position, Print{valueIfAny()}};
+      return after(&StatementParser::print);
     case Keyword::addHandlerWord:
       return after(&StatementParser::addHandler);
     case Keyword::reDimWord:
@@ -140,6 +179,14 @@ Statement StatementParser::statement() {
 std::optional<Expression> StatementParser::valueIfAny() {
   if (tokens_.atStatementEnd()) return std::nullopt;
   return expressions_.expression();
+}
+
+Print StatementParser::print() {
+  Print printed{valueIfAny()};
+  if (tokens_.is(Symbol::comma)) {
+    tokens_.failHere("Print shows one value; texts are joined with '+', and Str(…) makes a text of a number");
+  }
+  return printed;
 }
 
 // A call, an assignment, or an expression.
@@ -222,7 +269,17 @@ Dim::Group StatementParser::dimGroup() {
     group.variables.push_back(std::move(variable));
   } while (tokens_.accept(Symbol::comma));
   const bool single = group.variables.size() == 1;
-  tokens_.expect(Keyword::asWord, "after the variable " + group.variables.back().name.text);
+  const std::string& last = group.variables.back().name.text;
+  if (tokens_.is(Symbol::equal)) {
+    const TokenKind value = tokens_.peek(1).kind;
+    tokens_.failHere("the variable " + last + " needs a type: Dim " + last + " As " +
+                     (value == TokenKind::integer ? "Integer"
+                      : value == TokenKind::real  ? "Double"
+                      : value == TokenKind::text  ? "String"
+                                                  : "…") +
+                     " = …");
+  }
+  tokens_.expect(Keyword::asWord, "after the variable " + last);
   if (tokens_.accept(Keyword::newWord)) {
     New made = expressions_.newObject();
     group.type = made.type;
@@ -253,30 +310,64 @@ std::optional<TypeName> StatementParser::typeIfAny() {
   return tokens_.takeType();
 }
 
-If StatementParser::ifElse() {
+// Whether an If with a wrong condition begins a block, as far as its line and the next one show.
+bool StatementParser::opensBlock(const Opener& opener) const {
+  std::size_t ahead = 0;
+  for (; tokens_.peek(ahead).kind != TokenKind::endOfLine; ++ahead) {
+    if (tokens_.is(Keyword::thenWord, ahead)) return tokens_.peek(ahead + 1).kind == TokenKind::endOfLine;
+  }
+  const Token& next = tokens_.peek(ahead + 1);
+  return ahead <= 1 || next.position.column > opener.position.column;
+}
+
+If StatementParser::ifElse(const Opener& opener) {
   If chosen;
-  Expression condition = expressions_.expression();
-  tokens_.expect(Keyword::thenWord, "after the condition of If");
-  if (!tokens_.atLineEnd()) {  // all in one line
-    chosen.branches.push_back({std::move(condition), alone()});
-    if (tokens_.accept(Keyword::elseWord)) chosen.branches.push_back({std::nullopt, alone()});
+  bool isBlock = false;
+  If::Branch first;
+  first.condition.emplace();
+  tokens_.part([&] {
+    try {
+      *first.condition = expressions_.expression();
+      tokens_.expect(Keyword::thenWord, "after the condition of If");
+      isBlock = tokens_.atLineEnd();
+    } catch (const ProgramError&) {
+      isBlock = opensBlock(opener);
+      first.condition.emplace();
+      throw;
+    }
+  });
+  if (!isBlock) {  // all in one line
+    const bool isRead = !tokens_.atLineEnd();
+    if (isRead) first.body = alone();
+    chosen.branches.push_back(std::move(first));
+    if (isRead && tokens_.accept(Keyword::elseWord)) chosen.branches.push_back({std::nullopt, alone()});
     return chosen;
   }
   const BlockEnds ends = {endOf(Keyword::ifWord), {Keyword::elseWord}, {Keyword::elseIfWord}};
-  chosen.branches.push_back({std::move(condition), block(ends)});
-  while (!accept(endOf(Keyword::ifWord))) {
-    if (!chosen.branches.back().condition) tokens_.failExpecting("'End If' after Else");
-    if (tokens_.accept(Keyword::elseIfWord)) {
-      condition = expressions_.expression();
-      tokens_.expect(Keyword::thenWord, "after the condition of ElseIf");
-      tokens_.expectLineEnd("after Then");
-      chosen.branches.push_back({std::move(condition), block(ends)});
-    } else {
-      tokens_.expect(Keyword::elseWord, "or 'End If'");
-      tokens_.expectLineEnd("after Else");
-      chosen.branches.push_back({std::nullopt, block(ends)});
-    }
+  first.body = block(opener, ends);
+  chosen.branches.push_back(std::move(first));
+  while (tokens_.is(Keyword::elseWord) || tokens_.is(Keyword::elseIfWord)) {
+    If::Branch branch;
+    tokens_.part([&] {
+      const Token& word = tokens_.take();
+      const bool inTwoWords = word.keyword == Keyword::elseWord && tokens_.accept(Keyword::ifWord);
+      if (inTwoWords) tokens_.problems.add(ProgramError(word.position, "write 'ElseIf' as one word"));
+      const bool isLast = !chosen.branches.back().condition;
+      if (isLast) tokens_.problems.add(expectingEndIf(word));
+      if (word.keyword == Keyword::elseIfWord || inTwoWords) {
+        branch.condition.emplace();
+        Expression condition = expressions_.expression();
+        tokens_.expect(Keyword::thenWord, "after the condition of ElseIf");
+        branch.condition = std::move(condition);
+        tokens_.expectLineEnd("after Then");
+      } else {
+        tokens_.expectLineEnd("after Else");
+      }
+    });
+    branch.body = block(opener, ends);
+    chosen.branches.push_back(std::move(branch));
   }
+  accept(endOf(Keyword::ifWord));
   return chosen;
 }
 
@@ -286,26 +377,40 @@ Block StatementParser::alone() {
   return one;
 }
 
-Select StatementParser::select() {
-  tokens_.expect(Keyword::caseWord, "after Select");
-  Select chosen{expressions_.expression(), {}};
-  tokens_.expectLineEnd("after the value of Select Case");
+Select StatementParser::select(const Opener& opener) {
+  Select chosen;
+  tokens_.part([&] {
+    tokens_.expect(Keyword::caseWord, "after Select");
+    Expression value = expressions_.expression();
+    tokens_.expectLineEnd("after the value of Select Case");
+    chosen.value = std::move(value);
+  });
+  const BlockEnd end = endOf(Keyword::selectWord);
   tokens_.skipLineEnds();
-  bool hasElse = false;
-  while (!accept(endOf(Keyword::selectWord))) {
-    if (hasElse) tokens_.failExpecting("'End Select' after Case Else");
-    tokens_.expect(Keyword::caseWord, "or 'End Select'");
-    Select::Case each;
-    hasElse = tokens_.accept(Keyword::elseWord);
-    if (!hasElse) {
-      do {
-        each.tests.push_back(test());
-      } while (tokens_.accept(Symbol::comma));
+  if (!at(end) && !atOuterEnd(Holds::statements)) {
+    if (!tokens_.is(Keyword::caseWord)) {
+      tokens_.problems.attempt([&] { tokens_.failExpecting("'Case' or 'End Select'"); });
     }
-    tokens_.expectLineEnd("after the values of Case");
-    each.body = block({endOf(Keyword::selectWord), {Keyword::caseWord}});
+  }
+  block(opener, {end, {Keyword::caseWord}});
+  bool hasElse = false;
+  while (tokens_.is(Keyword::caseWord)) {
+    Select::Case each;
+    if (hasElse) tokens_.problems.attempt([&] { tokens_.failExpecting("'End Select' after Case Else"); });
+    tokens_.part([&] {
+      tokens_.take();
+      hasElse = tokens_.accept(Keyword::elseWord);
+      if (!hasElse) {
+        do {
+          each.tests.push_back(test());
+        } while (tokens_.accept(Symbol::comma));
+      }
+      tokens_.expectLineEnd("after the values of Case");
+    });
+    each.body = block(opener, {end, {Keyword::caseWord}});
     chosen.cases.push_back(std::move(each));
   }
+  accept(end);
   return chosen;
 }
 
@@ -320,83 +425,116 @@ Select::Test StatementParser::test() {
   return test;
 }
 
-For StatementParser::counting() {
+For StatementParser::counting(Opener opener) {
   For loop;
-  loop.variable = tokens_.takeName("the variable of For");
-  loop.type = typeIfAny();
-  tokens_.expect(Symbol::equal, "after the variable of For");
-  loop.from = expressions_.expression();
-  loop.down = tokens_.accept(Keyword::downToWord);
-  if (!loop.down) tokens_.expect(Keyword::toWord, "or 'DownTo' after the start of For");
-  loop.to = expressions_.expression();
-  if (tokens_.accept(Keyword::stepWord)) loop.step = expressions_.expression();
-  tokens_.expectLineEnd("after the head of For");
-  loop.body = block({{Keyword::nextWord}});
-  tokens_.take();
-  if (tokens_.peek().kind == TokenKind::word) {
-    if (!sameName(tokens_.peek().text, loop.variable.text)) {
-      tokens_.failHere("expected 'Next " + loop.variable.text + "', found 'Next " + tokens_.peek().text +
-                       "'");
-    }
-    tokens_.take();
-  }
+  tokens_.part([&] {
+    loop.variable = tokens_.takeName("the variable of For");
+    loop.type = typeIfAny();
+    tokens_.expect(Symbol::equal, "after the variable of For");
+    loop.from = expressions_.expression();
+    loop.down = tokens_.accept(Keyword::downToWord);
+    if (!loop.down) tokens_.expect(Keyword::toWord, "or 'DownTo' after the start of For");
+    loop.to = expressions_.expression();
+    if (tokens_.accept(Keyword::stepWord)) loop.step = expressions_.expression();
+    tokens_.expectLineEnd("after the head of For");
+  });
+  opener.variable = loop.variable.text;
+  loop.body = block(opener, {{Keyword::nextWord}});
+  next(opener);
   return loop;
 }
 
-ForEach StatementParser::forEach() {
+ForEach StatementParser::forEach(const Opener& opener) {
   ForEach loop;
-  loop.variable = tokens_.takeName("the variable of For Each");
-  loop.type = typeIfAny();
-  tokens_.expect(Keyword::inWord, "after the variable of For Each");
-  loop.array = expressions_.expression();
-  tokens_.expectLineEnd("after the head of For Each");
-  loop.body = block({{Keyword::nextWord}});
-  tokens_.take();
-  if (sameName(tokens_.peek().text, loop.variable.text)) tokens_.take();
+  tokens_.part([&] {
+    tokens_.take();
+    loop.variable = tokens_.takeName("the variable of For Each");
+    loop.type = typeIfAny();
+    tokens_.expect(Keyword::inWord, "after the variable of For Each");
+    loop.array = expressions_.expression();
+    tokens_.expectLineEnd("after the head of For Each");
+  });
+  Opener named = opener;
+  named.variable = loop.variable.text;
+  loop.body = block(named, {{Keyword::nextWord}});
+  next(named);
   return loop;
 }
 
-Loop StatementParser::whileLoop() {
-  Loop loop{LoopKind::whileLoop, Loop::Test{expressions_.expression()}, {}, {}};
-  tokens_.expectLineEnd("after the condition of While");
-  loop.body = block({endOf(Keyword::whileWord), {Keyword::wendWord}});
+// Next, or Next with the loop's variable. With that of a loop around it, it is that one's.
+void StatementParser::next(const Opener& opener) {
+  if (!tokens_.is(Keyword::nextWord)) return;  // which has been reported
+  const Token& name = tokens_.peek(1);
+  const bool isNamed = name.kind == TokenKind::word && !opener.variable.empty();
+  if (isNamed && !sameName(name.text, opener.variable)) {
+    for (const Open& outer : open_) {
+      if (sameName(name.text, outer.opener.variable)) return reportMissing(opener, {Keyword::nextWord});
+    }
+  }
+  tokens_.part([&] {
+    tokens_.take();
+    if (isNamed && !sameName(name.text, opener.variable)) {
+      tokens_.failHere("expected 'Next " + opener.variable + "', found 'Next " + name.text + "'");
+    }
+    if (name.kind == TokenKind::word) tokens_.take();
+  });
+}
+
+Loop StatementParser::whileLoop(const Opener& opener) {
+  Loop loop{LoopKind::whileLoop, Loop::Test{}, {}, {}};
+  tokens_.part([&] {
+    Expression condition = expressions_.expression();
+    tokens_.expectLineEnd("after the condition of While");
+    loop.before->condition = std::move(condition);
+  });
+  loop.body = block(opener, {{Keyword::wendWord}, endOf(Keyword::whileWord)});
   if (!tokens_.accept(Keyword::wendWord)) accept(endOf(Keyword::whileWord));
   return loop;
 }
 
-Loop StatementParser::doLoop() {
+Loop StatementParser::doLoop(const Opener& opener) {
   const auto test = [&]() -> std::optional<Loop::Test> {
     const bool until = tokens_.accept(Keyword::untilWord);
     if (!until && !tokens_.accept(Keyword::whileWord)) return std::nullopt;
     return Loop::Test{expressions_.expression(), until};
   };
-  Loop loop{LoopKind::doLoop, test(), {}, {}};
-  tokens_.expectLineEnd("after Do");
-  loop.body = block({{Keyword::loopWord}});
-  tokens_.take();
-  loop.after = test();
+  Loop loop{LoopKind::doLoop, {}, {}, {}};
+  tokens_.part([&] {
+    loop.before = test();
+    tokens_.expectLineEnd("after Do");
+  });
+  loop.body = block(opener, {{Keyword::loopWord}});
+  tokens_.part([&] {
+    if (tokens_.accept(Keyword::loopWord)) loop.after = test();
+  });
   return loop;
 }
 
-Try StatementParser::tryCatch() {
+Try StatementParser::tryCatch(const Opener& opener) {
   Try attempt;
-  tokens_.expectLineEnd("after Try");
+  tokens_.part([&] { tokens_.expectLineEnd("after Try"); });
   const BlockEnd end = endOf(Keyword::tryWord);
   const BlockEnds ends = {end, {Keyword::catchWord}, {Keyword::finallyWord}};
-  attempt.body = block(ends);
-  while (tokens_.accept(Keyword::catchWord)) {
+  attempt.body = block(opener, ends);
+  while (tokens_.is(Keyword::catchWord)) {
     Try::Catch clause;
-    if (!tokens_.atLineEnd()) {
-      clause.variable = tokens_.takeName("the variable of Catch");
-      clause.type = typeIfAny();
-    }
-    tokens_.expectLineEnd("after Catch");
-    clause.body = block(ends);
+    tokens_.part([&] {
+      tokens_.take();
+      if (!tokens_.atLineEnd()) {
+        clause.variable = tokens_.takeName("the variable of Catch");
+        clause.type = typeIfAny();
+      }
+      tokens_.expectLineEnd("after Catch");
+    });
+    clause.body = block(opener, ends);
     attempt.catches.push_back(std::move(clause));
   }
-  if (tokens_.accept(Keyword::finallyWord)) {
-    tokens_.expectLineEnd("after Finally");
-    attempt.finally = block({end});
+  if (tokens_.is(Keyword::finallyWord)) {
+    tokens_.part([&] {
+      tokens_.take();
+      tokens_.expectLineEnd("after Finally");
+    });
+    attempt.finally = block(opener, {end});
   }
   accept(end);
   return attempt;

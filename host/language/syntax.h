@@ -29,6 +29,7 @@ struct Expression;
 using Box = std::unique_ptr<Expression>;
 using Expressions = std::vector<Expression>;
 
+struct Unread {};  // what was refused by the parser
 struct NilLiteral {};
 struct Literal {
   std::variant<std::uint64_t, double, bool, std::string, NilLiteral> value;
@@ -82,7 +83,8 @@ struct Sequence {
 
 struct Expression {
   Position position;
-  std::variant<Literal, Name, New, Parenthesised, Negation, Not, Conditional, AddressOf, Chain, Sequence>
+  std::variant<Unread, Literal, Name, New, Parenthesised, Negation, Not, Conditional, AddressOf, Chain,
+               Sequence>
       node;
 };
 
@@ -232,6 +234,7 @@ struct Sub {
   Name name;
   std::vector<Parameter> parameters;
   std::optional<TypeName> result;
+  bool isRead = true;  // all of the declaration
   Block body;
   Modifiers modifiers;
 };

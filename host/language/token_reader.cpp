@@ -45,6 +45,58 @@ void TokenReader::skipLineEnds() {
   while (peek().kind == TokenKind::endOfLine) take();
 }
 
+void TokenReader::skipStatement(std::size_t from, bool declares) {
+  while (peek().kind != TokenKind::endOfLine && peek().kind != TokenKind::endOfText) take();
+  static constexpr Keyword declaring[] = {
+      Keyword::dimWord,       Keyword::varWord,     Keyword::constWord,     Keyword::forWord,
+      Keyword::catchWord,     Keyword::subWord,     Keyword::functionWord,  Keyword::classWord,
+      Keyword::interfaceWord, Keyword::moduleWord,  Keyword::enumWord,      Keyword::delegateWord,
+      Keyword::propertyWord,  Keyword::privateWord, Keyword::protectedWord, Keyword::publicWord,
+      Keyword::globalWord,    Keyword::sharedWord,  Keyword::staticWord};
+  const auto opens = [&](const Token& word) {
+    return std::find(std::begin(declaring), std::end(declaring), word.keyword) != std::end(declaring);
+  };
+  if (!declares && !opens(tokens_[from]) && !(from > 0 && opens(tokens_[from - 1]))) return;
+  for (; from < at_; ++from) {
+    const Token& token = tokens_[from];
+    if (token.kind == TokenKind::word && !isReserved(token.keyword)) problems.expectUnknown(token.text);
+  }
+}
+
+bool TokenReader::atDeclaration() const {
+  static constexpr Keyword modifiers[] = {Keyword::privateWord, Keyword::protectedWord, Keyword::publicWord,
+                                          Keyword::globalWord, Keyword::sharedWord};
+  std::size_t ahead = 0;
+  const auto isModifier = [&] {
+    return std::any_of(std::begin(modifiers), std::end(modifiers),
+                       [&](Keyword each) { return is(each, ahead); }) &&
+           peek(ahead + 1).kind == TokenKind::word;
+  };
+  while (isModifier()) ++ahead;
+  if (ahead > 0 || is(Keyword::subWord) || is(Keyword::functionWord)) return true;
+  if (is(Keyword::delegateWord)) return is(Keyword::subWord, 1) || is(Keyword::functionWord, 1);
+  if (peek(1).kind != TokenKind::word) return false;
+  if (is(Keyword::propertyWord)) return is(Keyword::asWord, 2) || is(Symbol::open, 2);
+  const bool opens = is(Keyword::classWord) || is(Keyword::interfaceWord) || is(Keyword::moduleWord) ||
+                     is(Keyword::enumWord);
+  return opens && (peek(2).kind == TokenKind::endOfLine || is(Keyword::inheritsWord, 2) ||
+                   is(Keyword::implementsWord, 2) || is(Keyword::asWord, 2));
+}
+
+bool TokenReader::isEndedFurtherDown(Keyword opener) const {
+  int inside = 0;
+  bool startsLine = atLineStart();
+  for (std::size_t i = at_; i + 1 < tokens_.size(); ++i) {
+    const Token& next = tokens_[i + 1];
+    if (startsLine && tokens_[i].keyword == Keyword::endWord && next.keyword == opener && inside-- == 0) {
+      return true;
+    }
+    if (startsLine && tokens_[i].keyword == opener && next.kind == TokenKind::word) ++inside;
+    startsLine = tokens_[i].kind == TokenKind::endOfLine;
+  }
+  return false;
+}
+
 syntax::Name TokenReader::takeName(const std::string& what) {
   if (peek().kind != TokenKind::word) failExpecting(what);
   if (isReserved(peek().keyword)) {
@@ -79,7 +131,13 @@ void TokenReader::failHere(const std::string& message) const {
 }
 
 void TokenReader::failExpecting(const std::string& what) const {
-  failHere("expected " + what + ", found " + describe(peek()));
+  std::string message = "expected " + what + ", found " + describe(peek());
+  const bool mayGoOn = peek().kind == TokenKind::endOfLine && peek(1).kind != TokenKind::endOfText &&
+                       at_ > 0 && tokens_[at_ - 1].kind == TokenKind::symbol &&
+                       tokens_[at_ - 1].symbol != Symbol::close;
+  if (mayGoOn) message += "; a line goes on in the next one after ' _'";
+  if (is(Symbol::ampersand)) message += "; texts are joined with '+'";
+  failHere(message);
 }
 
 }  // namespace host

@@ -12,7 +12,11 @@ namespace host {
 
 class TokenReader {
  public:
-  explicit TokenReader(std::string_view text) : tokens_(tokenize(text)) {}
+  TokenReader(std::string_view text, Problems& found) : problems(found), tokens_(tokenize(text, found)) {
+    problems.startPass();
+  }
+
+  Problems& problems;
 
   const Token& peek(std::size_t ahead = 0) const;
   const Token& take();
@@ -29,9 +33,27 @@ class TokenReader {
     if (!accept(spelled)) failExpecting("'" + std::string(spellingOf(spelled)) + "' " + where);
   }
   bool atLineEnd() const;
+  bool atLineStart() const { return at_ == 0 || tokens_[at_ - 1].kind == TokenKind::endOfLine; }
   bool atStatementEnd() const { return atLineEnd() || is(Keyword::elseWord); }
   void expectLineEnd(const std::string& after);
   void skipLineEnds();
+  std::size_t place() const { return at_; }
+  // Past what is left of a statement that cannot be read, which begins at that place. What it would have
+  // declared is expected to be unknown.
+  void skipStatement(std::size_t from, bool declares = false);
+  // Reads a part of the text with `read`; whether it can be read. What cannot be is skipped.
+  template <typename Read>
+  bool part(Read read, bool declares = false) {
+    const std::size_t start = at_;
+    if (problems.attempt(read)) return true;
+    skipStatement(start, declares);
+    return false;
+  }
+  // Whether what stands here is declared outside of every Sub, or in a class.
+  bool atDeclaration() const;
+  // Whether what the word has opened is ended further down, by End and the word again; others that it opens
+  // there have ends of their own.
+  bool isEndedFurtherDown(Keyword opener) const;
   syntax::Name takeName(const std::string& what);
   syntax::TypeName takeType();
   void takeDimensions(syntax::TypeName& type);  // "()", "(,)", …

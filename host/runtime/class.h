@@ -36,6 +36,7 @@ struct Method {
 // A property, of instances or shared. Its accessors take (self, parameter[, value]) or ([value]).
 struct Property {
   std::string name;
+  std::string declaredType;  // as registered
   Type type;
   Call getter, setter;  // no getter: a field; no setter: read-only
   bool field = false;   // read and written in the instance data at `parameter` instead

@@ -36,7 +36,8 @@ Property propertyOf(const REALproperty& record, ClassNames& classes, const Class
                     const std::string& owner) {
   Property property;
   property.name = record.name ? record.name : "";
-  const std::optional<Type> type = typeNamed(record.type ? record.type : "", classes);
+  property.declaredType = record.type ? record.type : "";
+  const std::optional<Type> type = typeNamed(property.declaredType, classes);
   property.type = type ? *type : Type{Kind::Object, false, &classes.expectClass(record.type)};
   property.parameter = record.parameter;
   property.owner = self;

@@ -14,17 +14,43 @@ namespace host {
 
 namespace {
 
-void addMethods(std::string& list, const std::deque<Method>& methods, const char* prefix) {
-  for (const Method& method : methods) list += std::string("  ") + prefix + method.declaration.text + "\n";
+std::string lineOf(const Property& property, const char* kind) {
+  return std::string(kind) + property.name + " as " + property.declaredType +
+         (!property.setter && !property.field ? " (read-only)" : "") + (property.hidden ? " (hidden)" : "") +
+         "\n";
 }
 
-void addProperties(std::string& list, const std::deque<Property>& properties, const char* prefix) {
-  for (const Property& property : properties) {
-    list += std::string("  ") + prefix + property.name + " as " + nameOf(property.type);
-    if (!property.setter && !property.field) list += " (read-only)";
-    if (property.hidden) list += " (hidden)";
-    list += "\n";
+// Hands each line about a member to use(line, name, rest of the line from the name on).
+template <typename Use>
+void eachMember(const std::deque<Property>& properties, const char* kind, Use use) {
+  for (const Property& each : properties) use(lineOf(each, kind), each.name, lineOf(each, ""));
+}
+template <typename Use>
+void eachMember(const std::deque<Method>& methods, const char* kind, Use use) {
+  for (const Method& each : methods) {
+    const std::string line = each.declaration.text + "\n";
+    use(kind + line, each.declaration.name, line);
   }
+}
+template <typename Use>
+void eachMember(const Class& type, Use use) {
+  eachMember(type.sharedProperties, "Shared Property ", use);
+  eachMember(type.properties, "Property ", use);
+  eachMember(type.sharedMethods, "Shared ", use);
+  eachMember(type.methods, "", use);
+}
+template <typename Use>
+void eachMember(const Module& module, Use use) {
+  eachMember(module.properties, "Property ", use);
+  eachMember(module.methods, "", use);
+}
+
+template <typename Owner>
+std::string listingOf(const std::string& kind, const Owner& owner) {
+  std::string list = kind + " " + owner.name + "\n";
+  eachMember(owner,
+             [&](const std::string& line, const std::string&, const std::string&) { list += "  " + line; });
+  return list;
 }
 
 }  // namespace
@@ -32,24 +58,40 @@ void addProperties(std::string& list, const std::deque<Property>& properties, co
 std::string listing() {
   std::string list;
   for (const Class& each : registry().classes) {
-    if (!each.fromLibrary) continue;
-    list += "Class " + each.name + "\n";
-    addProperties(list, each.sharedProperties, "Shared Property ");
-    addProperties(list, each.properties, "Property ");
-    addMethods(list, each.sharedMethods, "Shared ");
-    addMethods(list, each.methods, "");
+    if (each.fromLibrary) list += listingOf("Class", each);
   }
   for (const Module& module : registry().modules) {
-    if (!module.fromLibrary) continue;
-    list += "Module " + module.name + "\n";
-    addProperties(list, module.properties, "Property ");
-    addMethods(list, module.methods, "");
+    if (module.fromLibrary) list += listingOf("Module", module);
   }
   std::string functions;
   for (const Method& function : registry().functions) {
     if (function.fromLibrary) functions += "  " + function.declaration.text + "\n";
   }
   if (!functions.empty()) list += "Functions\n" + functions;
+  return list;
+}
+
+std::string listing(std::string_view name) {
+  const std::size_t dot = name.find('.');
+  const std::string_view owner = dot == std::string_view::npos ? "" : name.substr(0, dot);
+  const std::string_view member = dot == std::string_view::npos ? name : name.substr(dot + 1);
+  std::string list;
+  if (owner.empty()) {
+    if (const Class* type = registry().findClass(name)) list += listingOf("Class", *type);
+    if (const Module* module = registry().findModule(name)) list += listingOf("Module", *module);
+  }
+  const auto addMembersOf = [&](const auto& each, bool isGlobal) {
+    if (!owner.empty() && !sameName(owner, each.name)) return;
+    eachMember(each, [&](const std::string&, const std::string& called, const std::string& line) {
+      if (sameName(called, member)) list += (isGlobal ? "" : each.name + ".") + line;
+    });
+  };
+  for (const Class& each : registry().classes) addMembersOf(each, false);
+  for (const Module& each : registry().modules) addMembersOf(each, owner.empty());
+  for (const Method& function : registry().functions) {
+    if (owner.empty() && sameName(function.declaration.name, member))
+      list += function.declaration.text + "\n";
+  }
   return list;
 }
 

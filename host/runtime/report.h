@@ -10,6 +10,9 @@ namespace host {
 
 // Every class, member and function that libraries have registered, in that order, with their declarations.
 std::string listing();
+// What it has of that name, "Name" or "Class.Name": a class whole, or the members and functions called so,
+// each with its owner in front. Empty where there is none.
+std::string listing(std::string_view name);
 
 struct LeakReport {
   std::string leaks;  // empty if there is none

@@ -188,7 +188,7 @@ TEST(Validation, SaysWhatTheDocumentationShows) {
 
 TEST(Validation, ShowsProgressOnATerminalAlone) {
   setenv("QTX_BROKEN", "nothing", 1);
-  const Outcome outcome = runQtxhostOnTerminal({"validate", QTX_BROKEN_LIBRARY}, "");
+  const Outcome outcome = runQtxhostOnTerminal({"validate", QTX_BROKEN_LIBRARY}, {});
   EXPECT_EQ(outcome.status, 0);
   EXPECT_NE(outcome.output.find("\r\x1B[Kvalues "), std::string::npos) << outcome.output;
 }

@@ -33,7 +33,7 @@ TEST_F(Pieces, GoOnFromEachOther) {
   EXPECT_EQ(run("x = x + 1"), "");
   EXPECT_EQ(number("x"), 5);
   EXPECT_EQ(run("Const x = 7"), "") << "declared anew";
-  EXPECT_EQ(run("x = 1"), "this cannot be assigned to");
+  EXPECT_EQ(run("x = 1"), "x is constant");
 }
 
 TEST_F(Pieces, KeepTheSubThatTheyWereCompiledWith) {

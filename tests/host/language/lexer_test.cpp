@@ -6,6 +6,13 @@
 namespace host {
 namespace {
 
+std::vector<Token> tokenize(std::string_view text) {
+  Problems problems;
+  std::vector<Token> tokens = host::tokenize(text, problems);
+  problems.throwIfAny();
+  return tokens;
+}
+
 std::string kindsIn(std::string_view text) {
   std::string kinds;
   for (const Token& token : tokenize(text)) kinds += "wirtsl."[static_cast<std::size_t>(token.kind)];

@@ -6,6 +6,13 @@
 namespace host {
 namespace {
 
+syntax::Program parse(std::string_view text, bool interactive = false) {
+  Problems problems;
+  syntax::Program program = host::parse(text, interactive, problems);
+  problems.throwIfAny();
+  return program;
+}
+
 std::string written(const syntax::Expression& expression);
 
 std::string written(const syntax::Arguments& arguments) {
@@ -16,6 +23,7 @@ std::string written(const syntax::Arguments& arguments) {
 
 // An expression with all of its grouping shown.
 struct Writer {
+  std::string operator()(const syntax::Unread&) const { return "?"; }
   std::string operator()(const syntax::Literal& literal) const {
     if (const auto* number = std::get_if<std::uint64_t>(&literal.value)) return std::to_string(*number);
     if (const auto* text = std::get_if<std::string>(&literal.value)) return '"' + *text + '"';

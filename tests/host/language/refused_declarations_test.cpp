@@ -9,12 +9,12 @@ namespace {
 
 TEST(RefusedDeclarations, OfModulesAndEnumerations) {
   expectRefused({
-      {"Enum E\nA", "1:6 the Enum E has no 'End Enum'"},
+      {"Enum E\nA", "1:1 'Enum' of line 1 has no 'End Enum'"},
       {"Enum E As Double\nEnd Enum", "1:11 the values of an Enum are integers, not Double"},
       {"Enum E\nA = \"x\"\nEnd Enum", "2:5 expected Integer as the value of A, found String"},
       {"Enum E\nA\nA\nEnd Enum", "3:1 there is another A already"},
       {"Enum E\nA B\nEnd Enum", "2:3 expected the end of the line after A, found 'B'"},
-      {"Module M", "1:8 the Module M has no 'End Module'"},
+      {"Module M", "1:1 'Module' of line 1 has no 'End Module'"},
       {"Module M\n5\nEnd Module", "2:1 expected a declaration or 'End Module', found '5'"},
       {"Module M\nDim x As Integer 5\nEnd Module",
        "2:18 expected the end of the line after the declaration, found '5'"},
@@ -37,7 +37,7 @@ TEST(RefusedDeclarations, OfModulesAndEnumerations) {
 TEST(RefusedDeclarations, OfClasses) {
   expectRefused({
       {"Class", "1:1 unknown name 'Class'"},
-      {"Class C", "1:7 the Class C has no 'End Class'"},
+      {"Class C", "1:1 'Class' of line 1 has no 'End Class'"},
       {"Class C\nInherits\nEnd Class",
        "2:9 expected 'As' after the variable Inherits, found the end of the line"},
       {"Class C Inherits A Inherits B\nEnd Class", "1:29 C inherits from a class already"},
@@ -80,7 +80,9 @@ TEST(RefusedDeclarations, OfClasses) {
       {"Class C\nSub S()\nSuper.S\nEnd Sub\nEnd Class", "3:1 there is no class above C"},
       {"Class C Inherits Date\nSub S()\nPrint Super\nEnd Sub\nEnd Class",
        "3:7 expected a member after Super, such as Super.Constructor"},
-      {"Class C Inherits Date\nSub S()\nSuper.T\nEnd Sub\nEnd Class", "3:7 Date has no member 'T'"},
+      {"Class C Inherits Date\nSub S()\nSuper.T\nEnd Sub\nEnd Class",
+       "3:7 Date has no member 'T'; this host's dates are a number of seconds alone (Date.TotalSeconds, "
+       "DateTime.SecondsFrom1970); measure time with Microseconds or Ticks"},
       {"Print Self", "1:7 Self stands for an object only in a method of a class"},
       {"Class C\nEnd Class\nPrint C", "3:7 the class C is no value; expected a member of it, or New C"},
       {"Class C\nEnd Class\nC.Work", "3:3 the class C has no shared member 'Work'"},
@@ -100,7 +102,7 @@ TEST(RefusedDeclarations, OfInterfacesDelegatesAndParameters) {
       {"Dim a(,) As Integer", "1:5 this host's arrays have one dimension"},
       {"Dim a() As Integer\nReDim a(1, 2)", "2:1 this host's arrays have one dimension"},
       {"Sub S(a(,) As Integer)\nEnd Sub", "1:15 this host's arrays have one dimension"},
-      {"Interface I", "1:11 the Interface I has no 'End Interface'"},
+      {"Interface I", "1:1 'Interface' of line 1 has no 'End Interface'"},
       {"Interface I\nPrint 1\nEnd Interface",
        "2:1 expected a Sub or Function without a body, or 'End Interface', found 'Print'"},
       {"Interface I\nSub S()\nEnd Interface\nClass C\nImplements I\nEnd Class",

@@ -58,3 +58,19 @@ Grow(a(0), v)
 Print Str(a(0)) + " " + Str(v)
 v += " and text"
 Print v
+
+' A member of what an index or a call gives.
+calls = 0
+numbers(1) = New AtomicIntegerQTX
+numbers(Count()).Value += 1
+Function At(n As Integer) As AtomicIntegerQTX
+  Return numbers(n)
+End Function
+At(Count() - 1).Value -= 4
+Print Str(calls) + ": " + Str(numbers(1).Value)
+Dim missing(3) As AtomicIntegerQTX
+Try
+  missing(Count()).Value += 1
+Catch e As RuntimeException
+  Print Str(calls) + ": " + e.Message
+End Try
