@@ -1,4 +1,5 @@
 ' draws: docs/distributions.svg
+' output: varies
 ' takes: long
 ' Draws from the three distributions as a picture (SVG): bars for how many of
 ' them fell where, and the curve or dots where the distribution itself is. Each
