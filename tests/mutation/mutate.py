@@ -120,9 +120,9 @@ def runMutants(mutants, tests, parallel, done, record):
         # What every test reaches, none of them sees at times: then the slow ones of other folders would be run in vain.
         found = [t for t in reaching[mutant.number] if t.folder == folder or t.seconds < SLOW_SECONDS]
         status, by = ('survived' if reaching[mutant.number] else 'while compiling' if mutant.constant else 'not reached'), ''
-        # What has killed its neighbours is likely to kill it as well.
+        # What has killed its neighbours is likely to kill it as well; what is slow may still come last.
         with lock:
-            ordered = sorted(found, key=lambda t: (t.folder != folder, -kills[mutant.file][t.name], t.seconds))
+            ordered = sorted(found, key=lambda t: (t.folder != folder, t.seconds / (1 + kills[mutant.file][t.name])))
         for test in ordered:
             passed = test.run({'QTX_MUTANT': str(mutant.number)}, max(LEAST_SECONDS, 10 * test.seconds))
             if not passed:

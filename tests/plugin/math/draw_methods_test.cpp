@@ -219,6 +219,29 @@ TEST(ModifiedNormal, IsAlgorithmPDAtEveryBorderOfItsFirstSteps) {
   }
 }
 
+// Hardly any point of the circle leads to 0 exactly: it is looked for.
+TEST(ModifiedNormal, CountsADeviateThatComesToNothing) {
+  const double mu = 16, s = 4;
+  const auto g = [&](const Numbers& numbers) {
+    Given given(numbers);
+    return mu + s * polarPoint(given).deviate();
+  };
+  int found = 0;
+  for (double x = 0.5; x < 0.5004; x += 1e-6) {
+    double left = 0.47, right = 0.4925;  // on both sides
+    for (;;) {
+      const double middle = left + (right - left) / 2;
+      if (middle <= left || middle >= right) break;
+      (g({x, middle}) > 0 ? left : right) = middle;
+    }
+    if (g({x, right}) != 0) continue;
+    ++found;
+    EXPECT_EQ(outcomeOf([&](auto& given) { return modifiedNormal(given, mu); }, {x, right, belowOne}).value,
+              0);
+  }
+  EXPECT_GT(found, 0);
+}
+
 // So step S decides nothing but how soon a number is accepted, and may accept fewer.
 TEST(ModifiedNormal, AcceptsInStepQWhatStepSAccepts) {
   for (const double mu : means) {
@@ -247,15 +270,19 @@ TEST(ModifiedNormal, IsAlgorithmPDAtEveryBorderOfItsLastSteps) {
       if (!outcomeOf(reference, numbers).value) first = numbers;
     }
     ASSERT_FALSE(outcomeOf(reference, first).value) << mu;
-    for (double e = 0; e < 8; e += 0.125) {
-      Numbers numbers = first;
-      numbers.insert(numbers.end(), {1 - std::exp(-e), 0});
-      expectSameBorders(draw, reference, numbers, numbers.size() - 1);
-    }
-    for (double u = 0; u < 1; u += 0.03125) {
-      Numbers numbers = first;
-      numbers.insert(numbers.end(), {0, u});
-      expectSameBorders(draw, reference, numbers, numbers.size() - 2);
+    std::vector<Numbers> beginnings = {first};
+    if (mu < 25) beginnings.push_back(normalDeviate(-5));  // leads below 0
+    for (const Numbers& beginning : beginnings) {
+      for (double e = 0; e < 8; e += 0.125) {
+        Numbers numbers = beginning;
+        numbers.insert(numbers.end(), {1 - std::exp(-e), 0});
+        expectSameBorders(draw, reference, numbers, numbers.size() - 1);
+      }
+      for (double u = 0; u < 1; u += 0.03125) {
+        Numbers numbers = beginning;
+        numbers.insert(numbers.end(), {0, u});
+        expectSameBorders(draw, reference, numbers, numbers.size() - 2);
+      }
     }
   }
 }
