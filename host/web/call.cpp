@@ -121,7 +121,6 @@ const std::map<std::string, Direct>& shapes() {
       shape<std::int8_t, Thing, Integer>(),
       shape<std::int16_t, Thing, Integer>(),
       shape<std::uint8_t, Thing, Integer>(),
-      shape<void>(),
       shape<bool>(),
       shape<bool, double>(),
       shape<bool, Integer, Integer>(),
