@@ -42,9 +42,7 @@ REALstring getMessage(REALobject self, RBInteger) {
 void setErrorNumber(REALobject self, RBInteger, RBInteger number) {
   storeRelaxed(exceptionIn(self).errorNumber, number);
 }
-RBInteger getErrorNumber(REALobject self, RBInteger) {
-  return loadRelaxed(exceptionIn(self).errorNumber);
-}
+RBInteger getErrorNumber(REALobject self, RBInteger) { return loadRelaxed(exceptionIn(self).errorNumber); }
 void makeException(REALobject) {}
 void makeExceptionWith(REALobject self, REALstring message, RBInteger number) {
   setMessage(self, 0, message);
