@@ -1,6 +1,6 @@
 # What makes a mistake in memory hard to exploit on Linux: for everything that is built here, so that what is tested
 # and measured is what users get. Not beside the sanitizers, which find more and want the calls as they stand.
-if(APPLE OR QTX_SANITIZE)
+if(APPLE OR EMSCRIPTEN OR QTX_SANITIZE)
   return()
 endif()
 set(qtx_hardening -fstack-protector-strong)

@@ -2,13 +2,11 @@
 #include "language/program.h"
 
 #include <alloca.h>
-#include <pthread.h>
 
 #include <cstring>
 #include <utility>
 
-#include "runtime/thread.h"
-#include "runtime/trap.h"
+#include "runtime/system_threads.h"
 
 namespace host {
 
@@ -38,21 +36,7 @@ constexpr std::size_t stackReserve = std::size_t{1} << 20;  // for what runs bet
 
 // The lowest address that this thread's frames may reach.
 const char* stackLimit() {
-  static thread_local const char* limit = [] {
-#if defined(__APPLE__)
-    const pthread_t self = pthread_self();
-    return static_cast<const char*>(pthread_get_stackaddr_np(self)) - pthread_get_stacksize_np(self) +
-           stackReserve;
-#else
-    pthread_attr_t attributes;
-    void* lowest = nullptr;
-    std::size_t size = 0;
-    pthread_getattr_np(pthread_self(), &attributes);
-    pthread_attr_getstack(&attributes, &lowest, &size);
-    pthread_attr_destroy(&attributes);
-    return static_cast<const char*>(lowest) + stackReserve;
-#endif
-  }();
+  static thread_local const char* limit = lowestOfStack() + stackReserve;
   return limit;
 }
 
@@ -151,29 +135,13 @@ void runHere(const Main& main) {
 
 void runMain(const Main& main) {
   std::exception_ptr failure;
-  auto body = [&] {
+  runOnDeepStack([&] {
     try {
       runHere(main);
     } catch (...) {
       failure = std::current_exception();
     }
-  };
-  pthread_attr_t attributes;
-  pthread_attr_init(&attributes);
-  pthread_attr_setstacksize(&attributes, threadStackSize);
-  pthread_t thread;
-  const auto entry = [](void* argument) -> void* {
-    const AlternateStack forSignals;
-    (*static_cast<decltype(body)*>(argument))();
-    return nullptr;
-  };
-  const bool started = pthread_create(&thread, &attributes, entry, &body) == 0;
-  pthread_attr_destroy(&attributes);
-  if (started) {
-    pthread_join(thread, nullptr);
-  } else {
-    body();
-  }
+  });
   if (failure) std::rethrow_exception(failure);
 }
 

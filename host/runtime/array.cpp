@@ -26,7 +26,7 @@ constexpr std::int64_t mostElements = std::int64_t{1} << 27;  // 1 GiB
 
 // In front of the elements: the memory that they were in before, which threads may still read. It is half as
 // large or less, so all that is kept is never more than what is used.
-struct Former {
+struct alignas(8) Former {
   Former* former;
 };
 Former* headOf(Slot* elements) { return elements ? reinterpret_cast<Former*>(elements) - 1 : nullptr; }

@@ -16,9 +16,9 @@ class LiveThings;  // a list of them; heap.cpp keeps several
 // 32 bytes; the count lies where plug-ins that read arrays directly expect it. Live things are listed, so
 // that leaks can be shown. Counting is thread-safe.
 struct Heap {
-  const Class* objectClass;              // never null: strings and arrays have classes of their own
-  LiveThings* among;                     // the list that it stands in; null once it is destroyed
-  std::size_t place;                     // in the list, under its lock
+  alignas(8) const Class* objectClass;   // never null: strings and arrays have classes of their own
+  alignas(8) LiveThings* among;          // the list that it stands in; null once it is destroyed
+  alignas(8) std::size_t place;          // in the list, under its lock
   std::atomic<std::int64_t> references;  // 1 when made
 };
 static_assert(sizeof(Heap) == 32);

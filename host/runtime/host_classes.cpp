@@ -25,7 +25,7 @@ namespace {
 
 ExceptionData& exceptionIn(REALobject self) { return dataIn<ExceptionData>(self, *hostClasses().exception); }
 
-void setMessage(REALobject self, std::intptr_t, REALstring text) {
+void setMessage(REALobject self, RBInteger, REALstring text) {
   auto* message = reinterpret_cast<Text*>(text);
   retain(message);
   Text* old;
@@ -35,18 +35,16 @@ void setMessage(REALobject self, std::intptr_t, REALstring text) {
   }
   release(old);
 }
-REALstring getMessage(REALobject self, std::intptr_t) {
+REALstring getMessage(REALobject self, RBInteger) {
   const Using use(self);
   Text* const message = exceptionIn(self).message;
   retain(message);
   return reinterpret_cast<REALstring>(message);
 }
-void setErrorNumber(REALobject self, std::intptr_t, RBInteger number) {
+void setErrorNumber(REALobject self, RBInteger, RBInteger number) {
   storeRelaxed(exceptionIn(self).errorNumber, number);
 }
-RBInteger getErrorNumber(REALobject self, std::intptr_t) {
-  return loadRelaxed(exceptionIn(self).errorNumber);
-}
+RBInteger getErrorNumber(REALobject self, RBInteger) { return loadRelaxed(exceptionIn(self).errorNumber); }
 void makeException(REALobject) {}
 void makeExceptionWith(REALobject self, REALstring message, RBInteger number) {
   setMessage(self, 0, message);
@@ -88,11 +86,11 @@ struct DateData {
 };
 
 template <const Class* HostClasses::*member>
-double getSeconds(REALobject self, std::intptr_t) {
+double getSeconds(REALobject self, RBInteger) {
   return loadRelaxed(dataIn<DateData>(self, *(hostClasses().*member)).seconds);
 }
 template <const Class* HostClasses::*member>
-void setSeconds(REALobject self, std::intptr_t, double seconds) {
+void setSeconds(REALobject self, RBInteger, double seconds) {
   storeRelaxed(dataIn<DateData>(self, *(hostClasses().*member)).seconds, seconds);
 }
 

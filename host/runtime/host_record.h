@@ -33,8 +33,8 @@ REALmethodDefinition hostMethod(std::type_identity_t<CheckedDeclaration<Value (*
 // A property of instances; read-only without a setter.
 template <typename Value>
 REALproperty hostProperty(const char* name, std::type_identity_t<CheckedType<Value>> type,
-                          Value (*getter)(REALobject, std::intptr_t),
-                          std::type_identity_t<void (*)(REALobject, std::intptr_t, Value)> setter = nullptr) {
+                          Value (*getter)(REALobject, RBInteger),
+                          std::type_identity_t<void (*)(REALobject, RBInteger, Value)> setter = nullptr) {
   REALproperty record = {};
   record.name = name;
   record.type = type.text;

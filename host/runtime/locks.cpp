@@ -7,6 +7,7 @@
 
 #include "runtime/exception.h"
 #include "runtime/host_record.h"
+#include "runtime/system_threads.h"
 #include "runtime/waiting.h"
 
 namespace host {

@@ -31,7 +31,8 @@ struct MemoryData {
   std::int64_t capacity;
   std::atomic<bool> bigEndian;
 };
-constexpr std::int64_t mostBytes = std::int64_t{1} << 32;
+constexpr std::int64_t mostBytes =
+    static_cast<std::int64_t>(std::min(std::uint64_t{1} << 32, std::uint64_t{PTRDIFF_MAX} / 2));
 
 MemoryData& memoryIn(REALobject self) { return dataIn<MemoryData>(self, *hostClasses().memoryBlock); }
 
@@ -81,12 +82,12 @@ void destroy(REALobject self) {
   for (Former* head = headOf(memoryIn(self).bytes); head;) std::free(std::exchange(head, head->former));
 }
 
-RBInteger getSize(REALobject self, std::intptr_t) { return memoryIn(self).size; }
-void setSize(REALobject self, std::intptr_t, RBInteger size) {
+RBInteger getSize(REALobject self, RBInteger) { return memoryIn(self).size; }
+void setSize(REALobject self, RBInteger, RBInteger size) {
   asPending([&] { resize(memoryIn(self), size); });
 }
-bool getLittleEndian(REALobject self, std::intptr_t) { return !memoryIn(self).bigEndian; }
-void setLittleEndian(REALobject self, std::intptr_t, bool value) { memoryIn(self).bigEndian = !value; }
+bool getLittleEndian(REALobject self, RBInteger) { return !memoryIn(self).bigEndian; }
+void setLittleEndian(REALobject self, RBInteger, bool value) { memoryIn(self).bigEndian = !value; }
 
 template <typename Value>
 Value get(REALobject self, RBInteger offset) {

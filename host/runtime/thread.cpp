@@ -1,17 +1,15 @@
 // Starts, joins and counts threads.
 #include "runtime/thread.h"
 
-#include <pthread.h>
-
 #include <algorithm>
 #include <chrono>
 #include <iterator>
 #include <mutex>
-#include <thread>
+#include <utility>
 
 #include "runtime/host_record.h"
 #include "runtime/sharing.h"
-#include "runtime/trap.h"
+#include "runtime/system_threads.h"
 #include "runtime/waiting.h"
 
 namespace host {
@@ -41,9 +39,10 @@ void initialize(REALobject self) { dataIn<ThreadData>(self, *hostClasses().threa
 void destroy(REALobject self) { delete &stateOf(self); }
 
 void run(Ref<Object> thread) {
-  ownThread = reinterpret_cast<REALobject>(thread.get());
+  // Where threads take turns, another's is put aside meanwhile.
+  const REALobject threadBefore = std::exchange(ownThread, reinterpret_cast<REALobject>(thread.get()));
   ThreadState& state = stateOf(ownThread);
-  ownActivity = &state.activity;
+  std::atomic<Activity>* const activityBefore = std::exchange(ownActivity, &state.activity);
   try {
     std::function<void(Object&)> handler;
     {
@@ -55,8 +54,8 @@ void run(Ref<Object> thread) {
     reportUncaught(exception);
   } catch (const ProgramEnd&) {  // ends this thread; the others notice themselves
   }
-  ownActivity = nullptr;
-  ownThread = nullptr;
+  ownActivity = activityBefore;
+  ownThread = threadBefore;
   state.activity = Activity::notRunning;
   notify(state.ended);
   thread = nullptr;
@@ -72,24 +71,9 @@ void start(REALobject self) {
     beginSharing();
     threadBegins();
     // The thread holds the object while it runs.
-    auto* handed = new Ref<Object>(Ref<Object>::share(reinterpret_cast<Object*>(self)));
-    pthread_attr_t attributes;
-    pthread_attr_init(&attributes);
-    pthread_attr_setstacksize(&attributes, threadStackSize);
-    pthread_attr_setdetachstate(&attributes, PTHREAD_CREATE_DETACHED);
-    pthread_t thread;
-    const auto entry = [](void* argument) -> void* {
-      const AlternateStack forSignals;
-      auto* object = static_cast<Ref<Object>*>(argument);
-      Ref<Object> taken = std::move(*object);
-      delete object;
-      run(std::move(taken));
-      return nullptr;
-    };
-    const int failure = pthread_create(&thread, &attributes, entry, handed);
-    pthread_attr_destroy(&attributes);
-    if (failure != 0) {
-      delete handed;
+    if (!startThread([held = Ref<Object>::share(reinterpret_cast<Object*>(self))]() mutable {
+          run(std::move(held));
+        })) {
       state.activity = Activity::notRunning;
       threadEnds();
       throw HostException("OutOfMemoryException", "The system cannot start another thread.");
@@ -107,8 +91,8 @@ void join(REALobject self) {
   if (!hasEnded()) waitUntil(state.ended, "Thread.Join", hasEnded);
 }
 
-bool isRunning(REALobject self, std::intptr_t) { return stateOf(self).activity != Activity::notRunning; }
-RBInteger activityOf(REALobject self, std::intptr_t) {
+bool isRunning(REALobject self, RBInteger) { return stateOf(self).activity != Activity::notRunning; }
+RBInteger activityOf(REALobject self, RBInteger) {
   return static_cast<RBInteger>(stateOf(self).activity.load());
 }
 
@@ -120,7 +104,7 @@ REALobject current() {
 void sleep(RBInteger milliseconds) {
   constexpr RBInteger aYear = RBInteger{1000} * 60 * 60 * 24 * 365;  // what a clock can add to now
   const Doing sleeping(Activity::sleeping);
-  std::this_thread::sleep_for(std::chrono::milliseconds(std::clamp<RBInteger>(milliseconds, 0, aYear)));
+  sleepFor(std::chrono::milliseconds(std::clamp<RBInteger>(milliseconds, 0, aYear)));
 }
 
 template <Activity activity>

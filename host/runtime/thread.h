@@ -1,20 +1,12 @@
-// The language's Thread class: real threads of the operating system.
+// The language's Thread class.
 #pragma once
 
-#include <cstddef>
 #include <functional>
 
 #include "runtime/exception.h"
 #include "runtime/registry.h"
 
 namespace host {
-
-// Of every thread that runs a program. The thread sanitizer follows only 65,536 nested calls.
-#if defined(__SANITIZE_THREAD__)
-inline constexpr std::size_t threadStackSize = std::size_t{4} << 20;
-#else
-inline constexpr std::size_t threadStackSize = std::size_t{64} << 20;
-#endif
 
 // What a thread runs when started (AddHandler t.Run, AddressOf ...); called on the new thread with the Thread
 // object.

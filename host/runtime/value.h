@@ -34,7 +34,7 @@ enum class Kind : std::uint8_t {
 struct Type {
   Kind kind = Kind::None;
   std::uint8_t array = 0;  // how many dimensions
-  const Class* objectClass = nullptr;
+  alignas(8) const Class* objectClass = nullptr;
 
   friend bool operator==(const Type&, const Type&) = default;
 

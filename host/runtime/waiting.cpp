@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "runtime/running_call.h"
+#include "runtime/system_threads.h"
 
 namespace host {
 
@@ -52,12 +53,6 @@ void checkForDeadlock() {
 
 }  // namespace
 
-std::uint64_t threadNumber() {
-  static std::atomic<std::uint64_t> last{0};
-  thread_local const std::uint64_t own = ++last;
-  return own;
-}
-
 void waitUntil(Awaited& awaited, const char* what, const std::function<bool()>& ready) {
   const Doing waiting(Activity::waiting);
   Waiter self{awaited, what, ready, threadNumber(), runningCall};
@@ -65,10 +60,14 @@ void waitUntil(Awaited& awaited, const char* what, const std::function<bool()>& 
   waiters.push_back(&self);
   ++awaited.waiters;  // before looking: whoever makes it ready then looks for those who wait
   checkForDeadlock();
-  awaited.changed.wait(lock, [&] { return self.isHopeless || ready(); });
+  const bool canCome = sleepUntil(awaited.changed, lock, [&] { return self.isHopeless || ready(); });
   --awaited.waiters;
   std::erase(waiters, &self);
   if (self.isHopeless) throw Deadlock();
+  if (!canCome) {
+    throwException("UnsupportedOperationException",
+                   std::string(what) + ": the thread waits for another that waits for its turn.");
+  }
 }
 
 void notify(Awaited& awaited) {
@@ -98,7 +97,7 @@ void awaitOtherThreads() {
   std::unique_lock lock(allWaits);
   mainIsThrough = true;
   checkForDeadlock();
-  anyEnded.wait(lock, [] { return started == 0; });
+  sleepUntil(anyEnded, lock, [] { return started == 0; });
   mainIsThrough = false;
 }
 

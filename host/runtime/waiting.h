@@ -31,9 +31,6 @@ class Doing {
   }
 };
 
-// A number of this thread's own, from 1 on.
-std::uint64_t threadNumber();
-
 // Something that threads wait for.
 struct Awaited {
   std::atomic<int> waiters{0};
@@ -47,7 +44,8 @@ class Deadlock final : public ProgramEnd {
 };
 
 // Returns when `ready` holds, which may be asked at any time and changes nothing; `what` is said of it in a
-// report. Throws Deadlock on each thread where none is left that could bring it about.
+// report. Throws Deadlock on each thread where none is left that could bring it about, and
+// UnsupportedOperationException where threads take turns and the one that could waits for its own.
 void waitUntil(Awaited& awaited, const char* what, const std::function<bool()>& ready);
 
 // To be called after a change that somebody may wait for.

@@ -122,7 +122,7 @@ void AddA(REALobject self, REALarrayObject values) {
   QueueStore& elements = elementsOf(self);
   for (std::size_t i = 0; i < count; ++i) {
     REALobject value;
-    std::memcpy(&value, handles + i * sizeof value, sizeof value);
+    std::memcpy(&value, handles + i * sizeof(std::int64_t), sizeof value);  // eight bytes hold any element
     elements.append(REALObject(value));
   }
 }

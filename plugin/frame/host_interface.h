@@ -1,5 +1,5 @@
 // The host's binary interface: handles, record layouts, and the numbers that stand for encodings, types and
-// flags. 64-bit only.
+// flags. Pointers and sizes have eight bytes each, also where they fill only four of them.
 //
 // This is the one header that the plug-in and the stand-in host share. Everything in it crosses the boundary
 // with the platform's C calling convention and natural alignment, so each record states its size and offsets
@@ -42,18 +42,18 @@ struct REALeventInstance;
 struct REALconstant;
 
 struct REALattribute {
-  const char* name;
-  const char* value;
+  alignas(8) const char* name;
+  alignas(8) const char* value;
 };
 static_assert(sizeof(REALattribute) == 16);
 
 struct REALmethodDefinition {
-  REALproc function;
-  REALproc setterFunction;  // of an assignable method; null otherwise
-  const char* declaration;  // as the host parses it: "Add(Value as Int64) as Int64"
-  std::uint32_t flags;
-  REALattribute* attributes;
-  std::size_t attributeCount;
+  alignas(8) REALproc function;
+  alignas(8) REALproc setterFunction;  // of an assignable method; null otherwise
+  alignas(8) const char* declaration;  // as the host parses it: "Add(Value as Int64) as Int64"
+  alignas(8) std::uint32_t flags;
+  alignas(8) REALattribute* attributes;
+  alignas(8) std::size_t attributeCount;
 };
 static_assert(sizeof(REALmethodDefinition) == 48);
 static_assert(offsetof(REALmethodDefinition, setterFunction) == 8);
@@ -63,17 +63,17 @@ static_assert(offsetof(REALmethodDefinition, attributes) == 32);
 static_assert(offsetof(REALmethodDefinition, attributeCount) == 40);
 
 struct REALproperty {
-  const char* group;
-  const char* name;
-  const char* type;
-  std::uint32_t flags;
-  REALproc getter;          // all bits set: the field at offset `parameter` of the instance data
-  REALproc setter;          // likewise; null: read-only
-  std::intptr_t parameter;  // handed to the getter and setter of an instance property
-  std::size_t editorCount;
-  const char** editors;
-  REALattribute* attributes;
-  std::size_t attributeCount;
+  alignas(8) const char* group;
+  alignas(8) const char* name;
+  alignas(8) const char* type;
+  alignas(8) std::uint32_t flags;
+  alignas(8) REALproc getter;          // all bits set: the field at offset `parameter` of the instance data
+  alignas(8) REALproc setter;          // likewise; null: read-only
+  alignas(8) std::intptr_t parameter;  // handed to the getter and setter of an instance property
+  alignas(8) std::size_t editorCount;
+  alignas(8) const char** editors;
+  alignas(8) REALattribute* attributes;
+  alignas(8) std::size_t attributeCount;
 };
 static_assert(sizeof(REALproperty) == 88);
 static_assert(offsetof(REALproperty, name) == 8);
@@ -89,31 +89,32 @@ static_assert(offsetof(REALproperty, attributeCount) == 80);
 
 struct REALclassDefinition {
   std::int32_t version;
-  const char* name;
-  const char* superName;
-  std::size_t dataSize;
-  std::size_t dataOffset;  // written by the host: where an instance's data starts behind its handle
-  REALproc constructor;    // the initializer, run before any Constructor method
-  REALproc destructor;
-  REALproperty* properties;
-  std::size_t propertyCount;
-  REALmethodDefinition* methods;
-  std::size_t methodCount;
-  REALevent* events;
-  std::size_t eventCount;
-  REALeventInstance* eventInstances;
-  std::size_t eventInstanceCount;
-  const char* interfaces;
-  REALattribute* attributes;
-  std::size_t attributeCount;
-  REALconstant* constants;
-  std::size_t constantCount;
-  std::uint32_t flags;
-  REALproperty* sharedProperties;
-  std::size_t sharedPropertyCount;
-  REALmethodDefinition* sharedMethods;
-  std::size_t sharedMethodCount;
-  void* reserved;
+  alignas(8) const char* name;
+  alignas(8) const char* superName;
+  alignas(8) std::size_t dataSize;
+  alignas(8) std::size_t
+      dataOffset;                   // written by the host: where an instance's data starts behind its handle
+  alignas(8) REALproc constructor;  // the initializer, run before any Constructor method
+  alignas(8) REALproc destructor;
+  alignas(8) REALproperty* properties;
+  alignas(8) std::size_t propertyCount;
+  alignas(8) REALmethodDefinition* methods;
+  alignas(8) std::size_t methodCount;
+  alignas(8) REALevent* events;
+  alignas(8) std::size_t eventCount;
+  alignas(8) REALeventInstance* eventInstances;
+  alignas(8) std::size_t eventInstanceCount;
+  alignas(8) const char* interfaces;
+  alignas(8) REALattribute* attributes;
+  alignas(8) std::size_t attributeCount;
+  alignas(8) REALconstant* constants;
+  alignas(8) std::size_t constantCount;
+  alignas(8) std::uint32_t flags;
+  alignas(8) REALproperty* sharedProperties;
+  alignas(8) std::size_t sharedPropertyCount;
+  alignas(8) REALmethodDefinition* sharedMethods;
+  alignas(8) std::size_t sharedMethodCount;
+  alignas(8) void* reserved;
 };
 static_assert(sizeof(REALclassDefinition) == 208);
 static_assert(offsetof(REALclassDefinition, name) == 8);
@@ -144,17 +145,17 @@ static_assert(offsetof(REALclassDefinition, reserved) == 200);
 
 struct REALmoduleDefinition {
   std::int32_t version;
-  const char* name;
-  REALmethodDefinition* methods;
-  std::size_t methodCount;
-  REALconstant* constants;
-  std::size_t constantCount;
-  REALproperty* properties;
-  std::size_t propertyCount;
-  void* structures;
-  std::size_t structureCount;
-  std::uint32_t flags;
-  void* reserved;
+  alignas(8) const char* name;
+  alignas(8) REALmethodDefinition* methods;
+  alignas(8) std::size_t methodCount;
+  alignas(8) REALconstant* constants;
+  alignas(8) std::size_t constantCount;
+  alignas(8) REALproperty* properties;
+  alignas(8) std::size_t propertyCount;
+  alignas(8) void* structures;
+  alignas(8) std::size_t structureCount;
+  alignas(8) std::uint32_t flags;
+  alignas(8) void* reserved;
 };
 static_assert(sizeof(REALmoduleDefinition) == 96);
 static_assert(offsetof(REALmoduleDefinition, name) == 8);
@@ -170,10 +171,10 @@ static_assert(offsetof(REALmoduleDefinition, flags) == 80);
 static_assert(offsetof(REALmoduleDefinition, reserved) == 88);
 
 struct REALstringData {
-  const char* data;
-  std::size_t length;  // in bytes
-  std::uint32_t encoding;
-  void* reserved;
+  alignas(8) const char* data;
+  alignas(8) std::size_t length;  // in bytes
+  alignas(8) std::uint32_t encoding;
+  alignas(8) void* reserved;
 };
 static_assert(sizeof(REALstringData) == 32);
 static_assert(offsetof(REALstringData, length) == 8);

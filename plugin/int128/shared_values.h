@@ -51,7 +51,7 @@ class SharedValues {
     if (strayed_.load(std::memory_order_relaxed)) [[unlikely]] {
       for (Slot& slot : slots_) drop(slot, instance);
     } else if (const Value value = valueOf<Value>(instance); isShared(value)) {
-      drop(slots_[value.low], instance);
+      drop(slotOf(value), instance);
     }
   }
 
@@ -59,7 +59,7 @@ class SharedValues {
   // object need not hold its slot's number.
   void overwrite(REALobject instance) {
     const Value value = valueOf<Value>(instance);
-    if (isShared(value) && slots_[value.low].load(std::memory_order_relaxed) == instance) {
+    if (isShared(value) && slotOf(value).load(std::memory_order_relaxed) == instance) {
       strayed_.store(true, std::memory_order_relaxed);
     }
   }
@@ -68,6 +68,7 @@ class SharedValues {
 
  private:
   using Slot = std::atomic<REALobject>;
+  Slot& slotOf(const Value& value) { return slots_[static_cast<std::size_t>(value.low)]; }
 
   // A reference that is to be given back when nobody announces its object any more.
   struct Left {
@@ -152,7 +153,7 @@ inline constinit SharedValues<Value> constants;
 // cannot make it. The reference is the caller's.
 template <typename Value>
 REALobject newObject(Value value) noexcept {
-  if (SharedValues<Value>::isShared(value)) return constants<Value>.take(value.low);
+  if (SharedValues<Value>::isShared(value)) return constants<Value>.take(static_cast<std::size_t>(value.low));
   return makeInstance(value);
 }
 

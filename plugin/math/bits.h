@@ -62,7 +62,7 @@ __extension__ typedef unsigned __int128 DoubleWord;
 // 2^64 / width, rounded up, from width 2 on.
 inline constexpr std::array<std::uint64_t, 33> reciprocals = [] {
   std::array<std::uint64_t, 33> table{};
-  for (std::uint64_t width = 2; width < table.size(); ++width) table[width] = ~std::uint64_t{0} / width + 1;
+  for (std::size_t width = 2; width < table.size(); ++width) table[width] = ~std::uint64_t{0} / width + 1;
   return table;
 }();
 
@@ -78,7 +78,7 @@ constexpr bool isSmallCount(std::int64_t count) {
 constexpr std::uint64_t rotateWholeField(std::uint64_t value, std::int64_t count, std::uint64_t first,
                                          std::uint64_t width) noexcept {
   const std::uint64_t positive = static_cast<std::uint64_t>(count) + width * greatestCount;
-  const std::uint64_t fraction = reciprocals[width] * positive;
+  const std::uint64_t fraction = reciprocals[static_cast<std::size_t>(width)] * positive;
   const std::uint64_t left = static_cast<std::uint64_t>(static_cast<DoubleWord>(fraction) * width >> 64);
 
   const std::uint64_t mask = (std::uint64_t{1} << width) - 1;

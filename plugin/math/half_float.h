@@ -63,7 +63,7 @@ __attribute__((target("f16c"), aligned(64))) inline float fromHalf(std::uint16_t
   }
   return _cvtsh_ss(half);
 }
-#else
+#elif defined(__aarch64__)
 using qtx::toHalf;  // the instruction rounds by the mode that is set
 inline float fromHalf(std::uint16_t half) noexcept {
   if ((half & 0x7FFF) >= 0x7C00) [[unlikely]] {  // infinities too: a mode that programs may set has none
@@ -71,6 +71,9 @@ inline float fromHalf(std::uint16_t half) noexcept {
   }
   return std::bit_cast<__fp16>(half);
 }
+#else
+using qtx::fromHalf;
+using qtx::toHalf;
 #endif
 }  // namespace tuned
 

@@ -54,7 +54,7 @@ struct Curve : Sequence {
 // The instance data, handed over as zeros. No sequence exists before the constructor has passed its size
 // check.
 struct SplineData {
-  Sequence *a, *b, *c, *d, *x, *y;
+  alignas(8) Sequence* a, *b, *c, *d, *x, *y;
   std::int64_t count;  // the host program may set it, which changes nothing else
 };
 static_assert(sizeof(SplineData) == 56 && offsetof(SplineData, count) == 48);
