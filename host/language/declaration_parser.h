@@ -7,9 +7,8 @@ namespace host {
 
 class DeclarationParser {
  public:
-  DeclarationParser(TokenReader& tokens, int& depth, ExpressionParser& expressions,
-                    StatementParser& statements)
-      : tokens_(tokens), depth_(depth), expressions_(expressions), statements_(statements) {}
+  DeclarationParser(TokenReader& tokens, ExpressionParser& expressions, StatementParser& statements)
+      : tokens_(tokens), expressions_(expressions), statements_(statements) {}
 
   // A declaration, where one begins; false where a statement does.
   bool declared(syntax::Members& into);
@@ -40,7 +39,6 @@ class DeclarationParser {
   bool accessor(syntax::Property& computed);
 
   TokenReader& tokens_;
-  int& depth_;
   ExpressionParser& expressions_;
   StatementParser& statements_;
   bool inType_ = false;  // in a module or class, where Static means Shared

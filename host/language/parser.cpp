@@ -28,7 +28,7 @@ class Parser {
   int depth_ = 0;
   ExpressionParser expressions_{tokens_, depth_};
   StatementParser statements_;
-  DeclarationParser declarations_{tokens_, depth_, expressions_, statements_};
+  DeclarationParser declarations_{tokens_, expressions_, statements_};
 };
 
 }  // namespace
