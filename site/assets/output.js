@@ -1,6 +1,7 @@
 // What a program prints, shown as it comes: text, errors that lead to their lines, and pictures where it prints SVG.
 
 const mostCharacters = 1 << 20;
+const mostInBlock = 1 << 13; // so that what is there already need not be laid out anew
 const milliseconds = 40; // between two changes of the page
 
 function element(tag, className, ...content) {
@@ -96,8 +97,13 @@ export class Output {
 
   addText(text) {
     if (text === "") return;
-    if (!this.block) this.element.append((this.block = element("pre", "qtx-printed")));
+    if (!this.block || (this.blockLength > mostInBlock && this.endsLine)) {
+      this.element.append((this.block = element("pre", "qtx-printed")));
+      this.blockLength = 0;
+    }
     this.block.append(text);
+    this.blockLength += text.length;
+    this.endsLine = text.endsWith("\n");
     this.hidden = false;
   }
 

@@ -103,7 +103,7 @@ for (const [what, program] of [
       const view = viewsOf(page);
       await enter(view, `Print "before"\n${program}`);
       await buttonOf(view, "Run").click();
-      await view.locator(".qtx-printed").waitFor();
+      await view.locator(".qtx-printed").first().waitFor();
       assert.equal(await shownOutput(view), "before\n");
       assert.ok(await isResponsive(page));
       await buttonOf(view, "Stop").click();
@@ -119,7 +119,7 @@ test("a program that prints without an end is stopped by itself", { skip }, () =
     const view = viewsOf(page);
     await enter(view, 'Do\n  Print "on and on"\nLoop');
     await buttonOf(view, "Run").click();
-    await view.locator(".qtx-printed").waitFor();
+    await view.locator(".qtx-printed").first().waitFor();
     assert.ok(await isResponsive(page));
     assert.match(await ended(view), /^Stopped: it prints more/);
     assert.ok(await isResponsive(page));
@@ -130,7 +130,7 @@ test("what is printed appears before the program has ended", { skip }, () =>
     const view = viewsOf(page);
     await enter(view, 'Print "one"\nThread.Sleep(3000)\nPrint "two"');
     await buttonOf(view, "Run").click();
-    await view.locator(".qtx-printed").waitFor();
+    await view.locator(".qtx-printed").first().waitFor();
     assert.equal(await shownOutput(view), "one\n");
     assert.equal(await ended(view), "Ended");
     assert.equal(await shownOutput(view), "one\ntwo\n");
