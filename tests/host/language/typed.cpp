@@ -64,8 +64,8 @@ void setDigit(REALobject self, std::int64_t index, std::int64_t value) {
   amountLog += "SetDigit ";
   dataOf(self).value = value - index;
 }
-std::int64_t getValue(REALobject self, std::intptr_t) { return dataOf(self).value; }
-void setValue(REALobject self, std::intptr_t, std::int64_t value) { dataOf(self).value = value; }
+std::int64_t getValue(REALobject self, RBInteger) { return dataOf(self).value; }
+void setValue(REALobject self, RBInteger, std::int64_t value) { dataOf(self).value = value; }
 
 }  // namespace
 

@@ -38,6 +38,42 @@ TEST(Text, IsConvertedBetweenEncodings) {
   }
 }
 
+// Each byte means a character that no other byte means, but for those that mean none.
+TEST(Text, OfOneByteEachComesBackAsItWas) {
+  startRuntime();
+  const struct {
+    std::uint32_t encoding;
+    int meaningless;
+  } rows[] = {{encoding::macRoman, 0},
+              {encoding::isoLatin1, 0},
+              {encoding::windowsLatin1, 5},
+              {encoding::ascii, 128}};
+  for (const auto& row : rows) {
+    int lost = 0;
+    for (int byte = 0; byte < 256; ++byte) {
+      const std::string bytes(1, static_cast<char>(byte));
+      const Ref<Text> wide = converted(makeText(bytes, row.encoding).get(), encoding::utf32BigEndian);
+      const Ref<Text> back = converted(wide.get(), row.encoding);
+      if (bytesOf(back.get()) == bytes) continue;
+      ++lost;
+      EXPECT_EQ(bytesOf(wide.get()), std::string_view("\0\0\xFF\xFD", 4)) << row.encoding << ": " << byte;
+    }
+    EXPECT_EQ(lost, row.meaningless) << row.encoding;
+  }
+  EXPECT_EQ(utf8Of(makeText("\xDB\xD2", encoding::macRoman).get()), "\xE2\x82\xAC\xE2\x80\x9C");
+  EXPECT_EQ(utf8Of(makeText("\x80\x93", encoding::windowsLatin1).get()), "\xE2\x82\xAC\xE2\x80\x9C");
+}
+
+// A character of two units of UTF-16.
+TEST(Text, HasCharactersBeyondSixteenBits) {
+  startRuntime();
+  const Ref<Text> text = makeText("\xF0\x9F\x98\x80");
+  EXPECT_EQ(bytesOf(converted(text.get(), encoding::utf16BigEndian).get()),
+            std::string_view("\xD8\x3D\xDE\0", 4));
+  EXPECT_EQ(utf8Of(converted(text.get(), encoding::utf16LittleEndian).get()), "\xF0\x9F\x98\x80");
+  EXPECT_EQ(utf8Of(converted(text.get(), encoding::utf32).get()), "\xF0\x9F\x98\x80");
+}
+
 TEST(Text, ReplacesWhatMeansNothing) {
   startRuntime();
   EXPECT_EQ(utf8Of(makeText("a\xFF"
