@@ -23,10 +23,9 @@
 #include <string>
 #include <vector>
 
+#include "command_line.h"
 #include "host_programs.h"
 #include "run_qtxhost.h"
-
-int qtxhostMain(int argc, char** argv);  // the main function of host/main.cpp
 
 // What a sanitizer finds ends a run with a status that no program has of its own. They read these when the
 // process starts; each names its own.
@@ -68,7 +67,7 @@ Outcome runForked(const HostProgram& program, const std::vector<std::string>& mo
     alarm(secondsUntilItHangs);
     std::vector<char*> pointers;
     for (std::string& argument : arguments) pointers.push_back(argument.data());
-    std::exit(qtxhostMain(static_cast<int>(pointers.size()), pointers.data()));
+    std::exit(host::commandLine(static_cast<int>(pointers.size()), pointers.data()));
   }
   int status = 0;
   waitpid(child, &status, 0);

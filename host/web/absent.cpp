@@ -12,7 +12,7 @@ namespace {
 }
 }  // namespace
 
-void repl() { refuse("repl"); }
+bool repl() { refuse("repl"); }
 
 const std::vector<CheckDescription>& checkDescriptions() {
   static const std::vector<CheckDescription> none;

@@ -61,6 +61,7 @@ TEST(Text, OfOneByteEachComesBackAsItWas) {
     EXPECT_EQ(lost, row.meaningless) << row.encoding;
   }
   EXPECT_EQ(utf8Of(makeText("\xDB\xD2", encoding::macRoman).get()), "\xE2\x82\xAC\xE2\x80\x9C");
+  EXPECT_EQ(utf8Of(makeText("\xC6\xF0", encoding::macRoman).get()), "\xE2\x88\x86\xEF\xA3\xBF");
   EXPECT_EQ(utf8Of(makeText("\x80\x93", encoding::windowsLatin1).get()), "\xE2\x82\xAC\xE2\x80\x9C");
 }
 
