@@ -90,6 +90,8 @@ class Editor {
     prompt_ = continues ? "... " : "> ";
     dropped_ = false;
     int length = 0;
+    // Before the prompt, which the editor shows first: a Ctrl-C behind it belongs to the line.
+    el_set(editor_, EL_PREP_TERM, 1);
     const char* text = el_gets(editor_, &length);
     if (dropped_) return "";
     if (!text || length <= 0) {
