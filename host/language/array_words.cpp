@@ -156,7 +156,7 @@ Expr shuffleElements(Expr array, Exprs&) {
   return doing(std::move(array), [](Slot slot, Frame&) {
     arrayIn(slot).rearrange([](std::vector<Slot>& elements) {
       for (std::size_t left = elements.size(); left > 1; --left) {
-        std::swap(elements[left - 1], elements[sharedGenerator().below(left)]);
+        std::swap(elements[left - 1], elements[static_cast<std::size_t>(sharedGenerator().below(left))]);
       }
     });
   });

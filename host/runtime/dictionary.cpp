@@ -199,7 +199,7 @@ void removeAll(REALobject self) {
   const Changing change(self);
   std::swap(old, contentsOf(self));
 }
-RBInteger getCount(REALobject self, std::intptr_t) {
+RBInteger getCount(REALobject self, RBInteger) {
   const Using use(self);
   return static_cast<RBInteger>(contentsOf(self).count());
 }

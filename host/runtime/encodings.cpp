@@ -151,17 +151,15 @@ void appendUnit(std::string& text, char32_t unit, const Form& form) {
 
 // False where the encoding has no such character.
 bool append(std::string& text, char32_t code, const Form& form) {
-  if (code < 0x80) {
+  if (form.width == 2 && code > 0xFFFF) {
+    appendUnit(text, 0xD800 + ((code - 0x10000) >> 10), form);
+    appendUnit(text, 0xDC00 + ((code - 0x10000) & 0x3FF), form);
+  } else if (code < 0x80 || form.width > 1) {
     appendUnit(text, code, form);
   } else if (form.half) {
     const auto found = std::find(form.half->begin(), form.half->end(), code);
     if (found == form.half->end()) return false;
     text += static_cast<char>(0x80 + (found - form.half->begin()));
-  } else if (form.width == 2 && code > 0xFFFF) {
-    appendUnit(text, 0xD800 + ((code - 0x10000) >> 10), form);
-    appendUnit(text, 0xDC00 + ((code - 0x10000) & 0x3FF), form);
-  } else if (form.width > 1) {
-    appendUnit(text, code, form);
   } else {
     const int more = code < 0x800 ? 1 : code < 0x10000 ? 2 : 3;
     text += static_cast<char>((0xF00U >> (more + 1) & 0xFF) | code >> (6 * more));

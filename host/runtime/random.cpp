@@ -84,8 +84,8 @@ double gaussian(REALobject self) {
   return radius * std::cos(turn * generator.fraction());
 }
 
-RBInteger getSeed(REALobject self, std::intptr_t) { return static_cast<RBInteger>(generatorOf(self).seed()); }
-void setSeed(REALobject self, std::intptr_t, RBInteger from) {
+RBInteger getSeed(REALobject self, RBInteger) { return static_cast<RBInteger>(generatorOf(self).seed()); }
+void setSeed(REALobject self, RBInteger, RBInteger from) {
   generatorOf(self).beginWith(static_cast<std::uint64_t>(from));
 }
 void randomizeSeed(REALobject self) { generatorOf(self).beginWith(anySeed()); }

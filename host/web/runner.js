@@ -22,7 +22,7 @@ function outputTo(post) {
     waiting += decoder.decode(bytes, {stream: true});
     const now = performance.now();
     if (now - last >= pause) posted = 0;
-    if (posted === mostAtOnce && waiting.length < mostWaiting) return;
+    if (posted >= mostAtOnce && waiting.length < mostWaiting) return;
     flush();
     ++posted;
     last = now;
