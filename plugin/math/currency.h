@@ -25,9 +25,9 @@ constexpr std::int64_t divideCurrency(std::int64_t amount, std::int64_t divisor)
 enum class CurrencyError : std::uint8_t { none, tooLong, tooBig, invalidCharacter };
 
 struct ParsedCurrency {
-  std::int64_t count = 0;  // 0 where there is an error
+  std::int64_t count;  // 0 where there is an error
   CurrencyError error = CurrencyError::none;
-  char offending = 0;  // the invalid character
+  char offending = 0;  // the invalid character; 0 where there is none
 };
 
 // Reads "-12.5" as −125000, without going through a binary fraction. The text ends at its first NUL. In this

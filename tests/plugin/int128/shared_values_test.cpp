@@ -502,24 +502,35 @@ TYPED_TEST(SharedSmallValues, AreMadeWithinEachOtherWhereTheHostHasNoReferences)
 
 // Which place a stack has decides how often threads meet there, but it is one of those that there are.
 // Each call has a frame of its own, to which the next one holds on.
+template <std::size_t frameSize>
 void announceBelow(HazardPointers& hazards, std::set<const void*>& places, int depth, const volatile char*) {
-  volatile char frame[16 * 1024] = {};
+  volatile char frame[frameSize] = {};
   HazardPointers::Place* const place = hazards.announce(reinterpret_cast<REALobject>(&hazards));
   if (place) {
     EXPECT_TRUE(place >= static_cast<void*>(&hazards) && place < static_cast<void*>(&hazards + 1));
     places.insert(place);
     HazardPointers::clear(*place);
   }
-  if (depth > 0) announceBelow(hazards, places, depth - 1, frame);
+  if (depth > 0) announceBelow<frameSize>(hazards, places, depth - 1, frame);
   frame[0] = 0;
 }
 TEST(HazardPlaces, AreSpreadOverTheStacks) {
   HazardPointers hazards;
   std::set<const void*> places;
-  announceBelow(hazards, places, 64, nullptr);
+  announceBelow<16 * 1024>(hazards, places, 64, nullptr);
   EXPECT_GE(places.size(), 24u);
   EXPECT_LE(places.size(), 32u);
   EXPECT_FALSE(hazards.isAnnounced(reinterpret_cast<REALobject>(&hazards)));
+}
+
+// So the place's cache line stays with the thread, however deep it calls: few calls cross the border of 16
+// KiB.
+TEST(HazardPlaces, AreTheSameNearbyOnAStack) {
+  HazardPointers hazards;
+  std::set<const void*> places;
+  announceBelow<64>(hazards, places, 15, nullptr);
+  EXPECT_GE(places.size(), 1u);
+  EXPECT_LE(places.size(), 2u);
 }
 
 // Who has found no place may be about to take any object.

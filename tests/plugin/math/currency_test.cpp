@@ -98,6 +98,12 @@ TEST(ParseCurrency, ReadsWhatIsWritten) {
   for (const auto& row : rows) EXPECT_EQ(parseCurrency(row.text), row.expected) << row.text;
 }
 
+TEST(ParseCurrency, NamesACharacterOnlyWhereOneIsInvalid) {
+  EXPECT_EQ(parseCurrency("1x").offending, 'x');
+  EXPECT_EQ(parseCurrency("1").offending, 0);
+  EXPECT_EQ(parseCurrency("9223372036854775807").offending, 0) << "too big";
+}
+
 // Does nothing but move characters and compare texts of digits.
 ParsedCurrency modelParse(std::string text) {
   text = text.c_str();  // up to the first NUL
@@ -140,6 +146,15 @@ ParsedCurrency modelParse(std::string text) {
 void check(const std::string& text) {
   const std::vector<char> exact(text.begin(), text.end());
   ASSERT_EQ(parseCurrency({exact.data(), exact.size()}), modelParse(text)) << text;
+}
+
+// What lies around the text could be more of the number.
+TEST(ParseCurrency, ReadsNothingAroundTheText) {
+  const std::string digits = "12345678901234567890123456789012345678901234567890";
+  for (std::size_t length = 0; length <= 22; ++length) {
+    const std::string_view text = std::string_view(digits).substr(20, length);
+    EXPECT_EQ(parseCurrency(text), modelParse(std::string(text))) << text;
+  }
 }
 
 // Every length, the point in every place or nowhere, with and without a sign.
