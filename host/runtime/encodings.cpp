@@ -137,7 +137,7 @@ Decoded decode(std::string_view text, const Form& form) {
   if (form.width > 1) return decodeWide(text, form);
   if (!form.half) return decodeUtf8(text);
   const std::uint8_t byte = byteAt(text, 0);
-  const char32_t code = byte < 0x80 ? byte : (*form.half)[byte - 0x80U];
+  const char32_t code = byte < 0x80 ? byte : static_cast<char32_t>((*form.half)[byte - 0x80U]);
   if (code == 0 && byte != 0) return std::nullopt;
   return Character{code, 1};
 }
