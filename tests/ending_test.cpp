@@ -16,11 +16,7 @@
 namespace {
 
 // A sanitizer takes over what the processor reports, once it has been told.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr int afterTrap(int) { return 99; }
-#else
-constexpr int afterTrap(int signal) { return 128 + signal; }
-#endif
+constexpr int afterTrap(int signal) { return QTX_IS_SANITIZED ? 99 : 128 + signal; }
 
 Outcome run(const std::string& program) { return runQtxhost({"run", "-"}, program, QTX_SOURCE_DIR); }
 

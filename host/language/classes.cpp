@@ -234,7 +234,9 @@ void ClassMembers::addOwn(Sub& sub, const syntax::Sub& parsed) {
 
 std::vector<ParsedSub> ClassMembers::finish() {
   for (std::deque<Method>* methods : {&made_.methods, &made_.sharedMethods}) {
-    for (Method& assigning : *methods) {
+    // By number: what is added moves what leads from one to the next.
+    for (std::size_t i = 0, count = methods->size(); i < count; ++i) {
+      Method& assigning = (*methods)[i];
       if (!assigning.assigns) continue;
       std::vector<const Method*> together = {&assigning};
       for (Method& each : *methods) {
