@@ -20,7 +20,7 @@ struct Difference {
 const std::vector<std::string> limited = {"--steps", "10000"};
 const std::map<std::string, Difference>& differences() {
   static const std::map<std::string, Difference> all = {
-      {"tests_programs_queue_millions",
+      {"tests_programs_queue_handing_over",
        {"The module level waits for other threads without sleeping, so they never begin.",
         "millions.bas: the program has taken all the steps that it may", limited}},
       {"tests_programs_threads_states",

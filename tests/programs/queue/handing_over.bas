@@ -1,6 +1,6 @@
 ' takes: long
-' Two threads hand half a million values each to two others; a third keeps looking.
-Const PerThread = 500000
+' Two threads hand a hundred thousand values each to two others; a third keeps looking.
+Const PerThread = 100000
 Dim q As New AtomicQueueQTX
 Dim sums As New AtomicIntegerQTX
 Dim taken As New AtomicIntegerQTX
