@@ -22,7 +22,7 @@ const std::map<std::string, Difference>& differences() {
   static const std::map<std::string, Difference> all = {
       {"tests_programs_queue_handing_over",
        {"The module level waits for other threads without sleeping, so they never begin.",
-        "millions.bas: the program has taken all the steps that it may", limited}},
+        "handing_over.bas: the program has taken all the steps that it may", limited}},
       {"tests_programs_threads_states",
        {"The module level waits, in a loop, until the other thread waits, which never goes on beside it.",
         "UnsupportedOperationException: Semaphore.Signal: the thread waits for another that waits for its "
