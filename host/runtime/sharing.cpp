@@ -91,7 +91,8 @@ void Using::begin(const void* thing) {
   std::atomic<const void*>& own = announced();
   const std::atomic<const void*>& changing = changingAt(thing);
   while (true) {
-    own.store(thing);
+    // Exchanged: emulators of Arm let a load overtake a store before it, sequentially consistent as both are.
+    own.exchange(thing);
     if (changing.load() != thing) return;
     own.store(nullptr, std::memory_order_release);
     while (changing.load(std::memory_order_relaxed) == thing) std::this_thread::yield();
