@@ -161,7 +161,8 @@ Expr callMethod(const std::vector<const Method*>& candidates, const Callee& call
 Expr callDelegate(const Class& made, const Callee& callee, Expr delegate, Exprs arguments) {
   const std::vector<Parameter>& parameters = made.signature->declaration.parameters;
   checkCount(parameters, callee, arguments);
-  return invokeDelegate(made, std::move(delegate), passedTo(parameters, callee, std::move(arguments)));
+  return invokeDelegate(made, std::move(delegate), passedTo(parameters, callee, std::move(arguments)),
+                        callee.member);
 }
 
 Expr callExactly(const Method& method, Expr self, Exprs arguments, const std::string& member) {
