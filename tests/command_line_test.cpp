@@ -75,6 +75,9 @@ TEST(CommandLine, ReportsWhatIsLeftAlive) {
   EXPECT_EQ(leaking.output, "6\n");
   EXPECT_EQ(leaking.errors, "leaked: Int128QTX, 1 reference\n");
   EXPECT_EQ(qtxhost({"run", "--leaks", "--keeps", "Int128QTX", "-"}, program).status, 0);
+  const Outcome cycle = qtxhost({"run", "--leaks", "-"}, "Dim g(1, 2) As Variant\ng(1, 1) = g\n");
+  EXPECT_EQ(cycle.status, 0);
+  EXPECT_EQ(cycle.errors, "in a cycle: Variant(,) of 6 elements, 1 reference\n");
 }
 
 TEST(CommandLine, ListsWhatHasAName) {
@@ -300,17 +303,27 @@ TEST(Repl, RunsStatementsAndShowsTheValuesOfExpressions) {
   EXPECT_EQ(qtxhost({"repl"}, "Print 1 _\n+ 2\n").output, "3\n");
 }
 
+std::string manyNil(int count) {
+  std::string all;
+  for (int i = 0; i < count; ++i) all += ", Nil";
+  return all;
+}
+
 TEST(Repl, ShowsWhatIsInAValue) {
   const Outcome session = qtxhost({"repl"},
                                   "Array(1, 2, 3)\nDim s() As String = Array(\"a\", \"b\")\ns\n"
                                   "Dim q As New AtomicQueueQTX\nq.Push(5)\nq.Push(\"x\")\nq\n"
                                   "New SplineQTX(Array(0, 1, 2), Array(0, 1, 4))\nNew Int128QTX(7)\n"
                                   "Dim v As Variant = s\nv\nDim none() As Double\nnone\n\"text\"\n"
-                                  "Dim o As SplineQTX\no\n");
+                                  "Dim o As SplineQTX\no\n"
+                                  "Dim g(1, 2) As Integer\ng(1, 0) = 7\ng\nDim w(8, 98) As Variant\n"
+                                  "w(0, 0) = g\nw\nDim e(999999, -1) As String\ne\n");
   EXPECT_EQ(session.errors, "");
   EXPECT_EQ(session.output,
             "[1, 2, 3]\n[\"a\", \"b\"]\nAtomicQueueQTX [5, \"x\"]\nSplineQTX {count: 3}\n7\n"
-            "[\"a\", \"b\"]\n[]\ntext\nNil\n");
+            "[\"a\", \"b\"]\n[]\ntext\nNil\n"
+            "[[0, 0, 0], [7, 0, 0]]\n[[[[0, 0, 0], [7, 0, 0]]" +
+                manyNil(98) + "], [Nil, …], … 891 in all]\n[]\n");
 }
 
 TEST(Repl, KnowsClassesThatWereDeclaredThere) {

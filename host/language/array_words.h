@@ -12,6 +12,9 @@ inline Array& arrayIn(Slot slot) {
   return *static_cast<Array*>(slot.heap);
 }
 
+// Of a type of several dimensions.
+inline Grid& gridIn(Slot slot) { return static_cast<Grid&>(arrayIn(slot)); }
+
 // What is done with an array; without a value.
 template <typename Action>
 Expr doing(Expr array, Action action) {

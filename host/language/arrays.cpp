@@ -2,6 +2,7 @@
 #include "language/arrays.h"
 
 #include <algorithm>
+#include <array>
 
 #include "language/array_words.h"
 #include "language/conversions.h"
@@ -28,10 +29,20 @@ Expr count(Expr array, Exprs&) {
   });
 }
 
-Expr lastIndex(Expr array, Exprs&) {
-  return integerNode({Kind::Int64}, [array = std::move(array)](Frame& f) {
+// Of a dimension, where one is given; else of the first.
+Expr lastIndex(Expr array, Exprs& arguments) {
+  if (arguments.empty() && array->type.array == 1) {
+    return integerNode({Kind::Int64}, [array = std::move(array)](Frame& f) {
+      const Held held(*array, f);
+      return arrayIn(held.slot).count() - 1;
+    });
+  }
+  Expr dimension = arguments.empty() ? integerLiteral(1, {Kind::Int64})
+                                     : convertTo(std::move(arguments[0]), {Kind::Int64}, "the dimension");
+  return integerNode({Kind::Int64}, [array = std::move(array), dimension = std::move(dimension)](Frame& f) {
     const Held held(*array, f);
-    return arrayIn(held.slot).count() - 1;
+    const std::int64_t which = dimension->integer(f);
+    return arrayIn(held.slot).upperBound(which);
   });
 }
 
@@ -83,10 +94,11 @@ constexpr struct {
   std::size_t arguments;
   Expr (*make)(Expr array, Exprs& arguments);  // moves from them
   std::size_t optional = 0;                    // how many arguments more it may have
-} methods[] = {{"Ubound", 0, &lastIndex},
-               {"LastIndex", 0, &lastIndex},
-               {"LastRowIndex", 0, &lastIndex},
-               {"Count", 0, &count},
+  bool ofSeveral = false;                      // arrays of several dimensions have it too
+} methods[] = {{"Ubound", 0, &lastIndex, 1, true},
+               {"LastIndex", 0, &lastIndex, 1, true},
+               {"LastRowIndex", 0, &lastIndex, 1, true},
+               {"Count", 0, &count, 0, true},
                {"Append", 1, &append},
                {"Add", 1, &append},
                {"AddRow", 1, &append},
@@ -101,14 +113,45 @@ constexpr struct {
                {"ResizeTo", 1, &resizeTo},
                {"Pop", 0, &pop},
                {"IndexOf", 1, &indexOfElement, 1},
-               {"Contains", 1, &containsElement},
+               {"Contains", 1, &containsElement, 0, true},
                {"Sort", 0, &sortElements},
                {"Shuffle", 0, &shuffleElements}};
+
+// The place with so many indices or more.
+template <std::size_t dimensions = 2>
+Expr elementOfSeveral(Expr array, Exprs indices) {
+  if constexpr (dimensions < mostDimensions) {
+    if (indices.size() > dimensions) {
+      return elementOfSeveral<dimensions + 1>(std::move(array), std::move(indices));
+    }
+  }
+  const Type type = array->type.element();
+  std::array<Expr, dimensions + 1> operands = {std::move(array)};
+  for (std::size_t i = 0; i < dimensions; ++i) operands[i + 1] = asIndex(std::move(indices[i]));
+  return operandPlace<dimensions + 1>(
+      type, std::move(operands), [](const Slot* slots) { return gridIn(slots[0]).get(slots + 1); },
+      [](const Slot* slots, Slot value) { gridIn(slots[0]).set(slots + 1, value); });
+}
+
+// For each dimension how many indices an array with those upper bounds has.
+std::vector<std::int64_t> countsFor(const Exprs& upperBounds, Frame& frame) {
+  std::vector<std::int64_t> counts;
+  for (const Expr& each : upperBounds) counts.push_back(countFor(each->integer(frame)));
+  return counts;
+}
+
+std::string inWords(std::size_t number, const std::string& one, const std::string& more) {
+  return number == 1 ? "one " + one : std::to_string(number) + " " + more;
+}
 
 }  // namespace
 
 Expr element(Expr array, Position position, Exprs indices) {
-  if (indices.size() != 1) fail(position, "expected one index");
+  if (indices.size() != array->type.array) {
+    fail(position, "expected " + inWords(array->type.array, "index", "indices") + ", found " +
+                       std::to_string(indices.size()));
+  }
+  if (indices.size() > 1) return elementOfSeveral(std::move(array), std::move(indices));
   const Type type = array->type.element();
   return operandPlace<2>(
       type, {std::move(array), asIndex(std::move(indices[0]))},
@@ -116,15 +159,20 @@ Expr element(Expr array, Position position, Exprs indices) {
       [](const Slot* operands, Slot value) { arrayIn(operands[0]).set(operands[1].integer, value); });
 }
 
-std::vector<std::string> arrayMembers() {
+std::vector<std::string> arrayMembers(Type type) {
   std::vector<std::string> names;
-  for (const auto& each : methods) names.emplace_back(each.name);
+  for (const auto& each : methods) {
+    if (type.array == 1 || each.ofSeveral) names.emplace_back(each.name);
+  }
   return names;
 }
 
 Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
   for (const auto& each : methods) {
     if (!sameName(each.name, callee.name)) continue;
+    if (array->type.array > 1 && !each.ofSeveral) {
+      fail(callee.position, callee.name + " is for arrays of one dimension, not for " + nameOf(array->type));
+    }
     if (arguments.size() < each.arguments || arguments.size() > each.arguments + each.optional) {
       fail(callee.position,
            "expected " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
@@ -132,10 +180,17 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
     return each.make(std::move(array), arguments);
   }
   fail(callee.position,
-       "an array has no member '" + callee.name + "'" + suggestion(callee.name, arrayMembers()));
+       "an array has no member '" + callee.name + "'" + suggestion(callee.name, arrayMembers(array->type)));
 }
 
 Expr newArray(Type type, Exprs upperBounds) {
+  if (type.array > 1) {
+    return referenceNode(type, [type, bounds = std::move(upperBounds)](Frame& f) -> Ref<Heap> {
+      std::vector<std::int64_t> counts = countsFor(bounds, f);
+      counts.resize(type.array);
+      return makeGrid(type.element(), counts);
+    });
+  }
   Expr upperBound = upperBounds.empty() ? nullptr : std::move(upperBounds[0]);
   return referenceNode(type, [type, bound = std::move(upperBound)](Frame& f) -> Ref<Heap> {
     return makeArray(type.element(), bound ? countFor(bound->integer(f)) : 0);
@@ -143,7 +198,18 @@ Expr newArray(Type type, Exprs upperBounds) {
 }
 
 Stmt reDim(Position position, Expr array, Exprs upperBounds) {
-  if (upperBounds.size() != 1) fail(position, "this host's arrays have one dimension");
+  const std::uint8_t dimensions = array->type.array;
+  if (upperBounds.size() != dimensions) {
+    fail(position, "expected " + inWords(dimensions, "upper bound", "upper bounds") + ", found " +
+                       std::to_string(upperBounds.size()));
+  }
+  if (dimensions > 1) {
+    return statement(position, [array = std::move(array), bounds = std::move(upperBounds)](Frame& f) {
+      const Held held(*array, f);
+      const std::vector<std::int64_t> counts = countsFor(bounds, f);
+      gridIn(held.slot).resize(counts);
+    });
+  }
   Expr upperBound = std::move(upperBounds[0]);
   return statement(position, [array = std::move(array), bound = std::move(upperBound)](Frame& f) {
     const Held held(*array, f);

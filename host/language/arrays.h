@@ -6,15 +6,15 @@
 
 namespace host {
 
-// a(i): a place. Throws ProgramError where there is not just one index.
+// a(i), a(i, j): a place. Throws ProgramError where there are more or fewer indices than dimensions.
 Expr element(Expr array, Position position, Exprs indices);
 
-std::vector<std::string> arrayMembers();  // their names
+std::vector<std::string> arrayMembers(Type type);  // their names
 
 // A method of arrays, such as Append. Throws ProgramError.
 Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments);
 
-// The array that a Dim with those upper bounds makes; without bounds an empty one.
+// The array that a Dim with those upper bounds makes, one for each dimension; without bounds an empty one.
 Expr newArray(Type type, Exprs upperBounds);
 
 // Throws ProgramError where there are more or fewer bounds than dimensions.

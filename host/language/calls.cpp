@@ -143,12 +143,6 @@ std::string counted(std::size_t count) {
   return std::to_string(count) + (count == 1 ? " argument" : " arguments");
 }
 
-Expr callSub(const Sub& sub, Position position, Exprs arguments) {
-  const Callee callee{sub.name, position};
-  checkCount(sub.parameters, callee, arguments);
-  return invoke(sub, passedTo(sub.parameters, callee, std::move(arguments)));
-}
-
 Expr callMethod(const std::vector<const Method*>& candidates, const Callee& callee, Expr self,
                 Exprs arguments, bool resultUnused) {
   if (candidates.size() == 1 && candidates[0]->isOwn) {  // what does not fit is said of each argument
@@ -167,7 +161,8 @@ Expr callMethod(const std::vector<const Method*>& candidates, const Callee& call
 Expr callDelegate(const Class& made, const Callee& callee, Expr delegate, Exprs arguments) {
   const std::vector<Parameter>& parameters = made.signature->declaration.parameters;
   checkCount(parameters, callee, arguments);
-  return invokeDelegate(made, std::move(delegate), passedTo(parameters, callee, std::move(arguments)));
+  return invokeDelegate(made, std::move(delegate), passedTo(parameters, callee, std::move(arguments)),
+                        callee.member);
 }
 
 Expr callExactly(const Method& method, Expr self, Exprs arguments, const std::string& member) {

@@ -21,8 +21,6 @@ std::string counted(std::size_t arguments);  // "1 argument", "2 arguments"
 
 // All throw ProgramError where the arguments do not fit.
 
-Expr callSub(const Sub& sub, Position position, Exprs arguments);
-
 // The candidate nearest to the arguments. One without a result is preferred where nothing is done with a
 // result, and only there.
 Expr callMethod(const std::vector<const Method*>& candidates, const Callee& callee, Expr self,

@@ -106,8 +106,8 @@ int distance(const Expression& from, Type to) {
   if (type.kind == Kind::None) return -1;
   if (type.kind == Kind::Nil) return to.isReference() && !isText(to) ? 1 : to.kind == Kind::Pointer ? 2 : -1;
   if (to.array) {
-    if (const auto* made = dynamic_cast<const ArrayOfElements*>(&from))
-      return distanceOfElements(*made, to.element());
+    const auto* made = dynamic_cast<const ArrayOfElements*>(&from);
+    if (made && to.array == 1) return distanceOfElements(*made, to.element());
     return isVariant(type) ? 90 : distanceOfObject(from, to);
   }
   if (type.array) return isVariant(to) ? 20 : to.kind == Kind::Object && !to.objectClass ? 30 : -1;

@@ -239,6 +239,9 @@ syntax::Sub::Parameter DeclarationParser::parameter(const std::vector<syntax::Su
   tokens_.expect(Keyword::asWord, "after the parameter " + name);
   parameter.type = tokens_.takeType();
   if (dimensions.array) {
+    if (parameter.type.array) {
+      fail(parameter.type.position, "the elements of an array are no arrays; it may have several dimensions");
+    }
     parameter.type.array = true;
     parameter.type.dimensions = dimensions.dimensions;
   }

@@ -52,11 +52,13 @@ Expr newDelegate(const Class& made, const Method& method, Expr self) {
                        });
 }
 
-Expr invokeDelegate(const Class& made, Expr delegate, std::vector<Passed> arguments) {
+Expr invokeDelegate(const Class& made, Expr delegate, std::vector<Passed> arguments,
+                    const std::string& written) {
+  const std::string message = "The delegate is Nil" + (written.empty() ? "." : ": " + written + ".");
   return slotNode(made.signature->declaration.result,
-                  [delegate = std::move(delegate), arguments = std::move(arguments)](Frame& f) {
+                  [delegate = std::move(delegate), arguments = std::move(arguments), message](Frame& f) {
                     const Ref<Heap> held = delegate->reference(f);
-                    if (!held) throw HostException("NilObjectException", "The delegate is Nil.");
+                    if (!held) throw HostException("NilObjectException", message);
                     const DelegateData& data = dataOf(*held);
                     return callNow(*data.method, data.self, arguments, f);
                   });

@@ -242,15 +242,18 @@ Expr ExpressionCompiler::linked(const syntax::Chain& chain, Links& links) {
       value = member(std::move(value), *next, links);
       continue;
     }
-    value = elements(std::move(value), start, *links.takeArguments());
+    const std::string written = links.taken();
+    value = elements(std::move(value), start, *links.takeArguments(), written);
   }
   return value;
 }
 
-Expr ExpressionCompiler::elements(Expr value, Position start, const Arguments& indices) {
+Expr ExpressionCompiler::elements(Expr value, Position start, const Arguments& indices,
+                                  const std::string& written) {
   const Class* objectClass = isPlainObject(value->type) ? value->type.objectClass : nullptr;
   if (objectClass && objectClass->signature) {
-    return callDelegate(*objectClass, {objectClass->name, start}, std::move(value), arguments(&indices));
+    return callDelegate(*objectClass, {objectClass->name, start, written}, std::move(value),
+                        arguments(&indices));
   }
   if (!indices.parenthesised) {
     fail(start, "expected a statement; this is a value that nothing is done with");
@@ -398,8 +401,8 @@ Expr ExpressionCompiler::memberOfVariant(Expr value, const Name& name, Links& li
 
 Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Name& name, Links& links) {
   if (type.signature && sameName(name.text, "Invoke")) {
-    return callDelegate(type, {type.name, name.position}, std::move(object),
-                        arguments(links.takeArguments()));
+    const Callee callee{type.name, name.position, links.taken()};
+    return callDelegate(type, callee, std::move(object), arguments(links.takeArguments()));
   }
   if (const Property* found = type.findProperty(name.text)) {
     names_.checkAccess(found->access, found->owner, name);

@@ -45,7 +45,7 @@ class ExpressionCompiler {
   Expr allButLast(const syntax::Chain& chain);
   void checkConstructor(const Class& made, const syntax::Name& name) const;
   bool isConstantOfSpace(const syntax::Chain& chain) const;
-  Expr elements(Expr value, Position start, const syntax::Arguments& indices);
+  Expr elements(Expr value, Position start, const syntax::Arguments& indices, const std::string& written);
   Expr viewAs(const Class& type, const syntax::Name& name, const syntax::Arguments& arguments);
   // That there is no such member, where that does not follow from something else that is wrong.
   [[noreturn]] static void failForMember(const Class* type, const syntax::Name& name,

@@ -21,7 +21,9 @@ Expr ubound(const Callee& callee, Exprs arguments) {
   if (!arguments[0]->type.array) {
     fail(callee.position, "Ubound takes an array, found " + nameOf(arguments[0]->type));
   }
-  return callArrayMethod(callee, std::move(arguments[0]), {});
+  Expr array = std::move(arguments[0]);
+  arguments.erase(arguments.begin());
+  return callArrayMethod(callee, std::move(array), std::move(arguments));
 }
 
 Expr varTypeFunction(const Callee&, Exprs arguments) {
@@ -53,14 +55,9 @@ constexpr struct {
   std::string_view name;
   std::size_t arguments;
   Expr (*make)(const Callee& callee, Exprs arguments);
-} intrinsics[] = {{"Str", 2, &formatted},
-                  {"Str", 1, &str},
-                  {"CStr", 1, &str},
-                  {"ToString", 2, &formatted},
-                  {"ToString", 1, &str},
-                  {"ToText", 1, &str},
-                  {"Ubound", 1, &ubound},
-                  {"VarType", 1, &varTypeFunction},
+} intrinsics[] = {{"Str", 2, &formatted},       {"Str", 1, &str},       {"CStr", 1, &str},
+                  {"ToString", 2, &formatted},  {"ToString", 1, &str},  {"ToText", 1, &str},
+                  {"Ubound", 2, &ubound},       {"Ubound", 1, &ubound}, {"VarType", 1, &varTypeFunction},
                   {"Array", anyCount, &arrayOf}};
 
 }  // namespace

@@ -164,15 +164,6 @@ Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std:
   return slotNode(result, [call = std::move(call)](Frame& f) { return call.run(f); });
 }
 
-Expr invoke(const Sub& sub, std::vector<Passed> arguments) {
-  return slotNode(sub.result, [&sub, arguments = std::move(arguments)](Frame& f) {
-    Evaluated values(arguments, f, nullptr);
-    Held result(values.call(sub), sub.result);
-    values.writeBack();
-    return result.detach();
-  });
-}
-
 Expr construct(const Class& made, const Method& constructor, std::vector<Passed> arguments) {
   return referenceNode(
       {Kind::Object, false, &made},

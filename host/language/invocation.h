@@ -19,8 +19,6 @@ struct Passed {
 // assigned to gives a place.
 // `member`: how the program writes it, for the message where self is Nil.
 Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std::string member = "");
-// Of a Sub or Function of the program, which stays where it is.
-Expr invoke(const Sub& sub, std::vector<Passed> arguments);
 // The reading of what can be assigned to alone: throws a HostException.
 Call unreadable();
 

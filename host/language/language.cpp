@@ -55,7 +55,7 @@ void collect(Collected& names, const Members& members) {
 }
 
 Collected membersOf(Type type) {
-  if (type.array) return arrayMembers();
+  if (type.array) return arrayMembers(type);
   Collected names;
   if (type.kind == Kind::Object) {
     for (const Class* each = type.objectClass; each; each = each->super) {

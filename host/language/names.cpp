@@ -26,7 +26,6 @@ Expr valueOf(const Constant& constant) {
 namespace {
 
 Type typeAs(const syntax::TypeName& name, Type type) {
-  if (name.array && name.dimensions > 1) fail(name.position, "this host's arrays have one dimension");
   return name.array ? type.arrayOf(name.dimensions) : type;
 }
 
@@ -318,7 +317,9 @@ Type Names::typeOf(const syntax::TypeName& name) const {
 
 Type Names::typeOf(const syntax::Dim::Group& group, const syntax::Dim::Variable& variable) const {
   const Type type = typeOf(group.type);
-  if (variable.dimensions > 1) fail(variable.name.position, "this host's arrays have one dimension");
+  if (variable.array && type.array) {
+    fail(group.type.position, "the elements of an array are no arrays; it may have several dimensions");
+  }
   return variable.array ? type.arrayOf(variable.dimensions) : type;
 }
 

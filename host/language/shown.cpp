@@ -22,15 +22,34 @@ std::string quoted(const std::string& text) {
   return result + "\"";
 }
 
-std::string elementsOf(const Array& array, int depth) {
+// Those with the same indices in front of a dimension; what has more than one is shown as arrays of arrays.
+// `at`: the next element.
+std::string elementsOf(const Array& array, std::int64_t dimension, std::int64_t& at, int depth) {
   std::string text = "[";
-  const std::int64_t count = array.count();
-  for (std::int64_t i = 0; i < count && i < mostElements; ++i) {
-    const Held element(array.get(i), array.elementType);
-    text += (i > 0 ? ", " : "") + shownInside(element.slot, array.elementType, depth);
+  const std::int64_t bound = array.upperBound(dimension);
+  std::int64_t i = 0;
+  for (; i <= bound && at < mostElements; ++i) {
+    if (i > 0) text += ", ";
+    if (dimension < array.dimensions) {
+      text += elementsOf(array, dimension + 1, at, depth);
+      continue;
+    }
+    const Held element(array.get(at++), array.elementType);
+    text += shownInside(element.slot, array.elementType, depth);
   }
-  if (count > mostElements) text += ", … " + std::to_string(count) + " in all";
+  const std::int64_t count = array.count();
+  if (dimension == 1 && count > mostElements) {
+    text += ", … " + std::to_string(count) + " in all";
+  } else if (i <= bound) {
+    text += ", …";
+  }
   return text + "]";
+}
+
+std::string elementsOf(const Array& array, int depth) {
+  if (array.count() == 0) return "[]";  // however many rows there are
+  std::int64_t at = 0;
+  return elementsOf(array, 1, at, depth);
 }
 
 // What the class gives of an object where a plain value or an array is expected.

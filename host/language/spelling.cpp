@@ -15,17 +15,21 @@ std::string lowerCase(std::string_view text) {
 
 namespace {
 
-// Levenshtein's distance, one row at a time.
+// Levenshtein's distance, in which two letters that have changed places count as one mistake; a row at a
+// time.
 std::size_t distanceBetween(const std::string& wanted, const std::string& other) {
-  std::vector<std::size_t> row(other.size() + 1);
+  std::vector<std::size_t> row(other.size() + 1), above(row.size()), twoAbove(row.size());
   for (std::size_t j = 0; j < row.size(); ++j) row[j] = j;
   for (std::size_t i = 1; i <= wanted.size(); ++i) {
-    std::size_t diagonal = row[0];
+    twoAbove.swap(above);
+    above.swap(row);
     row[0] = i;
     for (std::size_t j = 1; j < row.size(); ++j) {
-      const std::size_t substituted = diagonal + (wanted[i - 1] == other[j - 1] ? 0 : 1);
-      diagonal = row[j];
-      row[j] = std::min({substituted, row[j] + 1, row[j - 1] + 1});
+      const std::size_t substituted = above[j - 1] + (wanted[i - 1] == other[j - 1] ? 0 : 1);
+      row[j] = std::min({substituted, above[j] + 1, row[j - 1] + 1});
+      const bool isTransposed =
+          i > 1 && j > 1 && wanted[i - 1] == other[j - 2] && wanted[i - 2] == other[j - 1];
+      if (isTransposed) row[j] = std::min(row[j], twoAbove[j - 2] + 1);
     }
   }
   return row.back();

@@ -249,15 +249,20 @@ Dim StatementParser::staticDim() {
 }
 
 void StatementParser::bounds(Dim::Variable& variable) {
-  if (!tokens_.accept(Symbol::open)) return;
+  if (!tokens_.is(Symbol::open)) return;
   variable.array = true;
-  if (tokens_.is(Symbol::comma)) {
-    while (tokens_.accept(Symbol::comma)) ++variable.dimensions;
-  } else if (!tokens_.is(Symbol::close)) {
+  if (tokens_.is(Symbol::comma, 1)) {
+    syntax::TypeName type;
+    tokens_.takeDimensions(type);
+    variable.dimensions = type.dimensions;
+    return;
+  }
+  tokens_.take();
+  if (!tokens_.is(Symbol::close)) {
     variable.bounds = expressions_.list();
+    if (variable.bounds.size() > mostDimensions) tokens_.failHere("an array has too many dimensions");
     variable.dimensions = static_cast<std::uint8_t>(variable.bounds.size());
   }
-  if (variable.dimensions > mostDimensions) tokens_.failHere("an array has too many dimensions");
   tokens_.expect(Symbol::close, "after the upper bound of " + variable.name.text);
 }
 

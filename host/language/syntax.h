@@ -18,8 +18,6 @@ struct Name {
   Position position;
 };
 
-inline constexpr std::uint8_t mostDimensions = 8;
-
 struct TypeName : Name {  // of a module's or class's: with its name and a dot in front
   bool array = false;
   std::uint8_t dimensions = 1;  // of an array

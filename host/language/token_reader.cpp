@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "runtime/value.h"
+
 namespace host {
 
 namespace {
@@ -121,7 +123,7 @@ void TokenReader::takeDimensions(syntax::TypeName& type) {
   type.dimensions = 1;
   expect(Symbol::open, "before the dimensions");
   while (accept(Symbol::comma)) {
-    if (++type.dimensions > syntax::mostDimensions) failHere("an array has too many dimensions");
+    if (++type.dimensions > mostDimensions) failHere("an array has too many dimensions");
   }
   expect(Symbol::close, "after the dimensions");
 }

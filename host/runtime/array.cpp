@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
+#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -43,6 +44,12 @@ void releaseTaken(Heap* taken) {
   release(taken);
 }
 
+struct Dropped : std::vector<Heap*> {
+  ~Dropped() {
+    for (Heap* each : *this) releaseTaken(each);
+  }
+};
+
 // Like std::memmove. Threads that read the elements meanwhile see some of them where they were.
 void move(Slot* to, const Slot* from, std::int64_t count) {
   if (!threadsShare()) {
@@ -68,10 +75,10 @@ void Array::setCount(std::int64_t newCount) {
   const auto upperBound = static_cast<std::int32_t>(newCount - 1);
   publish(arrayShape::storage, reinterpret_cast<std::uintptr_t>(memory()));
   if (chosen.version >= arrayShape::widerSinceHostVersion) {
-    publish(arrayShape::dimensions, std::int64_t{1});
+    publish(arrayShape::dimensions, dimensions);
     publish(arrayShape::upperBoundSince2021, upperBound);
   } else {
-    publish(arrayShape::dimensions, std::int32_t{1});
+    publish(arrayShape::dimensions, static_cast<std::int32_t>(dimensions));
     publish(arrayShape::upperBoundBefore2021, upperBound);
   }
 }
@@ -121,22 +128,30 @@ Slot Array::get(std::int64_t index) const {
   return value;
 }
 
-void Array::set(std::int64_t index, Slot value) {
+template <typename Locate>
+void Array::put(Locate locate, Slot value) {
   if (!elementType.isReference()) {
     const Using use(this);
-    check(index);
-    store(memory()[index], value);
+    store(memory()[locate()], value);
     return;
   }
   Heap* old;
   {
     const Changing change(this);
-    check(index);
+    const std::int64_t index = locate();
     retain(value.heap);
     old = load(memory()[index]).heap;
     store(memory()[index], value);
   }
   releaseTaken(old);
+}
+
+void Array::set(std::int64_t index, Slot value) {
+  const auto locate = [&] {
+    check(index);
+    return index;
+  };
+  put(locate, value);
 }
 
 void Array::insert(std::int64_t index, Slot value) {
@@ -192,11 +207,7 @@ void Array::remove(std::int64_t index) {
 
 void Array::resize(std::int64_t newCount) {
   newCount = std::max<std::int64_t>(newCount, 0);
-  struct Dropped : std::vector<Heap*> {
-    ~Dropped() {
-      for (Heap* each : *this) releaseTaken(each);
-    }
-  } dropped;  // given back when this thread is no longer alone with the array
+  Dropped dropped;  // given back when this thread is no longer alone with the array
   const Changing change(this);
   const std::int64_t known = count();
   if (elementType.isReference() && newCount < known) {
@@ -224,15 +235,106 @@ std::int64_t Array::find(std::int64_t from, const std::function<bool(Slot)>& mat
   return -1;
 }
 
-Ref<Array> makeArray(Type elementType, std::int64_t count) {
-  Heap* thing = allocate(*hostClasses().array, sizeof(Array));
+std::int64_t Array::upperBound(std::int64_t dimension) const {
+  if (dimension < 1 || dimension > dimensions) {
+    throwException("OutOfBoundsException", "There is no dimension " + std::to_string(dimension) +
+                                               " in an array of " + std::to_string(dimensions) +
+                                               (dimensions == 1 ? " dimension." : " dimensions."));
+  }
+  if (dimensions == 1) return count() - 1;
+  const Using use(this);
+  return static_cast<const Grid&>(*this).counts[dimension - 1] - 1;
+}
+
+std::int64_t Grid::locate(const Slot* indices) const {
+  std::uint64_t at = 0;  // which wraps around only where another dimension has no indices
+  for (std::int64_t i = 0; i < dimensions; ++i) {
+    const std::int64_t index = indices[i].integer;
+    if (index < 0 || index >= counts[i]) [[unlikely]] {
+      throwException("OutOfBoundsException", "The index " + std::to_string(index) +
+                                                 " is outside of dimension " + std::to_string(i + 1) +
+                                                 " of the array, whose upper bound is " +
+                                                 std::to_string(counts[i] - 1) + ".");
+    }
+    at = at * static_cast<std::uint64_t>(counts[i]) + static_cast<std::uint64_t>(index);
+  }
+  return static_cast<std::int64_t>(at);
+}
+
+Slot Grid::get(const Slot* indices) const {
+  const Using use(this);
+  const Slot value = load(memory()[locate(indices)]);
+  if (elementType.isReference()) retain(value.heap);
+  return value;
+}
+
+void Grid::set(const Slot* indices, Slot value) {
+  put([&] { return locate(indices); }, value);
+}
+
+// Whether the indices of that element, where there are `of` so many, are among `others` too.
+bool Grid::isWithin(std::int64_t at, const std::int64_t* of, const std::int64_t* others) const {
+  for (std::int64_t i = dimensions; i > 0; --i) {
+    if (at % of[i - 1] >= others[i - 1]) return false;
+    at /= of[i - 1];
+  }
+  return true;
+}
+
+void Grid::resize(std::span<const std::int64_t> newCounts) {
+  std::int64_t wanted = 1;
+  for (const std::int64_t each : newCounts) wanted = std::min(wanted, each);
+  for (const std::int64_t each : newCounts) {
+    if (wanted != 0 && each > mostElements / wanted) {
+      throwException("OutOfMemoryException", "There is no memory for an array of so many elements.");
+    }
+    wanted *= each;
+  }
+  Dropped dropped;  // given back when this thread is no longer alone with the array
+  const Changing change(this);
+  const std::int64_t known = count();
+  reserve(wanted);
+  if (elementType.isReference()) dropped.reserve(static_cast<std::size_t>(known));
+  // What stays moves to the front, where it lies as if there were nothing else, and from there to its place.
+  std::int64_t kept = 0;
+  for (std::int64_t i = 0; i < known; ++i) {
+    const Slot value = load(memory()[i]);
+    if (isWithin(i, counts, newCounts.data())) {
+      store(memory()[kept++], value);
+    } else if (elementType.isReference()) {
+      dropped.push_back(value.heap);
+    }
+  }
+  setCount(kept);
+  for (std::int64_t i = wanted, left = kept; i > 0; --i) {
+    const bool stays = left > 0 && isWithin(i - 1, newCounts.data(), counts);
+    store(memory()[i - 1], stays ? load(memory()[--left]) : Slot{});
+  }
+  setCount(wanted);
+  std::copy(newCounts.begin(), newCounts.end(), counts);
+}
+
+namespace {
+
+template <typename Made, typename Size>
+Ref<Made> make(Type elementType, std::int64_t dimensions, Size size) {
+  Heap* thing = allocate(*hostClasses().array, sizeof(Made));
   if (!thing) throwException("OutOfMemoryException", "There is no memory for an array.");
-  std::memset(static_cast<void*>(thing + 1), 0, sizeof(Array) - sizeof(Heap));
-  auto* array = static_cast<Array*>(thing);
+  std::memset(static_cast<void*>(thing + 1), 0, sizeof(Made) - sizeof(Heap));
+  auto* array = static_cast<Made*>(thing);
   array->elementType = elementType;
-  Ref<Array> made = Ref<Array>::adopt(array);
-  array->resize(count);
+  array->dimensions = dimensions;
+  Ref<Made> made = Ref<Made>::adopt(array);
+  array->resize(size);
   return made;
+}
+
+}  // namespace
+
+Ref<Array> makeArray(Type elementType, std::int64_t count) { return make<Array>(elementType, 1, count); }
+
+Ref<Grid> makeGrid(Type elementType, std::span<const std::int64_t> counts) {
+  return make<Grid>(elementType, static_cast<std::int64_t>(counts.size()), counts);
 }
 
 void finalizeArray(Heap& thing) {

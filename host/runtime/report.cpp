@@ -144,7 +144,7 @@ std::string described(const Heap& thing) {
     what = "String \"" + utf8Of(static_cast<const Text*>(&thing), 160).substr(0, 40) + "\"";
   } else if (thing.objectClass == hostClasses().array) {
     const auto& array = static_cast<const Array&>(thing);
-    what = nameOf(array.elementType.arrayOf()) + " of " + std::to_string(array.count()) + " elements";
+    what = nameOf(typeOf(array)) + " of " + std::to_string(array.count()) + " elements";
   }
   const std::int64_t references = thing.references.load();
   return what + ", " + std::to_string(references) + (references == 1 ? " reference\n" : " references\n");

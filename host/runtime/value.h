@@ -30,6 +30,8 @@ enum class Kind : std::uint8_t {
   Object,  // of a class
 };
 
+inline constexpr std::uint8_t mostDimensions = 8;  // of an array
+
 // A declared type: a kind, the class where the kind is Object, and whether it is an array of such elements.
 struct Type {
   Kind kind = Kind::None;

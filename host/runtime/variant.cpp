@@ -164,8 +164,7 @@ Ref<Heap> box(Slot value, Type type) {
 Type typeIn(const Heap* variant) {
   if (!variant) return {Kind::Nil};
   if (variant->objectClass->boxed != Kind::None) return {variant->objectClass->boxed};
-  if (variant->objectClass == hostClasses().array)
-    return static_cast<const Array*>(variant)->elementType.arrayOf();
+  if (variant->objectClass == hostClasses().array) return typeOf(*static_cast<const Array*>(variant));
   return {Kind::Object, false, variant->objectClass};
 }
 
@@ -283,7 +282,12 @@ Slot convert(Slot value, Type from, Type to) {
 std::string display(Slot value, Type type) {
   if (type.array) {
     const auto* array = static_cast<const Array*>(value.heap);
-    return array ? nameOf(type.element()) + "(" + std::to_string(array->count() - 1) + ")" : "Nil";
+    if (!array) return "Nil";
+    std::string bounds;
+    for (std::int64_t i = 1; i <= array->dimensions; ++i) {
+      bounds += (i > 1 ? ", " : "") + std::to_string(array->upperBound(i));
+    }
+    return nameOf(type.element()) + "(" + bounds + ")";
   }
   const auto number = [](auto shown) -> std::string {
     if (std::isnan(shown)) return "NaN";

@@ -88,43 +88,62 @@ TEST(CallMethod, WritesBackWhatGoesByReference) {
       << "nor another type";
 }
 
-void makeDoubling(Sub& sub) {
-  sub.name = "Twice";
-  sub.result = integerType;
-  sub.locals = {integerType, Type{}};
-  sub.parameters = {{"a", integerType, false, {}}, {"b", integerType, true, {}}};
-  std::unique_ptr<Place> a = localPlace(integerType, 0), b = byRefPlace(integerType, 1);
-  sub.body.statements.push_back(statement({}, [a = std::move(a), b = std::move(b)](Frame& f) {
-    b->put(f, Slot{.integer = 2 * a->integer(f)});
-    f.result.integer = a->integer(f) + 1;
-    return Flow::leave;
-  }));
-}
-
-TEST(CallSub, PassesByValueAndByReference) {
+// A function of a program, as a declaration there makes it.
+class OwnFunction {
+ public:
+  OwnFunction(const std::string& name, Type result, std::vector<Parameter> parameters) {
+    sub.name = method.declaration.name = name;
+    sub.result = method.declaration.result = result;
+    for (const Parameter& each : parameters) sub.locals.push_back(each.byRef ? Type{} : each.type);
+    sub.parameters = method.declaration.parameters = std::move(parameters);
+    method.isOwn = true;
+    method.sub = &sub;
+    method.call = callOf(method);
+  }
+  Expr call(Exprs arguments) { return callMethod({&method}, {sub.name, {}}, nullptr, std::move(arguments)); }
   Sub sub;
-  makeDoubling(sub);
+  Method method;
+};
+
+class Doubling : public OwnFunction {
+ public:
+  Doubling()
+      : OwnFunction("Twice", integerType, {{"a", integerType, false, {}}, {"b", integerType, true, {}}}) {
+    std::unique_ptr<Place> a = localPlace(integerType, 0), b = byRefPlace(integerType, 1);
+    sub.body.statements.push_back(statement({}, [a = std::move(a), b = std::move(b)](Frame& f) {
+      b->put(f, Slot{.integer = 2 * a->integer(f)});
+      f.result.integer = a->integer(f) + 1;
+      return Flow::leave;
+    }));
+  }
+};
+
+TEST(CallOfOwn, PassesByValueAndByReference) {
+  Doubling twice;
   TestFrame frame;
   std::unique_ptr<Place> variable = frame.variable(integerType);
-  EXPECT_EQ(callSub(sub, {}, list(integer(20), Expr(variable->again())))->integer(frame), 21);
+  EXPECT_EQ(twice.call(list(integer(20), Expr(variable->again())))->integer(frame), 21);
   EXPECT_EQ(variable->integer(frame), 40);
-  EXPECT_EQ(failureOf([&] { callSub(sub, {}, list(integer(1), integer(2))); }),
+}
+
+TEST(CallOfOwn, SaysWhatIsWrongWithAnArgument) {
+  Doubling twice;
+  EXPECT_EQ(failureOf([&] { twice.call(list(integer(1), integer(2))); }),
             "the argument b of Twice goes by reference; expected a variable As Integer");
-  EXPECT_EQ(failureOf([&] { callSub(sub, {}, list(integer(1))); }), "the argument b of Twice is missing");
-  EXPECT_EQ(failureOf([&] { callSub(sub, {}, list(integer(1), integer(2), integer(3))); }),
+  EXPECT_EQ(failureOf([&] { twice.call(list(integer(1))); }), "the argument b of Twice is missing");
+  EXPECT_EQ(failureOf([&] { twice.call(list(integer(1), integer(2), integer(3))); }),
             "Twice takes 2 arguments, found 3");
 }
 
-TEST(CallSub, EvaluatesArgumentsFromTheLeftAndStopsWhereOneThrows) {
-  Sub sub;
-  sub.name = "S";
-  sub.locals = {textType, integerType, integerType};
-  sub.parameters = {{"t", textType, false, {}}, {"a", integerType, false, {}}, {"b", integerType, false, {}}};
+TEST(CallOfOwn, EvaluatesArgumentsFromTheLeftAndStopsWhereOneThrows) {
+  OwnFunction function(
+      "S", Type{},
+      {{"t", textType, false, {}}, {"a", integerType, false, {}}, {"b", integerType, false, {}}});
   std::string log;
   Expr failing = integerNode(
       integerType, [](Frame&) -> std::int64_t { throw HostException("OutOfBoundsException", "x"); });
   TestFrame frame;
-  Expr call = callSub(sub, {}, list(text("held"), logged(log, "a", 1), std::move(failing)));
+  Expr call = function.call(list(text("held"), logged(log, "a", 1), std::move(failing)));
   EXPECT_EQ(failureOf([&] { call->integer(frame); }), "OutOfBoundsException");
   EXPECT_EQ(log, "a ");
 }

@@ -93,15 +93,37 @@ TEST(RefusedDeclarations, OfClasses) {
       {"Class C\nSub S()\nEnd Sub\nEnd Class\nDim c As New C\nc.S(1)", "6:3 S takes 0 arguments, found 1"},
       {"Class C\nSub S(n As Integer)\nEnd Sub\nEnd Class\nDim c As New C\nc.S(\"a\")",
        "6:5 expected Integer as the argument n of S, found String"},
-      {"Class C\nDim x(3, 4) As Integer\nEnd Class", "2:5 this host's arrays have one dimension"},
+  });
+}
+
+TEST(RefusedDeclarations, OfArrays) {
+  expectRefused({
+      {"Dim a() As Integer\nReDim a(1, 2)", "2:1 expected one upper bound, found 2"},
+      {"Dim a(1, 1) As Integer\nReDim a(1)", "2:1 expected 2 upper bounds, found 1"},
+      {"Dim a(,) As Integer\nReDim a(1, 2, 3)", "2:1 expected 2 upper bounds, found 3"},
+      {"Dim a(1, \"x\") As Integer", "1:10 expected Integer as the upper bound, found String"},
+      {"Dim a(0, 0, 0, 0, 0, 0, 0, 0, 0) As Integer", "1:32 an array has too many dimensions"},
+      {"Dim a(,,,,,,,,) As Integer", "1:15 an array has too many dimensions"},
+      {"Sub S(a(,,,,,,,,) As Integer)\nEnd Sub", "1:17 an array has too many dimensions"},
+      {"Sub S(ParamArray a(,) As Integer)\nEnd Sub", "1:18 a ParamArray is a plain list of values"},
+      {"Dim a(1) As Integer()",
+       "1:13 the elements of an array are no arrays; it may have several dimensions"},
+      {"Dim a() As Integer(,)",
+       "1:12 the elements of an array are no arrays; it may have several dimensions"},
+      {"Sub S(a() As Integer())\nEnd Sub",
+       "1:14 the elements of an array are no arrays; it may have several dimensions"},
+      {"Dim a(1, 1) As Integer = Array(1, 2)", "1:26 expected Integer(,) as the value of a, found Integer()"},
+      {"Dim a(1, 1) As Integer\nDim b() As Integer = a",
+       "2:22 expected Integer() as the value of b, found Integer(,)"},
+      {"Dim a(1, 1) As Integer\nDim b(,,) As Integer = a",
+       "2:24 expected Integer(,,) as the value of b, found Integer(,)"},
+      {"Sub S(a(,) As Integer)\nEnd Sub\nDim b() As Integer\nS(b)",
+       "4:3 expected Integer(,) as the argument a of S, found Integer()"},
   });
 }
 
 TEST(RefusedDeclarations, OfInterfacesDelegatesAndParameters) {
   expectRefused({
-      {"Dim a(,) As Integer", "1:5 this host's arrays have one dimension"},
-      {"Dim a() As Integer\nReDim a(1, 2)", "2:1 this host's arrays have one dimension"},
-      {"Sub S(a(,) As Integer)\nEnd Sub", "1:15 this host's arrays have one dimension"},
       {"Interface I", "1:1 'Interface' of line 1 has no 'End Interface'"},
       {"Interface I\nPrint 1\nEnd Interface",
        "2:1 expected a Sub or Function without a body, or 'End Interface', found 'Print'"},

@@ -65,6 +65,7 @@ TEST(Spelling, FindsWhatAWrongNameMayMean) {
   const std::vector<std::string> names = {"stringValue", "Count",        "Increment",
                                           "HypotQTX",    "HypotLongQTX", "Value"};
   EXPECT_EQ(nearest("Incremnt", names), "Increment") << "nearly so";
+  EXPECT_EQ(nearest("Cuont", names), "Count") << "letters that have changed places";
   EXPECT_EQ(nearest("hypot", names), "HypotQTX") << "the shorter one that goes on";
   EXPECT_EQ(nearest("Length", names), "Count") << "elsewhere it is called so";
   EXPECT_EQ(nearest("ToString", names), "stringValue") << "of the same words";

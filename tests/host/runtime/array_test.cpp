@@ -10,6 +10,7 @@
 #include "runtime/host_classes.h"
 #include "runtime/settings.h"
 #include "runtime/text.h"
+#include "runtime/variant.h"
 
 namespace host {
 namespace {
@@ -100,6 +101,92 @@ TEST(Array, GrowsByZeros) {
   const Ref<Array> array = makeArray({Kind::Double}, 0);
   array->resize(1000);
   for (std::int64_t i = 0; i < 1000; ++i) EXPECT_EQ(array->get(i).word, 0u);
+}
+
+// The elements of a grid in their order.
+std::string allOf(const Grid& grid) {
+  const Array& row = grid;
+  std::string all;
+  for (std::int64_t i = 0; i < row.count(); ++i) all += std::to_string(row.get(i).integer) + " ";
+  return all;
+}
+
+// Two dimensions, with elements that count from 1.
+Ref<Grid> counting(std::int64_t rows, std::int64_t columns) {
+  Ref<Grid> grid = makeGrid({Kind::Int64}, std::vector{rows, columns});
+  std::int64_t next = 0;
+  for (std::int64_t i = 0; i < rows; ++i) {
+    for (std::int64_t j = 0; j < columns; ++j) {
+      const Slot indices[] = {{.integer = i}, {.integer = j}};
+      grid->set(indices, {.integer = ++next});
+    }
+  }
+  return grid;
+}
+
+TEST(Grid, KeepsWhatHasTheSameIndicesInOtherBounds) {
+  startRuntime();
+  const auto resized = [](std::int64_t rows, std::int64_t columns) {
+    const Ref<Grid> grid = counting(2, 3);
+    grid->resize(std::vector{rows, columns});
+    EXPECT_EQ(grid->upperBound(1), rows - 1);
+    EXPECT_EQ(grid->upperBound(2), columns - 1);
+    return allOf(*grid);
+  };
+  EXPECT_EQ(resized(2, 3), "1 2 3 4 5 6 ");
+  EXPECT_EQ(resized(3, 3), "1 2 3 4 5 6 0 0 0 ");
+  EXPECT_EQ(resized(2, 4), "1 2 3 0 4 5 6 0 ");
+  EXPECT_EQ(resized(1, 5), "1 2 3 0 0 ");
+  EXPECT_EQ(resized(4, 1), "1 4 0 0 ");
+  EXPECT_EQ(resized(0, 7), "");
+  EXPECT_EQ(resized(7, 0), "");
+}
+
+TEST(Grid, OwnsItsElements) {
+  startRuntime();
+  const Ref<Text> text = makeText("kept");
+  {
+    const Ref<Grid> grid = makeGrid({Kind::String}, std::vector<std::int64_t>{2, 2});
+    for (std::int64_t i = 0; i < 4; ++i) {
+      const Slot indices[] = {{.integer = i / 2}, {.integer = i % 2}};
+      grid->set(indices, {.heap = text.get()});
+    }
+    EXPECT_EQ(text->references.load(), 5);
+    grid->resize(std::vector<std::int64_t>{3, 1});
+    EXPECT_EQ(text->references.load(), 3);
+    grid->resize(std::vector<std::int64_t>{1, 3});
+    EXPECT_EQ(text->references.load(), 2);
+    const Slot first[] = {{.integer = 0}, {.integer = 0}};
+    release(grid->get(first).heap);
+    EXPECT_EQ(text->references.load(), 2);
+  }
+  EXPECT_EQ(text->references.load(), 1);
+}
+
+TEST(Grid, RefusesWhatIsOutsideAndStaysAsItIs) {
+  startRuntime();
+  const Ref<Grid> grid = counting(2, 3);
+  constexpr std::int64_t outside[][2] = {{-1, 0}, {2, 0}, {0, -1}, {0, 3}, {INT64_MAX, INT64_MAX}};
+  for (const auto& [i, j] : outside) {
+    const Slot indices[] = {{.integer = i}, {.integer = j}};
+    EXPECT_EQ(classOf([&] { grid->get(indices); }), "OutOfBoundsException");
+    EXPECT_EQ(classOf([&] { grid->set(indices, Slot{}); }), "OutOfBoundsException");
+  }
+  EXPECT_EQ(classOf([&] { grid->upperBound(0); }), "OutOfBoundsException");
+  EXPECT_EQ(classOf([&] { grid->upperBound(3); }), "OutOfBoundsException");
+  constexpr std::int64_t tooMany[][2] = {{INT64_MAX, INT64_MAX}, {1 << 20, 1 << 20}, {2, INT64_MAX}};
+  for (const auto& each : tooMany) {
+    EXPECT_EQ(classOf([&] { grid->resize(each); }), "OutOfMemoryException");
+  }
+  EXPECT_EQ(allOf(*grid), "1 2 3 4 5 6 ");
+}
+
+TEST(Grid, SaysHowManyDimensionsItHas) {
+  startRuntime();
+  const Ref<Grid> grid = makeGrid({Kind::Double}, std::vector<std::int64_t>{2, 3, 4});
+  EXPECT_EQ(fieldAt<std::int32_t>(*grid, arrayShape::dimensions), 3);
+  EXPECT_EQ(nameOf(typeIn(grid.get())), "Double(,,)");
+  EXPECT_EQ(display({.heap = grid.get()}, typeIn(grid.get())), "Double(1, 2, 3)");
 }
 
 TEST(Things, AreNoLargerThanTheSettingsAllow) {

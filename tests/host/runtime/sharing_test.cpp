@@ -115,6 +115,34 @@ TEST(SharedArray, LosesNothingThatIsAppendedOrSet) {
   }
 }
 
+TEST(SharedGrid, IsReadAndWrittenWhileItsBoundsChange) {
+  startRuntime();
+  const Ref<Grid> numbers = makeGrid({Kind::Int64}, std::vector<std::int64_t>{4, 4});
+  const Ref<Grid> texts = makeGrid({Kind::String}, std::vector<std::int64_t>{4, 4});
+  std::atomic<int> odd{0};
+  onThreads(4, [&](int thread) {
+    const Ref<Text> text = makeText("text");
+    for (std::int64_t round = 0; round < 3000; ++round) {
+      if (thread == 0) {
+        numbers->resize(std::vector{round % 6, 1 + round % 5});
+        texts->resize(std::vector{1 + round % 5, round % 6});
+        continue;
+      }
+      const Slot indices[] = {{.integer = round % 3}, {.integer = round % 4}};
+      try {
+        numbers->set(indices, {.integer = 5});
+        texts->set(indices, {.heap = text.get()});
+        const std::int64_t number = numbers->get(indices).integer;
+        const Ref<> held = Ref<>::adopt(texts->get(indices).heap);
+        if (number != 0 && number != 5) ++odd;
+        if (held && bytesOf(static_cast<const Text*>(held.get())) != "text") ++odd;
+      } catch (const HostException&) {  // outside of the bounds of the moment
+      }
+    }
+  });
+  EXPECT_EQ(odd, 0);
+}
+
 TEST(SharedArray, GivesEachElementToOneThread) {
   startRuntime();
   constexpr std::int64_t count = 20000;

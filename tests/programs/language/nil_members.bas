@@ -67,3 +67,35 @@ Try
 Catch e As NilObjectException
   Print e.Message
 End Try
+
+' So does the message where a delegate is Nil.
+Delegate Function Naming(node As Node) As String
+Class Namer
+  Dim how As Naming
+  Dim several(1, 1) As Naming
+  Sub Work()
+    Print how(Nil)
+  End Sub
+End Class
+Dim rule As Naming
+Dim namer As New Namer
+Try
+  Print rule(first)
+Catch e As NilObjectException
+  Print e.Message
+End Try
+Try
+  Print namer.how.Invoke(first)
+Catch e As NilObjectException
+  Print e.Message
+End Try
+Try
+  namer.Work
+Catch e As NilObjectException
+  Print e.Message
+End Try
+Try
+  Print namer.several(0, 1).Invoke(first)
+Catch e As NilObjectException
+  Print e.Message
+End Try
