@@ -7,7 +7,6 @@
 
 #include "frame/debug_log.h"
 #include "frame/host_operations.h"
-#include "frame/raise.h"
 #include "frame/string_builder.h"
 
 namespace qtx {
@@ -159,18 +158,6 @@ rbData::rbData(REALstring string) {
   if (!string) return;
   string_ = Reference<REALstring>::to(string);
   bytes_ = hostBytes(string, true);
-}
-
-REALstring REALBuildUnicodeString(const void* bytes, long long count, std::uint32_t encoding) {
-  const bool isPlain = encoding == encoding::ascii || encoding == encoding::utf8;
-  return guard([&] {
-    // Nearly all texts are plain, and nearly all hosts newer: these take no more than the host does.
-    if (isPlain && count > 0 && count < 1LL << 31 && bytes && hostState.version >= 2012.0) [[likely]] {
-      return REALBuildStringWithEncoding(static_cast<const char*>(bytes), static_cast<std::int32_t>(count),
-                                         encoding);
-    }
-    return buildString(bytes, count, encoding).release();
-  });
 }
 
 }  // namespace qtx

@@ -4,7 +4,9 @@
 #include <string_view>
 
 #include "frame/debug_log.h"
+#include "frame/raise.h"
 #include "frame/reference.h"
+#include "frame/string_builder.h"
 
 namespace qtx {
 
@@ -113,6 +115,16 @@ class rbData {
 
 // What buildString (frame/string_builder.h) makes of the bytes, for the caller to unlock or return; null
 // where it makes nothing. What is thrown meanwhile becomes a host exception.
-REALstring REALBuildUnicodeString(const void* bytes, long long count, std::uint32_t encoding);
+inline REALstring REALBuildUnicodeString(const void* bytes, long long count, std::uint32_t encoding) {
+  const bool isPlain = encoding == encoding::ascii || encoding == encoding::utf8;
+  return guard([&] {
+    // Nearly all texts are plain, and nearly all hosts newer: these take no more than the host does.
+    if (isPlain && count > 0 && count < 1LL << 31 && bytes && hostState.version >= 2012.0) [[likely]] {
+      return REALBuildStringWithEncoding(static_cast<const char*>(bytes), static_cast<std::int32_t>(count),
+                                         encoding);
+    }
+    return buildString(bytes, count, encoding).release();
+  });
+}
 
 }  // namespace qtx

@@ -11,7 +11,7 @@ namespace qtx {
 
 namespace {
 
-constexpr std::uint64_t tenTo8 = 100'000'000;
+using detail::digitsOf, detail::store8, detail::tenTo8, detail::writeUpTo8Digits, detail::zeroCharacters;
 constexpr std::uint64_t tenTo16 = tenTo8 * tenTo8;
 constexpr std::uint64_t tenTo19 = tenTo16 * 1000;
 constexpr NativeUInt128 tenTo38 = static_cast<NativeUInt128>(tenTo19) * tenTo19;
@@ -52,32 +52,6 @@ void write19Digits(std::uint64_t value, char* out) {
   write8Digits(static_cast<std::uint32_t>(rest % tenTo8), out + 11);
 }
 
-// The digits of a value below 10^8 as the bytes of a word, leading zeros included, the first one lowest. The
-// value is divided into two halves of the word by 10^4, both into quarters by 100 and all four into bytes by
-// 10. Each time the quotients stay and the remainders, x − q · base, go above them: x << w less q times
-// (base << w) − 1. The factors are reciprocals, rounded up, that give the quotients exactly.
-std::uint64_t digitsOf(std::uint64_t value) {
-  const std::uint64_t by10000 = value * 109951163 >> 40;
-  const std::uint64_t halves = (value << 32) - by10000 * ((std::uint64_t{10000} << 32) - 1);
-  const std::uint64_t by100 = halves * 5243 >> 19 & 0x0000'007F'0000'007F;
-  const std::uint64_t quarters = (halves << 16) - by100 * ((100 << 16) - 1);
-  const std::uint64_t by10 = quarters * 103 >> 10 & 0x000F'000F'000F'000F;
-  return (quarters << 8) - by10 * ((10 << 8) - 1);
-}
-
-constexpr std::uint64_t zeroCharacters = 0x3030'3030'3030'3030;
-void store8(std::uint64_t bytes, char* out) { std::memcpy(out, &bytes, sizeof bytes); }
-
-// A value below 10^8 without leading zeros; gives where the text ends. It takes one store of eight
-// characters, whose rest is overwritten later: a copy of the text made right after it need not wait for
-// several. The digits are counted by branches, which are foreseen where numbers are of like length: so what
-// is done with the text, such as allocating memory for it, need not wait for the digits.
-char* writeUpTo8Digits(std::uint64_t value, char* out) {
-  int count = 1;
-  for (std::uint64_t power = 10; power <= value; power *= 10) ++count;
-  store8((digitsOf(value) + zeroCharacters) >> (64 - 8 * count), out);
-  return out + count;
-}
 // All eight digits.
 char* writeWhole8Digits(std::uint64_t value, char* out) {
   store8(digitsOf(value) + zeroCharacters, out);
@@ -126,7 +100,9 @@ std::string_view between(const char* begin, const char* end) {
   return {begin, static_cast<std::size_t>(end - begin)};
 }
 
-__attribute__((noinline)) std::string_view longText(UInt128 value, const char* begin, char* out) {
+}  // namespace
+
+std::string_view detail::longText(UInt128 value, char* begin, char* out) {
   if (value.high == 0 && value.low < tenTo19) return between(begin, writeUpTo19Digits(value.low, out));
   NativeUInt128 rest = value.bits();
   char first = '0';
@@ -143,11 +119,7 @@ __attribute__((noinline)) std::string_view longText(UInt128 value, const char* b
   return between(begin, out + 19);
 }
 
-// The text from `begin` on, with the digits from `out` on.
-std::string_view textOf(UInt128 value, const char* begin, char* out) {
-  if (value.high == 0 && value.low < tenTo8) return between(begin, writeUpTo8Digits(value.low, out));
-  return longText(value, begin, out);
-}
+namespace {
 
 // What isspace holds for in the C locale, whatever the process's locale.
 bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
@@ -204,15 +176,6 @@ bool removePrefix(std::string_view& text) {
 }
 
 }  // namespace
-
-std::string_view uint128_to_string(UInt128 value, DecimalBuffer& buffer) {
-  return textOf(value, buffer, buffer);
-}
-
-std::string_view int128_to_string(Int128 value, DecimalBuffer& buffer) {
-  *buffer = '-';  // overwritten where it is not wanted
-  return textOf(magnitude(value), buffer, buffer + value.isNegative());
-}
 
 template <typename Value>
 Value detail::parseAnyDecimal(std::string_view text) {
