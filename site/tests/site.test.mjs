@@ -153,6 +153,25 @@ test("an error of the program marks its line and leads to it", { skip }, () =>
     assert.equal(await shownOutput(view), "120\n");
   }));
 
+test("a warning is told from an error, and the program runs", { skip }, () =>
+  withPage("playground.html", {}, async (page) => {
+    const view = viewsOf(page);
+    await enter(view, 'Dim b As Byte = 300\nSystem.DebugLog("noted")\nPrint b\nRaise New RuntimeException("over")\n');
+    assert.equal(await run(view), "Ended with status 1");
+    assert.equal(await shownOutput(view), "44\n");
+    const messages = view.locator(".qtx-message");
+    assert.deepEqual(await messages.evaluateAll((all) => all.map((each) => each.className.split(" ")[1])),
+      ["qtx-warning", "qtx-log", "qtx-error"]);
+    assert.match(await messages.nth(0).textContent(), /warning: 300 does not fit in UInt8/);
+    assert.deepEqual(await view.locator(".qtx-doubtful").allTextContents(), ["Dim b As Byte = 300\n"]);
+    assert.deepEqual(await view.locator(".qtx-wrong").allTextContents(), ['Raise New RuntimeException("over")\n']);
+    const colours = await messages.evaluateAll((all) => all.map((each) => getComputedStyle(each).borderLeftColor));
+    assert.equal(new Set(colours).size, 3, colours.join(" "));
+    await enter(view, "Print 1");
+    assert.equal(await run(view), "Ended");
+    assert.equal(await view.locator(".qtx-doubtful, .qtx-wrong, .qtx-message").count(), 0);
+  }));
+
 test("an exception that nothing catches marks its line, behind what was printed", { skip }, () =>
   withPage("playground.html", {}, async (page) => {
     const view = viewsOf(page);
@@ -250,6 +269,13 @@ test("the search finds a name and leads to it", () =>
     const links = await page.locator(".md-search-result__link").evaluateAll((all) => all.map((each) => each.href));
     assert.ok(links.some((link) => /functions\.html(\?[^#]*)?#bitwiserotateqtx$/.test(link)), links.join("\n"));
   }));
+
+test("an address that leads nowhere leads back", async () => {
+  const page = await browser.open("nowhere.html");
+  await page.getByRole("link", { name: "start" }).click();
+  await page.waitForURL(browser.address + "index.html");
+  await page.context().close();
+});
 
 test("the index of names leads to each of them", () =>
   withPage("names.html", {}, async (page) => {
