@@ -159,6 +159,8 @@ test("a warning is told from an error, and the program runs", { skip }, () =>
     await enter(view, 'Dim b As Byte = 300\nSystem.DebugLog("noted")\nPrint b\nRaise New RuntimeException("over")\n');
     assert.equal(await run(view), "Ended with status 1");
     assert.equal(await shownOutput(view), "44\n");
+    const told = await view.locator(".qtx-output").textContent();
+    assert.match(told, /warning: 300[^]*noted[^]*44[^]*over/);
     const messages = view.locator(".qtx-message");
     assert.deepEqual(await messages.evaluateAll((all) => all.map((each) => each.className.split(" ")[1])),
       ["qtx-warning", "qtx-log", "qtx-error"]);
@@ -194,6 +196,14 @@ test("a program can be changed, and brought back", () =>
     assert.equal(await text.inputValue(), program);
     assert.equal(await shownOutput(view), output);
     assert.ok(await buttonOf(view, "Reset").isHidden());
+  }));
+
+test("pictures of measured times lie on white, also where the page is dark", () =>
+  withPage("performance.html", { colorScheme: "dark" }, async (page) => {
+    const behind = await page.locator("article img").evaluateAll((all) =>
+      all.map((each) => getComputedStyle(each).backgroundColor));
+    assert.ok(behind.length >= 4);
+    assert.deepEqual([...new Set(behind)], ["rgb(255, 255, 255)"]);
   }));
 
 test("a shared program comes back from its link", () =>
