@@ -36,6 +36,9 @@ expect 0 'usage: ./qtx COMMAND' "$qtx" test --help
 expect 2 'there is no preset "fast"' "$qtx" test fast
 expect 2 'build does not take "twice"' "$qtx" build release twice
 expect 2 'there is no command "sing"' "$qtx" sing
+expect 2 'site takes --serve and a port alone, found "serve"' "$qtx" site serve
+expect 2 '"http" is no port' "$qtx" site --serve http
+expect 2 'site does not take "more"' "$qtx" site --serve 8001 more
 mkdir "$folder/project/bench" "$folder/project/docs"
 echo 'Int128 addition' >"$folder/project/docs/performance.md"
 echo '"Int128 addition"' >"$folder/project/bench/int128_subjects.cpp"
