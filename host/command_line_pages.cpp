@@ -264,7 +264,10 @@ std::string manualPage(const CLI::App& app, const std::string& version) {
   for (const CLI::App* each : shownCommands(app)) {
     out << ".B " << app.get_name() << " " << each->get_name() << "\n[\\fIOPTIONS\\fR]";
     for (const CLI::Option* option : shownOptions(*each)) {
-      if (option->get_positional()) out << " " << italic(option->get_name());
+      if (!option->get_positional()) continue;
+      const std::string more = option->get_items_expected_max() > 1 ? " ..." : "";
+      const std::string word = italic(option->get_name()) + more;
+      out << " " << (option->get_required() ? word : "[" + word + "]");
     }
     out << "\n.br\n";
   }

@@ -1,4 +1,4 @@
-"""Fails if a link within the site leads nowhere, or if a page would load anything from another host.
+"""Fails if a link within the site leads nowhere or out of it, or if a page would load anything from another host.
 
   check.py SITE
 """
@@ -44,9 +44,10 @@ def main():
                     found.append(f"{where} loads {link}")
                 continue
             target = file
-            if parts.path.startswith("/"):  # of the page for addresses that lead nowhere
-                target = site / parts.path[1:]
-            elif parts.path:
+            if parts.path.startswith("/"):
+                found.append(f"{where} leads to {link}, which is right only where the site lies below no path")
+                continue
+            if parts.path:
                 target = (file.parent / unquote(parts.path)).resolve()
             if target.is_dir():
                 target /= "index.html"

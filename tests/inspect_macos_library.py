@@ -5,8 +5,8 @@ get, and fails if there is any.
 It should be for both processors and, for each of them, a dynamic library for macOS 11 that a current system accepts:
 with the load commands and the layout that its loader checks, defining one symbol for others, REALPluginMain, and none
 that is the system's, needing nothing but the system, with exception tables that lead from each function to its own
-handlers, and with a signature that fits every page. LIBSYSTEM.TBD is what the system's library offers, in the linker's
-text form.
+handlers, with a signature that fits every page, and the same in whichever folder it was built. LIBSYSTEM.TBD is what
+the system's library offers, in the linker's text form.
 
 The formats are those of Apple's published headers: mach-o/fat.h, mach-o/loader.h, mach-o/nlist.h,
 mach-o/compact_unwind_encoding.h and kern/cs_blobs.h. Call frame information is as in the Linux Standard Base, Core,
@@ -351,9 +351,10 @@ def problems_of_symbols(library, system):
     for name in sorted(set(exported(library)) ^ {ENTRY_POINT}):
         yield f"exports {name}" if name != ENTRY_POINT else f"does not export {name}"
     libraries = needed(library)
-    theirs, local_names = set(), 0
+    theirs, local_names, for_debuggers = set(), 0, []
     for name, kind, section, description in library.symbols():
         if kind & N_STAB:
+            for_debuggers.append(name)
             continue
         is_defined = kind & N_TYPE != 0
         if is_defined and kind & N_EXT and not kind & N_PEXT and name != ENTRY_POINT:
@@ -373,6 +374,8 @@ def problems_of_symbols(library, system):
             yield f"takes {name} from {libraries[ordinal - 1]}, not from {FRAMEWORK_OF[name]}"
     for name in sorted(theirs):
         yield f"defines {name}, which is the system's"
+    if for_debuggers:
+        yield f"tells a debugger where it was built: {', '.join(for_debuggers[:3])}"
     if local_names == 0:
         yield "has lost its own symbols' names, so that nobody sees whether some are the system's"
 

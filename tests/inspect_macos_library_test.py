@@ -182,6 +182,13 @@ class Inspection(unittest.TestCase):
             copy.put(entry + 4, "B", copy.get(entry + 4, "B") & ~inspection.N_PEXT)
             self.finds(copy.data, rf"{copy.processor}: defines \S+ for others")
 
+    def test_a_place_where_it_was_built(self):
+        for copy in self.each():
+            entry, at = copy.symbol(is_own)
+            copy.put(entry + 4, "B", 0x66)  # N_OSO, the file of an object
+            copy.put(at, "6s", b"/a/b.o")
+            self.finds(copy.data, rf"{copy.processor}: tells a debugger where it was built: /a/b\.o")
+
     def test_another_exported_name(self):
         for copy in self.each():
             [trie] = [part for part in inspection.linked_parts(copy.library) if "export trie" in part[0]]

@@ -36,6 +36,9 @@ expect 0 'usage: ./qtx COMMAND' "$qtx" test --help
 expect 2 'there is no preset "fast"' "$qtx" test fast
 expect 2 'build does not take "twice"' "$qtx" build release twice
 expect 2 'there is no command "sing"' "$qtx" sing
+expect 2 'site takes --serve and a port alone, found "serve"' "$qtx" site serve
+expect 2 '"http" is no port' "$qtx" site --serve http
+expect 2 'site does not take "more"' "$qtx" site --serve 8001 more
 mkdir "$folder/project/bench" "$folder/project/docs"
 echo 'Int128 addition' >"$folder/project/docs/performance.md"
 echo '"Int128 addition"' >"$folder/project/bench/int128_subjects.cpp"
@@ -81,4 +84,20 @@ stub ninja 'case $* in *-n*) exit 0 ;; esac; echo "[3/9] Building x"; sleep 11'
 expect 0 '[3/9] Building x' env PATH="$folder/bin" "$qtx" build
 stub ninja 'case $* in *-n*) exit 0 ;; esac; echo "error: no"; exit 1'
 expect 1 'error: no' env PATH="$folder/bin" "$qtx" build
+
+# Of two runs, the second begins to build when the first has done.
+if command -v flock >/dev/null; then
+  ln -s "$(command -v flock)" "$folder/bin/flock"
+  stub ninja "case \$* in *-n*) exit 0 ;; esac; echo begin >>'$folder/order'; sleep 3; echo end >>'$folder/order'"
+  env PATH="$folder/bin" "$qtx" build >/dev/null 2>&1 &
+  first=$!
+  sleep 1
+  expect 0 'Waiting for another run: build/release' env PATH="$folder/bin" "$qtx" build
+  wait "$first" || failed=1
+  order=$(tr '\n' ' ' <"$folder/order")
+  if [ "$order" != 'begin end begin end ' ]; then
+    echo "two builds at once: $order"
+    failed=1
+  fi
+fi
 exit "$failed"

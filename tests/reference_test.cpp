@@ -1,5 +1,6 @@
 // Compares the pages of docs/ with the records that the library registers: each page lists its declarations
-// as they are registered, and nothing in its text declares or names anything else.
+// as they are registered, has a program that uses each of them, and nothing in its text declares or names
+// anything else.
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
@@ -70,15 +71,17 @@ void* resolve(const char* name) {
   return found == operations.end() ? nullptr : found->second;
 }
 
-// What a page has outside of its blocks of code, and its blocks of declarations.
+// What a page has outside of its blocks of code, its programs, which run as tests of their own, and its
+// blocks of declarations.
 struct Page {
   std::string name;
   Lines text;
+  std::string programs;
   std::map<std::string, Lines> declared;
 };
 
 Page read(const fs::path& file) {
-  Page page{file.stem().string(), {}, {}};
+  Page page{file.stem().string(), {}, {}, {}};
   std::ifstream stream(file);
   std::string language;
   bool inBlock = false;
@@ -90,6 +93,8 @@ Page read(const fs::path& file) {
       declarations = nullptr;
     } else if (!inBlock) {
       page.text.push_back(line);
+    } else if (language == "basic") {
+      page.programs += line.substr(0, line.find('\'')) + "\n";
     } else if (language != "declarations") {
       continue;
     } else if (!line.starts_with(" ")) {
@@ -204,6 +209,31 @@ TEST_F(Reference, TellsOfEveryName) {
         ++names;
         EXPECT_TRUE(std::regex_search(code, std::regex("\\b" + name + "\\b")))
             << "docs/" << page.name << ".md lists " << name << " and does not tell of it";
+      }
+    }
+  }
+  EXPECT_GT(names, 130);
+}
+
+// Members and properties are used with a point in front, functions with a parenthesis behind.
+TEST_F(Reference, HasAProgramForEveryName) {
+  int names = 0;
+  for (const Page& page : pages) {
+    for (const auto& [owner, lines] : page.declared) {
+      const bool isClass = owner.starts_with("Class ");
+      const std::string type = owner.substr(owner.find(' ') + 1);
+      if (isClass) {
+        EXPECT_TRUE(std::regex_search(page.programs, std::regex("\\bNew " + type + "\\b")))
+            << "no program in docs/" << page.name << ".md makes an object of " << type;
+      }
+      for (const std::string& line : lines) {
+        const std::string name = nameIn(bare(line));
+        if (name.starts_with("Operator_") || name == "Constructor") continue;
+        ++names;
+        const bool hasPoint = isClass || line.starts_with("Property ");
+        const std::string use = hasPoint ? "\\." + name + "\\b" : "\\b" + name + "\\(";
+        EXPECT_TRUE(std::regex_search(page.programs, std::regex(use)))
+            << "no program in docs/" << page.name << ".md uses " << type << "'s " << name;
       }
     }
   }

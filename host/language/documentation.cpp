@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cctype>
 #include <sstream>
+#include <utility>
 #include <vector>
 
 #include "language/documentation_pages.h"
@@ -130,6 +131,24 @@ bool isAbout(const Section& section, const std::string& type) {
   return true;
 }
 
+// How texts and programs write what a class registers as an operator; empty where that has no sign of its
+// own.
+std::string signOf(std::string_view member) {
+  constexpr std::string_view prefix = "Operator_", right = "Right";
+  if (member.size() < prefix.size() || !sameName(member.substr(0, prefix.size()), prefix)) return "";
+  std::string_view what = member.substr(prefix.size());
+  if (what.size() > right.size() && sameName(what.substr(what.size() - right.size()), right)) {
+    what.remove_suffix(right.size());
+  }
+  static constexpr std::pair<std::string_view, std::string_view> signs[] = {
+      {"Add", "+"},      {"Subtract", "-"}, {"Multiply", "*"},        {"Divide", "/"},
+      {"Modulo", "Mod"}, {"Compare", "<"},  {"Negate", "unary minus"}};
+  for (const auto& [name, sign] : signs) {
+    if (sameName(what, name)) return std::string(sign);
+  }
+  return "";
+}
+
 // Text, tables and examples of a section, one after the other.
 struct Parts {
   Lines prose;  // paragraphs, each of several lines
@@ -211,10 +230,10 @@ std::string shortened(const std::string& example, const std::string& name) {
 }
 
 // What the pages say of a name, in sections that `fits` lets through; with an example that has it as
-// `usedAs`.
+// `usedAs`, or the first one below a heading that has the name.
 template <typename Fits>
 std::string told(const std::string& name, const std::string& usedAs, Fits fits) {
-  std::string rows, text, example;
+  std::string rows, text, example, below;
   const Section* mentioning = nullptr;
   for (const Section& section : sections()) {
     if (!fits(section)) continue;
@@ -227,6 +246,7 @@ std::string told(const std::string& name, const std::string& usedAs, Fits fits) 
       for (const std::string& paragraph : parts.prose) addParagraph(text, paragraph);
       for (const std::string& each : parts.examples) {
         if (example.empty() && mentions(each, usedAs)) example = shortened(each, usedAs);
+        if (below.empty()) below = each;
       }
     } else if (!mentioning) {
       const auto inCode = [&](const std::string& line) { return mentionsInCode(line, name); };
@@ -246,6 +266,7 @@ std::string told(const std::string& name, const std::string& usedAs, Fits fits) 
       if (example.empty() && mentions(each, usedAs)) example = shortened(each, usedAs);
     }
   }
+  if (example.empty()) example = below;
   std::string all = rows;
   if (!text.empty()) addParagraph(all, text);
   if (!example.empty()) addParagraph(all, "Example:\n" + example);
@@ -281,6 +302,8 @@ std::string documentationOf(std::string_view name) {
   const std::string owner(dot == std::string_view::npos ? "" : name.substr(0, dot));
   const std::string member(dot == std::string_view::npos ? name : name.substr(dot + 1));
   if (member.empty()) return "";
+  // What a library's module has is a name of its own as well.
+  if (registry().findModule(owner) && !listing(std::string(name)).empty()) return documentationOf(member);
   std::string all;
   if (const Class* type = owner.empty() ? registry().findClass(member) : nullptr) {
     all = listing(member);
@@ -299,8 +322,10 @@ std::string documentationOf(std::string_view name) {
     const std::string declared = listing(each.name + "." + member);
     if (declared.empty()) continue;
     addParagraph(all, declared);
-    const std::string usedAs = sameName(member, "Constructor") ? each.name : member;
-    all += told(member, usedAs, [&](const Section& section) { return isAbout(section, each.name); });
+    const std::string sign = signOf(member);
+    const std::string& written = sign.empty() ? member : sign;
+    const std::string usedAs = sameName(member, "Constructor") ? each.name : written;
+    all += told(written, usedAs, [&](const Section& section) { return isAbout(section, each.name); });
   }
   if (!all.empty() || !owner.empty()) return all;
   all = listing(member);

@@ -3,7 +3,9 @@
 // of which only the first, a text, has to be there: the name that the program has in messages, the command line, and
 // the compiled qtxhost.wasm, which a page that starts many Workers need not have compiled for each. It is told
 //   {output: text}         what the program prints, as it is printed
-//   {error: text, line: n} each message of standard error, and the program's line that it names, or null
+//   {error: text, line: n} each error, and the program's line that it names, or null
+//   {warning: text, line: n} what the compiler warns of; the program runs all the same
+//   {log: text}            what else goes to standard error, such as the lines of System.DebugLog
 //   {done: status}         at the end, what qtxhost's exit status would be
 // To stop a program, end the Worker; each runs one program.
 'use strict';
@@ -30,14 +32,21 @@ function outputTo(post) {
   return {print, flush};
 }
 
-// A message goes on in the lines behind it that are indented.
+// What a message is, its beginning says: the program's name, its line and 'warning', or the name of who found an error.
+function messageOf(text, name) {
+  if (text.startsWith('qtxhost: ')) return {error: text, line: null};
+  if (!text.startsWith(name + ':')) return {log: text};
+  const [, line, warning] = text.slice(name.length).match(/^:(?:(\d+):)?(?:\d+:)?( warning: )?/);
+  return {[warning ? 'warning' : 'error']: text, line: line ? Number(line) : null};
+}
+
+// A message goes on in the lines behind it that are indented, the compiler's up to the mark below the place. What is printed
+// comes behind all of it.
 function errorsTo(post, name) {
   let line = [], message = [];
   function flush() {
     if (message.length === 0) return;
-    const text = message.join('\n');
-    const place = text.startsWith(name + ':') ? parseInt(text.slice(name.length + 1), 10) : NaN;
-    post({error: text, line: isNaN(place) ? null : place});
+    post(messageOf(message.join('\n'), name));
     message = [];
   }
   function endLine() {
@@ -45,6 +54,7 @@ function errorsTo(post, name) {
     line = [];
     if (!text.startsWith(' ')) flush();
     message.push(text);
+    if (/^\s+\^$/.test(text) || 'log' in messageOf(message[0], name)) flush();
   }
   function write(byte) {
     if (byte === 10) {
@@ -57,7 +67,7 @@ function errorsTo(post, name) {
     if (line.length > 0) endLine();
     flush();
   }
-  return {write, end};
+  return {write, flush, end};
 }
 
 async function run({program, name = 'program.bas', arguments: words = ['run', name], module}) {
@@ -69,7 +79,10 @@ async function run({program, name = 'program.bas', arguments: words = ['run', na
   const input = new TextEncoder().encode(program);
   let read = 0;
   const settings = {
-    printBytes: output.print,
+    printBytes: (bytes) => {
+      errors.flush();
+      output.print(bytes);
+    },
     stdin: () => (read < input.length ? input[read++] : null),
     stdout: (byte) => output.print(new Uint8Array([byte])),
     stderr: errors.write,

@@ -12,13 +12,15 @@ async function compile() {
 }
 
 export class Execution {
-  // Calls told.output(text), told.error(text, line or null), and at the end told.ended(status), or told.broken(why) where
-  // what runs programs could not be loaded or has itself failed.
+  // Calls told.output(text), told.message(kind, text, line or null) with what is said of the program or by it beside
+  // its output, kind being 'error', 'warning' or 'log', and at the end told.ended(status), or told.broken(why) where what runs
+  // programs could not be loaded or has itself failed.
   constructor(program, told) {
     this.worker = new Worker(new URL(runner, document.baseURI));
     this.worker.onmessage = ({ data }) => {
       if (data.output !== undefined) told.output(data.output);
-      if (data.error !== undefined) told.error(data.error, data.line ?? null);
+      for (const kind of ["error", "warning", "log"])
+        if (data[kind] !== undefined) told.message(kind, data[kind], data.line ?? null);
       if (data.done !== undefined) {
         this.stop();
         told.ended(data.done);

@@ -53,9 +53,10 @@ export class Output {
     this.timer ??= setTimeout(() => this.flush(), milliseconds);
   }
 
-  error(text, line) {
+  // kind: 'error', 'warning' or 'log'.
+  message(kind, text, line) {
     this.finish();
-    const shown = element("pre", "qtx-message", text.replace(/\n$/, ""));
+    const shown = element("pre", `qtx-message qtx-${kind}`, text.replace(/\n$/, ""));
     if (line) {
       const link = element("button", "qtx-go", `line ${line}`);
       link.type = "button";

@@ -99,9 +99,8 @@ export class ProgramView {
 
   start() {
     if (!canRun || this.execution) return;
-    for (const line of this.shown.children) line.classList.remove("qtx-wrong");
+    for (const line of this.shown.children) line.classList.remove("qtx-wrong", "qtx-doubtful");
     this.output.clear();
-    this.failed = false;
     this.status.textContent = "Running …";
     const program = this.program;
     this.execution = new Execution(program, {
@@ -109,10 +108,9 @@ export class ProgramView {
         this.output.print(text);
         if (this.output.isFull) this.end("Stopped: it prints more than a page can show");
       },
-      error: (text, line) => {
-        this.failed = true;
-        this.output.error(text, line);
-        this.shown.children[line - 1]?.classList.add("qtx-wrong");
+      message: (kind, text, line) => {
+        this.output.message(kind, text, line);
+        this.shown.children[line - 1]?.classList.add(kind === "warning" ? "qtx-doubtful" : "qtx-wrong");
       },
       ended: (status) => this.end(this.outcome(program, status)),
       broken: (why) => this.end(`What runs programs has failed: ${why}`),

@@ -15,11 +15,15 @@ export const pageNames = readdirSync(site).filter((name) => name.endsWith(".html
 const types = { ".html": "text/html", ".js": "text/javascript", ".css": "text/css", ".svg": "image/svg+xml",
   ".json": "application/json", ".wasm": "application/wasm", ".png": "image/png", ".txt": "text/plain" };
 
+// Below this path, as where a host has a folder for each project; beside it there is nothing.
+const below = "/qtx/";
+
 async function serve() {
   const server = createServer((request, response) => {
-    const file = path.join(site, decodeURIComponent(new URL(request.url, "http://site").pathname));
-    if (!file.startsWith(site) || !existsSync(file) || !statSync(file).isFile()) {
-      response.writeHead(404).end();
+    const asked = decodeURIComponent(new URL(request.url, "http://site").pathname);
+    const file = path.join(site, asked.slice(below.length));
+    if (!asked.startsWith(below) || !file.startsWith(site) || !existsSync(file) || !statSync(file).isFile()) {
+      response.writeHead(404, { "content-type": "text/html" }).end(readFileSync(path.join(site, "404.html")));
       return;
     }
     response.writeHead(200, { "content-type": types[path.extname(file)] ?? "application/octet-stream" });
@@ -35,7 +39,7 @@ export class Browser {
     const { chromium } = require("playwright-core");
     const made = new Browser();
     made.server = await serve();
-    made.address = `http://127.0.0.1:${made.server.address().port}/`;
+    made.address = `http://127.0.0.1:${made.server.address().port}${below}`;
     made.browser = await chromium.launch({
       executablePath: process.env.CHROMIUM ?? "/usr/bin/chromium",
       args: process.getuid() === 0 ? ["--no-sandbox"] : [],

@@ -153,6 +153,27 @@ test("an error of the program marks its line and leads to it", { skip }, () =>
     assert.equal(await shownOutput(view), "120\n");
   }));
 
+test("a warning is told from an error, and the program runs", { skip }, () =>
+  withPage("playground.html", {}, async (page) => {
+    const view = viewsOf(page);
+    await enter(view, 'Dim b As Byte = 300\nSystem.DebugLog("noted")\nPrint b\nRaise New RuntimeException("over")\n');
+    assert.equal(await run(view), "Ended with status 1");
+    assert.equal(await shownOutput(view), "44\n");
+    const told = await view.locator(".qtx-output").textContent();
+    assert.match(told, /warning: 300[^]*noted[^]*44[^]*over/);
+    const messages = view.locator(".qtx-message");
+    assert.deepEqual(await messages.evaluateAll((all) => all.map((each) => each.className.split(" ")[1])),
+      ["qtx-warning", "qtx-log", "qtx-error"]);
+    assert.match(await messages.nth(0).textContent(), /warning: 300 does not fit in UInt8/);
+    assert.deepEqual(await view.locator(".qtx-doubtful").allTextContents(), ["Dim b As Byte = 300\n"]);
+    assert.deepEqual(await view.locator(".qtx-wrong").allTextContents(), ['Raise New RuntimeException("over")\n']);
+    const colours = await messages.evaluateAll((all) => all.map((each) => getComputedStyle(each).borderLeftColor));
+    assert.equal(new Set(colours).size, 3, colours.join(" "));
+    await enter(view, "Print 1");
+    assert.equal(await run(view), "Ended");
+    assert.equal(await view.locator(".qtx-doubtful, .qtx-wrong, .qtx-message").count(), 0);
+  }));
+
 test("an exception that nothing catches marks its line, behind what was printed", { skip }, () =>
   withPage("playground.html", {}, async (page) => {
     const view = viewsOf(page);
@@ -175,6 +196,14 @@ test("a program can be changed, and brought back", () =>
     assert.equal(await text.inputValue(), program);
     assert.equal(await shownOutput(view), output);
     assert.ok(await buttonOf(view, "Reset").isHidden());
+  }));
+
+test("pictures of measured times lie on white, also where the page is dark", () =>
+  withPage("performance.html", { colorScheme: "dark" }, async (page) => {
+    const behind = await page.locator("article img").evaluateAll((all) =>
+      all.map((each) => getComputedStyle(each).backgroundColor));
+    assert.ok(behind.length >= 4);
+    assert.deepEqual([...new Set(behind)], ["rgb(255, 255, 255)"]);
   }));
 
 test("a shared program comes back from its link", () =>
@@ -250,6 +279,13 @@ test("the search finds a name and leads to it", () =>
     const links = await page.locator(".md-search-result__link").evaluateAll((all) => all.map((each) => each.href));
     assert.ok(links.some((link) => /functions\.html(\?[^#]*)?#bitwiserotateqtx$/.test(link)), links.join("\n"));
   }));
+
+test("an address that leads nowhere leads back", async () => {
+  const page = await browser.open("nowhere.html");
+  await page.getByRole("link", { name: "start" }).click();
+  await page.waitForURL(browser.address + "index.html");
+  await page.context().close();
+});
 
 test("the index of names leads to each of them", () =>
   withPage("names.html", {}, async (page) => {

@@ -172,7 +172,7 @@ TEST(Validation, WritesJsonForMachines) {
 
 TEST(Validation, SaysWhatTheDocumentationShows) {
   const std::string page = contentOf(std::filesystem::path(QTX_SOURCE_DIR) / "docs/host-programs.md");
-  const std::string opening = "```sh\n./qtx validate --only HypotQTX\n```\n```text\n";
+  const std::string opening = "```sh\nqtxhost validate --only HypotQTX\n```\n```text\n";
   const std::size_t start = page.find(opening);
   ASSERT_NE(start, std::string::npos);
   std::string shown = page.substr(start + opening.size());

@@ -5,9 +5,10 @@ const fs = require('fs');
 const {compile, load} = require('./worker_in_node.js');
 
 const site = process.env.QTX_SITE;
-const receive = load(site, ({output, error, done}) => {
+const receive = load(site, ({output, error, warning, log, done}) => {
   if (output !== undefined) fs.writeSync(1, output);
-  if (error !== undefined) fs.writeSync(2, error + '\n');
+  const message = error ?? warning ?? log;
+  if (message !== undefined) fs.writeSync(2, message + '\n');
   if (done !== undefined) process.exitCode = done;
 });
 const words = process.argv.slice(2);

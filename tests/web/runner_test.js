@@ -52,6 +52,36 @@ test('an exception is told with its line, and where it has passed', async () => 
   assert.deepStrictEqual(told[2], {done: 1});
 });
 
+test('a warning is told as one, with its line, and the program runs', async () => {
+  const told = await run('Print "a"\nDim b As Byte = 300\nPrint b\n');
+  assert.strictEqual(told[0].line, 2);
+  assert.match(told[0].warning, /^program\.bas:2:17: warning: 300 does not fit in UInt8; .*\n {2}Dim b As Byte = 300\n +\^$/);
+  assert.deepStrictEqual(told.slice(1), [{output: 'a\n'}, {output: '44\n'}, {done: 0}]);
+});
+
+test('a line of the log is told as one, whatever stands in it', async () => {
+  const told = await run('System.DebugLog("now: warning: 3")\nPrint 1\n');
+  assert.deepStrictEqual(told, [{log: 'now: warning: 3'}, {output: '1\n'}, {done: 0}]);
+});
+
+test('threads that wait for each other are an error of no one line', async () => {
+  const told = await run('Dim s As New Semaphore(0)\ns.Signal\n');
+  assert.strictEqual(told[0].line, null);
+  assert.match(told[0].error, /^program\.bas: every thread of the program waits for another\n {2}at program\.bas:2: /);
+  assert.deepStrictEqual(told.slice(1), [{done: 1}]);
+});
+
+test('a warning of a program that does not end is told', async () => {
+  const worker = start();
+  const told = await new Promise((resolve) => {
+    worker.on('message', resolve);
+    worker.postMessage({program: 'Dim b As Byte = 300\nWhile True\nWend\n', module: module_});
+  });
+  assert.strictEqual(told.line, 1);
+  assert.ok(told.warning);
+  await worker.terminate();
+});
+
 test('what the engine stops is told with its line', async () => {
   const told = await run('Dim m As New MemoryBlock(8)\nDim p As Ptr = m\nPrint p.Int64(2000000000)\n');
   assert.strictEqual(told[0].line, 3);
