@@ -6,6 +6,7 @@
 
 #include "language/conversions.h"
 #include "language/fields.h"
+#include "language/spelling.h"
 #include "runtime/exception.h"
 #include "runtime/output.h"
 #include "runtime/text.h"
@@ -105,7 +106,8 @@ void expectEvent(const Expression& object, const std::string& event, Position po
   const Type type = object.type;
   const bool isThread =
       isPlainObject(type) && type.objectClass && type.objectClass->isA(*hostClasses().thread);
-  if (!isThread || !sameName(event, "Run")) fail(position, "a " + nameOf(type) + " has no event " + event);
+  if (!isThread || !sameName(event, "Run"))
+    fail(position, withArticle(nameOf(type)) + " has no event " + event);
 }
 
 Stmt addHandler(Position position, Expr object, const Method& handler, Expr self, Position handlerPosition) {

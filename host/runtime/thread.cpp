@@ -38,6 +38,14 @@ ThreadState& stateOf(REALobject self) { return *dataIn<ThreadData>(self, *hostCl
 void initialize(REALobject self) { dataIn<ThreadData>(self, *hostClasses().thread).state = new ThreadState; }
 void destroy(REALobject self) { delete &stateOf(self); }
 
+// The Sub Run of a program's class that inherits from Thread.
+const Method* ownRun(const Object& thread) {
+  for (const Method* each : thread.objectClass->findMethods("Run")) {
+    if (each->isOwn && each->declaration.parameters.empty()) return each;
+  }
+  return nullptr;
+}
+
 void run(Ref<Object> thread) {
   // Where threads take turns, another's is put aside meanwhile.
   const REALobject threadBefore = std::exchange(ownThread, reinterpret_cast<REALobject>(thread.get()));
@@ -49,7 +57,12 @@ void run(Ref<Object> thread) {
       const std::lock_guard lock(state.lock);
       handler = state.handler;
     }
-    if (handler) handler(*thread);
+    if (handler) {
+      handler(*thread);
+    } else if (const Method* const run = ownRun(*thread)) {
+      const Slot arguments[] = {{.heap = thread.get()}};
+      run->call(arguments);
+    }
   } catch (const HostException& exception) {
     reportUncaught(exception);
   } catch (const ProgramEnd&) {  // ends this thread; the others notice themselves
