@@ -41,7 +41,19 @@ const std::vector<Topic>& topics() {
        "this host has no weak references; keep the object itself, and set it to Nil to break a circle"},
       {{"WeakAddressOf"}, "write AddressOf, which keeps the object alive"},
       {{"RemoveHandler"}, "a Thread keeps its handler; AddHandler puts another in its place"},
-      {{"Exception"}, "what is to be caught stands between Try and Catch"},
+      {{"Exception"}, "the class is RuntimeException, and what may raise one stands between Try and Catch"},
+      {{"Throw"}, "write Raise"},
+      {{"Nothing", "Null"}, "write Nil"},
+      {{"AndAlso", "OrElse"}, "write And or Or, which ask the second side only where it matters"},
+      {{"IIf"}, "write If(condition, a, b)"},
+      {{"LBound"}, "the first index is 0"},
+      {{"Erase"}, "write ReDim a(-1)"},
+      {{"Let"}, "leave it out"},
+      {{"Default"}, "write Case Else"},
+      {{"Break"}, "write Exit, which leaves a loop; a Case ends where the next one begins"},
+      {{"UCase"}, "write Uppercase"},
+      {{"LCase"}, "write Lowercase"},
+      {{"Space"}, "this host has no such text; append to one in a loop"},
       {{"With"}, "this host has no With; keep the object in a variable with a short name"},
       {{"IsNot"}, "write Not (a Is b)"},
       {{"Using"}, "what a Module declares is known everywhere; leave Using out"},
@@ -88,6 +100,10 @@ const std::vector<MemberTopic>& memberTopics() {
       {"String",
        {{"LeftBytes", "RightBytes", "MiddleBytes", "LeftB", "MidB", "RightB"},
         "write Left, Right or Middle, or use a MemoryBlock for bytes"}},
+      {"String", {{"ReplaceLineEndings"}, "write ReplaceAll(s, EndOfLine, …)"}},
+      {"String", {{"PadLeft", "PadRight", "Reverse", "Repeat"}, "write a Function of its own with Extends"}},
+      {"RuntimeException", {{"Reason"}, "write Message"}},
+      {"RuntimeException", {{"Stack", "StackFrames"}, "what nothing catches is reported with its calls"}},
       {"Integer", {{"ToHex"}, "write Hex(value)"}},
       {"Integer", {{"ToBinary"}, "write Bin(value)"}},
       {"Integer", {{"ToOctal"}, "write Oct(value)"}},
@@ -114,6 +130,7 @@ std::string absentMember(std::string_view owner, std::string_view name) {
 }
 
 std::string absentDirective(std::string_view text) {
+  if (text.starts_with(';')) return "; texts are joined with '+'";
   const bool isOne = text.size() > 1 && text[0] == '#' && std::isalpha(static_cast<unsigned char>(text[1]));
   return isOne ? "; this host has no compiler directives; use Const and If" : "";
 }

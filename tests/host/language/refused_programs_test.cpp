@@ -316,9 +316,11 @@ TEST(RefusedPrograms, AreTooBig) {
   std::string many = "Sub S()\n";
   for (int i = 0; i <= 20000; ++i) many += "Dim v" + std::to_string(i) + " As Integer\n";
   EXPECT_EQ(problemOf(many + "End Sub"), "20002:5 there are more variables than a Sub may have");
+  std::string ifs;
+  for (int i = 0; i < 200000; ++i) ifs += "If True Then ";
+  EXPECT_EQ(problemOf(ifs + "Print 1"), "1:2591 blocks or parentheses are nested too deeply");
 }
 
-}  // namespace
 TEST(RefusedPrograms, ViewWhatIsNoNumber) {
   expectRefused({
       {"Print Integer(\"5\")",
@@ -353,4 +355,5 @@ TEST(RefusedPrograms, SortByWhatDoesNotCompare) {
   });
 }
 
+}  // namespace
 }  // namespace host

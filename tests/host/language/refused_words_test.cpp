@@ -62,8 +62,12 @@ TEST(RefusedWords, SayWhatIsWrittenOtherwise) {
       {"If Nil IsNot Nil Then Print 1",
        "1:8 expected 'Then' after the condition of If, found 'IsNot'; write Not (a Is b)"},
       {"Exception e As RuntimeException",
-       "1:13 expected the end of the statement, found 'As'; what is to be caught stands between Try and "
-       "Catch"},
+       "1:13 expected the end of the statement, found 'As'; the class is RuntimeException, and what may "
+       "raise one stands between Try and Catch"},
+      {"Throw New RuntimeException", "1:1 unknown name 'Throw'; write Raise"},
+      {"Dim o As Object = Nothing", "1:19 unknown name 'Nothing'; write Nil"},
+      {"Print 1; 2", "1:8 unexpected character ';'; texts are joined with '+'"},
+      {"Print (New RuntimeException).Reason", "1:30 RuntimeException has no member 'Reason'; write Message"},
       {"Dim c As Color = &cFF0000",
        "1:18 expected an expression, found '&'; this host has no colours; keep them as Integers"},
       {"Dim d As New Dictionary(\"a\" : 1)",
