@@ -321,7 +321,7 @@ Expr ExpressionCompiler::viewAsNamed(const Name& name, Links& links) {
   const bool isWhole = given && given->values.size() == 2;
   const auto* named = isWhole ? std::get_if<Name>(&given->values[1].node) : nullptr;
   if (!named) fail(name.position, "expected a value and the name of a type in CType(…)");
-  return plainView(compile(given->values[0]), typeOf({named->text, named->position}));
+  return plainView(compile(given->values[0]), typeOf({{named->text, named->position}}));
 }
 
 // A value as one of a type without a class, or of one with one.

@@ -121,10 +121,10 @@ Stmt addHandler(Position position, Expr object, const Method& handler, Expr self
   return statement(position, [object = std::move(object), &handler, self = std::move(self)](Frame& frame) {
     const Ref<Heap> held = object->reference(frame);
     if (!held) throw HostException("NilObjectException", "The thread is Nil.");
-    const Ref<Heap> owner = self ? self->reference(frame) : nullptr;
+    Ref<Heap> owner = self ? self->reference(frame) : nullptr;
     if (self) notNil({.heap = owner.get()});
-    setRunHandler(static_cast<Object&>(*held), [&handler, owner](Object& started) {
-      const Slot arguments[] = {{.heap = owner ? owner.get() : &started}, {.heap = &started}};
+    setRunHandler(static_cast<Object&>(*held), std::move(owner), [&handler](Object& started, Heap* of) {
+      const Slot arguments[] = {{.heap = of ? of : &started}, {.heap = &started}};
       handler.call(arguments);
     });
   });

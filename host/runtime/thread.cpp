@@ -18,8 +18,9 @@ namespace {
 
 // What a Thread object refers to; lives as long as the object.
 struct ThreadState {
-  std::mutex lock;  // of the handler
-  std::function<void(Object&)> handler;
+  std::mutex lock;  // of the handler and its owner
+  RunHandler handler;
+  Ref<Heap> owner;
   std::atomic<Activity> activity{Activity::notRunning};
   Awaited ended;
 };
@@ -52,13 +53,15 @@ void run(Ref<Object> thread) {
   ThreadState& state = stateOf(ownThread);
   std::atomic<Activity>* const activityBefore = std::exchange(ownActivity, &state.activity);
   try {
-    std::function<void(Object&)> handler;
+    RunHandler handler;
+    Ref<Heap> owner;
     {
       const std::lock_guard lock(state.lock);
       handler = state.handler;
+      owner = state.owner;
     }
     if (handler) {
-      handler(*thread);
+      handler(*thread, owner.get());
     } else if (const Method* const run = ownRun(*thread)) {
       const Slot arguments[] = {{.heap = thread.get()}};
       run->call(arguments);
@@ -127,10 +130,17 @@ RBInteger number() {
 
 }  // namespace
 
-void setRunHandler(Object& thread, std::function<void(Object&)> handler) {
+void setRunHandler(Object& thread, Ref<Heap> owner, RunHandler handler) {
   ThreadState& state = stateOf(reinterpret_cast<REALobject>(&thread));
   const std::lock_guard lock(state.lock);
   state.handler.swap(handler);
+  std::swap(state.owner, owner);  // the former one goes when the lock is open again
+}
+
+const Heap* ownerOfHandler(const Heap& thing) {
+  if (!thing.objectClass->isA(*hostClasses().thread)) return nullptr;
+  auto* const thread = const_cast<Heap*>(&thing);
+  return stateOf(reinterpret_cast<REALobject>(thread)).owner.get();
 }
 
 void setUncaughtHandler(std::function<void(const HostException&)> report) { uncaught = std::move(report); }
