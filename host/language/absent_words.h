@@ -9,6 +9,9 @@ namespace host {
 // What this host has instead: "; this host has no files, …". Empty where there is nothing to say of the name.
 std::string absent(std::string_view name);
 
+// The same of a member, by what it is a member of: a class, "Array", "String", "Integer" or "Double".
+std::string absentMember(std::string_view owner, std::string_view name);
+
 // The same of text that begins nothing in this host's programs, such as "#If".
 std::string absentDirective(std::string_view text);
 

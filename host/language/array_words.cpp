@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <cmath>
+#include <span>
 #include <string>
 
 #include "language/conversions.h"
+#include "language/delegates.h"
 #include "language/operators.h"
 #include "runtime/random.h"
 #include "runtime/text.h"
@@ -144,10 +146,73 @@ Expr containsElement(Expr array, Exprs& arguments) {
   });
 }
 
-Expr sortElements(Expr array, Exprs&) {
+namespace {
+
+// Whatever the program's Function answers: each comparison only chooses which of two comes next.
+template <typename IsLess>
+void mergeSort(std::vector<Slot>& elements, IsLess isLess) {
+  std::vector<Slot> merged(elements.size());
+  for (std::size_t width = 1; width < elements.size(); width *= 2) {
+    for (std::size_t start = 0; start < elements.size(); start += 2 * width) {
+      const auto at = [&](std::size_t index) {
+        return elements.begin() + static_cast<std::ptrdiff_t>(std::min(index, elements.size()));
+      };
+      std::merge(at(start), at(start + width), at(start + width), at(start + 2 * width),
+                 merged.begin() + static_cast<std::ptrdiff_t>(start), isLess);
+    }
+    elements.swap(merged);
+  }
+}
+
+// Of a copy, because the program runs meanwhile and may use the array; then it is written back.
+void sortBy(Array& array, const Method& compare, Heap* self) {
+  const Ref<Array> copy = makeArray(array.elementType, 0);
+  for (std::int64_t i = 0; i < array.count(); ++i) {
+    const Held element(array.get(i), array.elementType);
+    copy->append(element.slot);
+  }
+  std::vector<Slot> elements;
+  copy->rearrange([&](std::vector<Slot>& all) { elements = all; });
+  mergeSort(elements, [&](Slot one, Slot other) {
+    const Slot arguments[] = {{.heap = self}, one, other};
+    return compare.call(std::span(arguments).subspan(self ? 0 : 1)).integer < 0;
+  });
+  for (std::size_t i = 0; i < elements.size(); ++i) array.set(static_cast<std::int64_t>(i), elements[i]);
+}
+
+// Sort(AddressOf Compare)
+Expr sortElementsBy(Expr array, Expr given) {
   const Type type = array->type.element();
+  const MethodReference* reference = given->methodReference();
+  const Method* compare = nullptr;
+  for (const Method* each : reference ? reference->candidates() : std::vector<const Method*>()) {
+    const std::vector<Parameter>& parameters = each->declaration.parameters;
+    const auto takes = [&](const Parameter& one) { return one.type == type && !one.byRef; };
+    if (parameters.size() == 2 && takes(parameters[0]) && takes(parameters[1]) &&
+        each->declaration.result == Type{Kind::Int64}) {
+      compare = each;
+    }
+  }
+  if (!compare) {
+    fail(given->position,
+         "Sort takes AddressOf a Function (a As " + nameOf(type) + ", b As " + nameOf(type) + ") As Integer");
+  }
+  Expr self = static_cast<MethodReference&>(*given).takeSelf();
+  return doing(std::move(array), [compare, self = std::move(self)](Slot slot, Frame& f) {
+    const Ref<Heap> owner = self ? self->reference(f) : nullptr;
+    if (self) notNil({.heap = owner.get()});
+    sortBy(arrayIn(slot), *compare, owner.get());
+  });
+}
+
+}  // namespace
+
+Expr sortElements(Expr array, Exprs& arguments) {
+  const Type type = array->type.element();
+  if (!arguments.empty()) return sortElementsBy(std::move(array), std::move(arguments[0]));
   if (type.kind == Kind::Object || type.kind == Kind::Pointer) {
-    fail(array->position, "Sort orders numbers, texts and Variants, not " + nameOf(type));
+    fail(array->position, "Sort orders numbers, texts and Variants, not " + nameOf(type) +
+                              "; Sort(AddressOf …) orders them by a Function that compares two");
   }
   return doing(std::move(array), [](Slot slot, Frame&) { sort(arrayIn(slot)); });
 }

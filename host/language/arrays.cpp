@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "language/absent_words.h"
 #include "language/array_words.h"
 #include "language/conversions.h"
 #include "language/places.h"
@@ -114,7 +115,7 @@ constexpr struct {
                {"Pop", 0, &pop},
                {"IndexOf", 1, &indexOfElement, 1},
                {"Contains", 1, &containsElement, 0, true},
-               {"Sort", 0, &sortElements},
+               {"Sort", 0, &sortElements, 1},
                {"Shuffle", 0, &shuffleElements}};
 
 // The place with so many indices or more.
@@ -179,8 +180,9 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
     }
     return each.make(std::move(array), arguments);
   }
-  fail(callee.position,
-       "an array has no member '" + callee.name + "'" + suggestion(callee.name, arrayMembers(array->type)));
+  std::string advice = absentMember("Array", callee.name);
+  if (advice.empty()) advice = suggestion(callee.name, arrayMembers(array->type));
+  fail(callee.position, "an array has no member '" + callee.name + "'" + advice);
 }
 
 Expr newArray(Type type, Exprs upperBounds) {

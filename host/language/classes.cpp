@@ -67,6 +67,24 @@ Slot writeComputed(const void* own, const Slot* arguments) {
   return static_cast<const Property*>(own)->get->setter(given);
 }
 
+// A method that looks like an operator and would never run as one.
+void checkOperator(const Sub& declared) {
+  static constexpr std::string_view operators[] = {"Add",           "Subtract", "Multiply", "Divide",
+                                                   "IntegerDivide", "Modulo",   "Power",    "Negate",
+                                                   "Compare",       "Convert",  "Subscript"};
+  constexpr std::string_view prefix = "Operator_", right = "Right";
+  const std::string_view name = declared.name;
+  if (name.size() <= prefix.size() || !sameName(name.substr(0, prefix.size()), prefix)) return;
+  std::string_view rest = name.substr(prefix.size());
+  if (rest.size() > right.size() && sameName(rest.substr(rest.size() - right.size()), right)) {
+    rest.remove_suffix(right.size());
+  }
+  for (const std::string_view each : operators) {
+    if (sameName(each, rest)) return;
+  }
+  fail(declared.position, "this host has no " + declared.name + "; write a method with a name of its own");
+}
+
 const OwnClass* ownAbove(const Class& made) {
   return made.super && made.super->isOwn ? static_cast<const OwnClass*>(made.super) : nullptr;
 }
@@ -192,6 +210,7 @@ void ClassMembers::addMethod(const syntax::Sub& parsed) {
     return;
   }
   problems_.attempt([&] {
+    checkOperator(declared);
     if (sameName(declared.name, "Destructor")) {
       addDestructor(declared, parsed);
     } else {

@@ -164,7 +164,10 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
   const Position position = value->position;
   const int far = distance(*value, type);
   if (far < 0) {
-    const std::string found = value->methodReference()  ? "the address of a method that does not fit"
+    const bool isDelegate = isPlainObject(type) && type.objectClass && type.objectClass->signature;
+    const std::string found = value->methodReference()
+                                  ? isDelegate ? "the address of a method that does not fit"
+                                               : "the address of a method; a Delegate's type can hold it"
                               : from.kind == Kind::None ? "something without a value"
                                                         : nameOf(from);
     fail(position, "expected " + nameOf(type) + " as " + what + ", found " + found);

@@ -16,6 +16,10 @@ bool DeclarationParser::opens(Keyword keyword) const {
   return tokens_.is(keyword) && tokens_.peek(1).kind == TokenKind::word;
 }
 
+bool DeclarationParser::atWord(const char* word) const {
+  return tokens_.peek().kind == TokenKind::word && sameName(tokens_.peek().text, word);
+}
+
 bool DeclarationParser::declared(Members& into) {
   bool found = true;
   tokens_.part([&] {
@@ -59,7 +63,9 @@ void DeclarationParser::failForForeign() {
     const char* word;
     const char* instead;
   } foreign[] = {
-      {"Event", "this host has no events of one's own; a property of a Delegate's type does what one does"},
+      {"Event",
+       "this host has no events of one's own; a property of a Delegate's type does what one does, and what a "
+       "class that inherits from Thread runs is its Sub Run"},
       {"RaiseEvent", "this host has no events of one's own; call a property of a Delegate's type"},
       {"Structure", "this host has no structures; use a Class"},
       {"Declare", "this host calls no system libraries"},
@@ -95,6 +101,8 @@ Modifiers DeclarationParser::modifiers() {
     } else if (tokens_.is(Keyword::sharedWord) || (tokens_.is(Keyword::staticWord) && inType_)) {
       tokens_.take();
       given.shared = true;
+    } else if (tokens_.is(Keyword::propertyWord, 1) && (atWord("ReadOnly") || atWord("Computed"))) {
+      given.computed = tokens_.take().text;
     } else if (!tokens_.accept(Keyword::publicWord) && !tokens_.accept(Keyword::globalWord)) {
       break;
     }
@@ -389,7 +397,11 @@ void DeclarationParser::properties(const Modifiers& given, Members& into) {
   }
   syntax::Property& last = into.properties.back();
   last.stored.initial = std::move(group.initial);  // of several there is none
-  if (atAccessor()) accessors(last);
+  if (atAccessor()) {
+    accessors(last);
+  } else if (!given.computed.empty()) {
+    fail(last.name.position, "a " + given.computed + " Property has a Get, which computes it");
+  }
 }
 
 // Get or Set alone in the next line, which makes it a computed property.

@@ -17,6 +17,7 @@ class DeclarationParser {
   bool declaredAfter(const syntax::Modifiers& modifiers, syntax::Members& into);
   syntax::Modifiers modifiers();
   bool opens(Keyword keyword) const;  // the word stands before a name
+  bool atWord(const char* word) const;
   void members(const Opener& opener, syntax::Members& into);
   bool memberLine(Keyword owner, syntax::Members& into);
   void member(Keyword owner, syntax::Members& into);

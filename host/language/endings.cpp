@@ -10,15 +10,16 @@ namespace {
 using namespace syntax;
 
 // Whether a block leaves the loop of that kind around it by Exit.
-bool exits(const Block& block, LoopKind kind);
+bool exits(const Block& block, LoopKind kind, bool inAnother = false);
 
 struct Exits {
   LoopKind kind;
+  bool inAnother;  // in a loop inside of that one, which an Exit alone means
 
-  bool in(const Block& block) const { return exits(block, kind); }
+  bool in(const Block& block) const { return exits(block, kind, inAnother); }
   bool operator()(const Jump& jump) const {
     return jump.exits &&
-           (jump.target == Jump::Target::innermost ||
+           ((jump.target == Jump::Target::innermost && !inAnother) ||
             jump.target == (kind == LoopKind::whileLoop ? Jump::Target::whileLoop : Jump::Target::doLoop));
   }
   bool operator()(const If& choice) const {
@@ -29,9 +30,9 @@ struct Exits {
     return std::any_of(choice.cases.begin(), choice.cases.end(),
                        [&](const Select::Case& each) { return in(each.body); });
   }
-  bool operator()(const For& loop) const { return in(loop.body); }
-  bool operator()(const ForEach& loop) const { return in(loop.body); }
-  bool operator()(const Loop& loop) const { return loop.kind != kind && in(loop.body); }
+  bool operator()(const For& loop) const { return exits(loop.body, kind, true); }
+  bool operator()(const ForEach& loop) const { return exits(loop.body, kind, true); }
+  bool operator()(const Loop& loop) const { return loop.kind != kind && exits(loop.body, kind, true); }
   bool operator()(const Try& attempt) const {
     return in(attempt.body) || in(attempt.finally) ||
            std::any_of(attempt.catches.begin(), attempt.catches.end(),
@@ -43,9 +44,10 @@ struct Exits {
   }
 };
 
-bool exits(const Block& block, LoopKind kind) {
-  return std::any_of(block.begin(), block.end(),
-                     [&](const Statement& each) { return std::visit(Exits{kind}, each.node); });
+bool exits(const Block& block, LoopKind kind, bool inAnother) {
+  return std::any_of(block.begin(), block.end(), [&](const Statement& each) {
+    return std::visit(Exits{kind, inAnother}, each.node);
+  });
 }
 
 bool isAlwaysTrue(const Loop::Test& test) {

@@ -266,8 +266,9 @@ Expr ExpressionCompiler::elements(Expr value, Position start, const Arguments& i
     }
   }
   if (!value->type.array) {
-    fail(indices.position, value->type.kind == Kind::None ? "this has no value to take an element of"
-                                                          : "a " + nameOf(value->type) + " has no elements");
+    fail(indices.position, value->type.kind == Kind::None
+                               ? "this has no value to take an element of"
+                               : withArticle(nameOf(value->type)) + " has no elements");
   }
   return element(std::move(value), indices.position, arguments(&indices));
 }
@@ -293,6 +294,8 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
   if (const Property* shared = registry().findSharedProperty(name.text)) {
     return property(*shared, nullptr);
   }
+  if (sameName(name.text, "CType")) return viewAsNamed(name, links);
+  if (const std::optional<Type> type = typeNamed(name.text)) return plainType(*type, name, links);
   if (!absent(name.text).empty()) names_.failUnknown(name);  // before what follows it is looked at
   Exprs given = arguments(links.takeArguments());
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
@@ -310,6 +313,61 @@ Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, const Argum
     object->position = position;
   }
   return convertTo(std::move(object), {Kind::Object, false, &type}, "the object");
+}
+
+// CType(value, Type)
+Expr ExpressionCompiler::viewAsNamed(const Name& name, Links& links) {
+  const Arguments* given = links.takeArguments();
+  const bool isWhole = given && given->values.size() == 2;
+  const auto* named = isWhole ? std::get_if<Name>(&given->values[1].node) : nullptr;
+  if (!named) fail(name.position, "expected a value and the name of a type in CType(…)");
+  return plainView(compile(given->values[0]), typeOf({{named->text, named->position}}));
+}
+
+// A value as one of a type without a class, or of one with one.
+Expr ExpressionCompiler::plainView(Expr value, Type type) {
+  const Position position = value->position;
+  if (distance(*value, type) < 0) {
+    const bool reads = isText(value->type) && type.isNumber();
+    fail(position, withArticle(nameOf(value->type)) + " is not taken for " + withArticle(nameOf(type)) +
+                       (reads          ? "; Val(…) reads the number in a text"
+                        : isText(type) ? "; Str(…) makes a text of it"
+                                       : ""));
+  }
+  value->isLiteral = false;  // no loss is to be warned of: it is asked for
+  Expr viewed = convertTo(std::move(value), type, "the value");
+  if (viewed->place()) {  // a value of its own
+    return slotNode(type, [viewed = std::move(viewed)](Frame& f) { return viewed->evaluate(f); });
+  }
+  viewed->position = position;
+  return viewed;
+}
+
+// Integer(value), or what a type has besides: String.FromArray(parts, separator) is Join(parts, separator).
+Expr ExpressionCompiler::plainType(Type type, const Name& name, Links& links) {
+  static constexpr struct {
+    const char* type;
+    const char* member;
+    const char* function;
+  } members[] = {{"String", "FromArray", "Join"},        {"String", "Chr", "Chr"},
+                 {"Integer", "FromString", "ToInteger"}, {"Integer", "FromText", "ToInteger"},
+                 {"Integer", "Parse", "ToInteger"},      {"Double", "FromString", "ToDouble"},
+                 {"Double", "FromText", "ToDouble"},     {"Double", "Parse", "ToDouble"}};
+  if (const Name* member = links.takeName()) {
+    for (const auto& each : members) {
+      if (!sameName(each.type, name.text) || !sameName(each.member, member->text)) continue;
+      return this->name({each.function, member->position}, links);
+    }
+    fail(member->position, "the type " + name.text + " has no member '" + member->text + "'" +
+                               absentMember(name.text, member->text));
+  }
+  const Arguments* given = links.peekArguments();
+  if (!given || !given->parenthesised) {
+    fail(name.position, "the type " + name.text + " is no value; " + name.text + "(…) makes one of another");
+  }
+  Exprs values = arguments(links.takeArguments());
+  if (values.size() != 1) fail(name.position, "expected one value in " + name.text + "(…)");
+  return plainView(std::move(values[0]), type);
 }
 
 Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Links& links) {
@@ -350,9 +408,12 @@ Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, 
 void ExpressionCompiler::failForMember(const Class* type, const Name& name, const std::string& message,
                                        const std::vector<std::string>& known) {
   if (isWrong(type)) throw FollowsFromAnother(name.position);
-  throw WrongUse(
-      name.position, name.text,
-      message + " '" + name.text + "'" + suggestion(name.text, known) + (type ? absent(type->name) : ""));
+  std::string advice;
+  for (const Class* each = type; each && advice.empty(); each = each->super) {
+    advice = absentMember(each->name, name.text);
+  }
+  if (advice.empty()) advice = suggestion(name.text, known) + (type ? absent(type->name) : "");
+  throw WrongUse(name.position, name.text, message + " '" + name.text + "'" + advice);
 }
 
 Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
@@ -366,7 +427,8 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
     return memberOfObject(*type.objectClass, std::move(object), name, links);
   }
   if (isVariant(type)) return memberOfVariant(std::move(object), name, links);
-  const std::string unknown = "a " + nameOf(type) + " has no member '" + name.text + "'";
+  const std::string unknown = withArticle(nameOf(type)) + " has no member '" + name.text + "'" +
+                              absentMember(nameOf(type), name.text);
   if (type.kind == Kind::Object || type.kind == Kind::None || type.kind == Kind::Nil) {
     fail(name.position, unknown);
   }

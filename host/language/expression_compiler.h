@@ -29,6 +29,9 @@ class ExpressionCompiler {
   Expr member(Expr object, const syntax::Name& name, Links& links);
   Expr memberOfObject(const Class& type, Expr object, const syntax::Name& name, Links& links);
   Expr memberOfVariant(Expr value, const syntax::Name& name, Links& links);
+  Expr viewAsNamed(const syntax::Name& name, Links& links);
+  Expr plainView(Expr value, Type type);
+  Expr plainType(Type type, const syntax::Name& name, Links& links);
   Expr memberOfClass(const Class& type, const syntax::Name& name, Links& links);
   Expr memberOfModule(const Module& module, const syntax::Name& name, Links& links);
   // In own_names.cpp: what a name is where the program itself gives it a meaning. Null where it does not.

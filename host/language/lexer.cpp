@@ -229,9 +229,8 @@ class Lexer {
   void add(Symbol symbol) {
     tokens_.push_back({TokenKind::symbol, spellingOf(symbol), here(), Keyword::none, symbol});
   }
-  void endLine() {
-    if (!tokens_.empty() && tokens_.back().kind != TokenKind::endOfLine)
-      add(TokenKind::endOfLine, "end of line");
+  void endLine(const char* written = "end of line") {
+    if (!tokens_.empty() && tokens_.back().kind != TokenKind::endOfLine) add(TokenKind::endOfLine, written);
   }
   void startLine() {
     ++line_;
@@ -255,7 +254,7 @@ class Lexer {
     } else if (c == '\'' || (c == '/' && peek(1) == '/')) {
       skipComment();
     } else if (c == ':') {
-      endLine();
+      endLine(":");
       ++at_;
     } else if (c == '_' && !isWordPart(peek(1))) {
       joinLines();

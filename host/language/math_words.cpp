@@ -1,6 +1,7 @@
 // Mathematics.
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "language/words.h"
 #include "runtime/array.h"
@@ -38,6 +39,18 @@ RBInteger absoluteInteger(RBInteger value) {
 
 RBInteger signOf(double value) { return (value > 0) - (value < 0); }
 std::uint64_t unchanged(std::uint64_t value) { return value; }
+std::uint64_t bothOf(std::uint64_t a, std::uint64_t b) { return a & b; }
+std::uint64_t eitherOf(std::uint64_t a, std::uint64_t b) { return a | b; }
+std::uint64_t differenceOf(std::uint64_t a, std::uint64_t b) { return a ^ b; }
+std::uint64_t complement(std::uint64_t value) { return ~value; }
+std::uint64_t shiftRight(std::uint64_t value, RBInteger bits);
+std::uint64_t shiftLeft(std::uint64_t value, RBInteger bits) {
+  return bits < 0 ? shiftRight(value, bits > -64 ? -bits : 64) : bits < 64 ? value << bits : 0;
+}
+std::uint64_t shiftRight(std::uint64_t value, RBInteger bits) {
+  return bits < 0 ? shiftLeft(value, bits > -64 ? -bits : 64) : bits < 64 ? value >> bits : 0;
+}
+
 double random() { return sharedGenerator().fraction(); }
 
 }  // namespace
@@ -75,6 +88,20 @@ void registerMathWords() {
       hostMethod("Rnd as Double", &random),
   };
   registerFunctions(table);
+
+  static REALmethodDefinition bits[] = {
+      hostMethod("BitAnd(a as UInt64, b as UInt64) as UInt64", &bothOf),
+      hostMethod("BitOr(a as UInt64, b as UInt64) as UInt64", &eitherOf),
+      hostMethod("BitXor(a as UInt64, b as UInt64) as UInt64", &differenceOf),
+      hostMethod("OnesComplement(value as UInt64) as UInt64", &complement),
+      hostMethod("ShiftLeft(value as UInt64, bits as Integer) as UInt64", &shiftLeft),
+      hostMethod("ShiftRight(value as UInt64, bits as Integer) as UInt64", &shiftRight),
+  };
+  static REALmoduleDefinition module = {};
+  module.name = "Bitwise";
+  module.methods = bits;
+  module.methodCount = std::size(bits);
+  registry().addModule(module, false);
 }
 
 }  // namespace host

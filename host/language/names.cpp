@@ -215,7 +215,7 @@ void Names::eachSpace(Visit visit) const {
 // What a module keeps to itself is seen in it alone.
 bool Names::seesIn(const Declarations& space, const std::string& key) const {
   const Access access = space.accessOf(key);
-  if (access == Access::everyone) return true;
+  if (access == Access::everyone || &space == &module_) return true;
   for (const Declarations* each = surroundings_.space; each; each = each->outer) {
     if (each == &space) return true;
   }

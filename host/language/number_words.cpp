@@ -53,6 +53,17 @@ double val(REALstring s) {
   return number;
 }
 
+// Halves are rounded away from 0, as Round does; printf would choose the even digit. Only an exact product
+// shows one.
+double withoutTie(double magnitude, int precision) {
+  if (precision > 22) return magnitude;  // whose power of ten is not exact
+  double scale = 1;
+  for (int i = 0; i < precision; ++i) scale *= 10;
+  const double product = magnitude * scale;
+  const bool isTie = std::fma(magnitude, scale, -product) == 0 && product - std::floor(product) == 0.5;
+  return isTie ? std::nextafter(magnitude, HUGE_VAL) : magnitude;
+}
+
 // What a pattern says. "$#,##0.00 net" has a text in front, the digits' part, and a text behind.
 struct Pattern {
   explicit Pattern(std::string_view spec) {
@@ -82,7 +93,11 @@ struct Pattern {
   std::string digits(double magnitude) const {
     char buffer[512];
     const int precision = static_cast<int>(std::min<std::size_t>(decimals, 100));
-    std::snprintf(buffer, sizeof buffer, exponent ? "%.*e" : "%.*f", precision, magnitude);
+    if (exponent) {
+      std::snprintf(buffer, sizeof buffer, "%.*e", precision, magnitude);
+    } else {
+      std::snprintf(buffer, sizeof buffer, "%.*f", precision, withoutTie(magnitude, precision));
+    }
     std::string text = buffer;
     std::string tail;
     if (const std::size_t e = text.find('e'); e != std::string::npos) {

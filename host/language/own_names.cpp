@@ -91,6 +91,12 @@ Expr ExpressionCompiler::nameOfSpace(const Declarations& space, const Name& name
     fail(name.position,
          "the class " + space.name + " is no value; expected a member of it, or New " + space.name);
   }
+  const syntax::Arguments* given = links.peekArguments();
+  const Declarations* around = space.outer;
+  const auto type = around ? around->types.find(lowerCase(space.name)) : decltype(around->types.end())();
+  if (given && given->values.size() == 1 && around && type != around->types.end()) {  // of an enumeration
+    return plainView(std::move(arguments(links.takeArguments())[0]), type->second);
+  }
   fail(name.position, space.name + " is no value; expected a member of it");
 }
 

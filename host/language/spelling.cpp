@@ -103,9 +103,13 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
   return "";
 }
 
+std::string withArticle(const std::string& noun) {
+  return (noun.find_first_of("AEIO") == 0 ? "an " : "a ") + noun;
+}
+
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates) {
   const std::string near = nearest(name, candidates);
-  return near.empty() ? "" : "; did you mean '" + near + "'?";
+  return near.empty() || near.starts_with('_') ? "" : "; did you mean '" + near + "'?";
 }
 
 }  // namespace host

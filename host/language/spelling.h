@@ -16,4 +16,7 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
 // "; did you mean 'Name'?", or nothing.
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates);
 
+// "an Integer", "a String"
+std::string withArticle(const std::string& noun);
+
 }  // namespace host

@@ -11,6 +11,7 @@
 #include "language/loops.h"
 #include "language/operators.h"
 #include "language/shown.h"
+#include "language/spelling.h"
 #include "language/statements.h"
 
 namespace host {
@@ -38,12 +39,12 @@ Block StatementCompiler::innerBlock(const syntax::Block& statements) {
   return block(statements);
 }
 
-Block StatementCompiler::loopBody(LoopKind kind, const syntax::Block& statements) {
-  int& depth = loops_[static_cast<std::size_t>(kind)];
-  ++depth;
+Block StatementCompiler::loopBody(LoopKind kind, const std::string& variable,
+                                  const syntax::Block& statements) {
+  loops_.push_back({kind, variable});
   const Names::Inner inner(names_);
   Block body = counted(statements);
-  --depth;
+  loops_.pop_back();
   return body;
 }
 
@@ -145,8 +146,8 @@ Constant StatementCompiler::constant(const syntax::Const& declared) {
       expressions_.constant(declared.value, type, "the value of " + name);
   if (constant.type.isReference()) constant.keep = Ref<Heap>::adopt(constant.slot.heap);
   if (!constant.type.isNumber() && !isBoolean(constant.type) && !isText(constant.type)) {
-    fail(declared.value.position,
-         name + " is a " + nameOf(constant.type) + "; a constant is a number, a Boolean or a String");
+    fail(declared.value.position, name + " is " + withArticle(nameOf(constant.type)) +
+                                      "; a constant is a number, a Boolean or a String");
   }
   return constant;
 }
@@ -242,7 +243,7 @@ void StatementCompiler::compile(const syntax::Raise& raised, Position position, 
 void StatementCompiler::compile(const syntax::Return& returned, Position position, Block& block) {
   const bool isFunction = sub_ && sub_->result.kind != Kind::None;
   if (!returned.value) {
-    if (isFunction) fail(position, "Return needs a " + nameOf(sub_->result));
+    if (isFunction) fail(position, "Return needs " + withArticle(nameOf(sub_->result)));
     block.statements.push_back(jump(position, Flow::leave));
     return;
   }
@@ -265,12 +266,17 @@ void StatementCompiler::compile(const syntax::Jump& jumped, Position position, B
     const bool isFunction = sub_ && sub_->result.kind != Kind::None;
     if (sub_ && isFunction == (jumped.target == Target::function)) flow = Flow::leave;
   } else {
-    // Alone it means the For around it, or else the only kind of loop there is.
-    for (const auto& loop : loops) {
-      const bool meant = jumped.target == loop.target || (jumped.target == Target::innermost && !flow);
-      if (meant && loops_[static_cast<std::size_t>(loop.kind)] > 0) {
-        flow = jumped.exits ? loop.exit : loop.next;
+    // Alone it means the innermost loop, of whatever kind.
+    for (auto open = loops_.rbegin(); open != loops_.rend() && !flow; ++open) {
+      const auto& loop = *std::find_if(std::begin(loops), std::end(loops),
+                                       [&](const auto& each) { return each.kind == open->kind; });
+      if (jumped.target != Target::innermost && jumped.target != loop.target) continue;
+      if (!jumped.variable.text.empty() && !sameName(jumped.variable.text, open->variable)) {
+        fail(jumped.variable.position, jumped.word.text + " For means the innermost For, that of " +
+                                           open->variable +
+                                           "; to leave several loops, put them into a Sub and Return");
       }
+      flow = jumped.exits ? loop.exit : loop.next;
     }
   }
   if (!flow) fail(jumped.word.position, "'" + jumped.word.text + "' is outside of what it names");
@@ -354,14 +360,15 @@ void StatementCompiler::compile(const syntax::For& loop, Position position, Bloc
     variable = names_.expect(name);
     const Type type = variable->type;
     if (!type.isInteger() && type.kind != Kind::Double) {
-      fail(name.position, "the variable of For is a " + nameOf(type) + "; it must be an integer or a Double");
+      fail(name.position,
+           "the variable of For is " + withArticle(nameOf(type)) + "; it must be an integer or a Double");
     }
     place = placeOf(std::move(variable), name.position, name.text + " is constant");
     from = convertTo(expressions_.compile(loop.from), type, "the start of For");
     to = convertTo(expressions_.compile(loop.to), type, "the end of For");
     if (loop.step) step = convertTo(expressions_.compile(*loop.step), type, "the step of For");
   });
-  Block body = loopBody(LoopKind::forLoop, loop.body);
+  Block body = loopBody(LoopKind::forLoop, name.text, loop.body);
   if (!fits) return;
   block.statements.push_back(countingLoop(position, std::move(place), std::move(from), std::move(to),
                                           std::move(step), loop.down, std::move(body)));
@@ -395,7 +402,7 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
     assign = assignment(position, std::move(variable),
                         convertTo(std::move(value), declared.value_or(element), name.text));
   });
-  Block body = loopBody(LoopKind::forLoop, loop.body);
+  Block body = loopBody(LoopKind::forLoop, name.text, loop.body);
   if (!fits) return;
   block.statements.push_back(
       elementLoop(position, std::move(array), std::move(current), std::move(assign), std::move(body)));
@@ -411,7 +418,7 @@ void StatementCompiler::compile(const syntax::Loop& loop, Position position, Blo
     return made;
   };
   LoopTest before = test(loop.before, isWhile ? "While" : "Do");
-  Block body = loopBody(loop.kind, loop.body);
+  Block body = loopBody(loop.kind, "", loop.body);
   LoopTest after = test(loop.after, "Loop");
   block.statements.push_back(testedLoop(position, isWhile ? TestedLoop::whileLoop : TestedLoop::doLoop,
                                         std::move(before), std::move(after), std::move(body)));

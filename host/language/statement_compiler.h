@@ -22,7 +22,7 @@ class StatementCompiler {
  private:
   Block innerBlock(const syntax::Block& statements);  // with names of its own
   // The body of a loop, in which Exit and Continue of its kind may stand.
-  Block loopBody(syntax::LoopKind kind, const syntax::Block& statements);
+  Block loopBody(syntax::LoopKind kind, const std::string& variable, const syntax::Block& statements);
 
   void compile(const syntax::Dim& dim, Position position, Block& block);
   void declare(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
@@ -59,7 +59,11 @@ class StatementCompiler {
   const Sub* sub_;
   bool interactive_;
   Problems& problems_;
-  int loops_[3] = {};  // around the statement being compiled, by LoopKind
+  struct OpenLoop {
+    syntax::LoopKind kind;
+    std::string variable;  // of a For
+  };
+  std::vector<OpenLoop> loops_;  // around the statement being compiled, from the outermost on
 };
 
 }  // namespace host

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "language/absent_words.h"
 #include "runtime/class.h"
 
 namespace host {
@@ -216,7 +217,11 @@ Statement StatementParser::simple() {
   } else if (expressions_.atOperator()) {
     target = expressions_.continued(std::move(target));
   }
-  if (!tokens_.atStatementEnd()) tokens_.failExpecting("the end of the statement");
+  if (!tokens_.atStatementEnd()) {
+    const auto* chain = std::get_if<Chain>(&target.node);
+    const auto* first = std::get_if<Name>(chain ? &chain->first->node : &target.node);
+    tokens_.failExpecting("the end of the statement", first ? absent(first->text) : "");
+  }
   return {position, Evaluate{std::move(target)}};
 }
 
@@ -377,6 +382,7 @@ If StatementParser::ifElse(const Opener& opener) {
 }
 
 Block StatementParser::alone() {
+  const Nesting nesting(depth_, tokens_);
   Block one;
   one.push_back(statement());
   return one;
@@ -393,18 +399,18 @@ Select StatementParser::select(const Opener& opener) {
   const BlockEnd end = endOf(Keyword::selectWord);
   tokens_.skipLineEnds();
   if (!at(end) && !atOuterEnd(Holds::statements)) {
-    if (!tokens_.is(Keyword::caseWord)) {
+    if (!tokens_.is(Keyword::caseWord) && !tokens_.is(Keyword::elseWord)) {
       tokens_.problems.attempt([&] { tokens_.failExpecting("'Case' or 'End Select'"); });
     }
   }
-  block(opener, {end, {Keyword::caseWord}});
+  const BlockEnds ends = {end, {Keyword::caseWord}, {Keyword::elseWord}};
+  block(opener, ends);
   bool hasElse = false;
-  while (tokens_.is(Keyword::caseWord)) {
+  while (tokens_.is(Keyword::caseWord) || tokens_.is(Keyword::elseWord)) {  // which may stand alone
     Select::Case each;
     if (hasElse) tokens_.problems.attempt([&] { tokens_.failExpecting("'End Select' after Case Else"); });
     tokens_.part([&] {
-      tokens_.take();
-      hasElse = tokens_.accept(Keyword::elseWord);
+      hasElse = tokens_.take().keyword == Keyword::elseWord || tokens_.accept(Keyword::elseWord);
       if (!hasElse) {
         do {
           each.tests.push_back(test());
@@ -412,7 +418,7 @@ Select StatementParser::select(const Opener& opener) {
       }
       tokens_.expectLineEnd("after the values of Case");
     });
-    each.body = block(opener, {end, {Keyword::caseWord}});
+    each.body = block(opener, ends);
     chosen.cases.push_back(std::move(each));
   }
   accept(end);
@@ -424,6 +430,9 @@ Select::Test StatementParser::test() {
   if (tokens_.accept(Keyword::isWord)) {
     const Operator comparison = expressions_.comparison();
     return {position, comparison, expressions_.operandOfComparison(), {}};
+  }
+  if (tokens_.is(Keyword::isAWord)) {
+    tokens_.failHere("a Case compares values; write If … IsA … Then, with ElseIf for the other classes");
   }
   Select::Test test{position, Operator::equal, expressions_.expression(), {}};
   if (tokens_.accept(Keyword::toWord)) test.upTo = expressions_.expression();
@@ -554,10 +563,13 @@ Jump StatementParser::jump() {
     jump.target = Jump::Target::doLoop;
   } else if (tokens_.accept(Keyword::forWord)) {
     jump.target = Jump::Target::forLoop;
+    if (!tokens_.atStatementEnd()) jump.variable = tokens_.takeName("the variable of a For");
   } else if (jump.exits && tokens_.accept(Keyword::subWord)) {
     jump.target = Jump::Target::sub;
   } else if (jump.exits && tokens_.accept(Keyword::functionWord)) {
     jump.target = Jump::Target::function;
+  } else if (jump.exits && tokens_.is(Keyword::selectWord)) {
+    tokens_.failHere("a Case ends where the next one begins; Exit is for loops, Subs and Functions");
   } else if (!tokens_.atStatementEnd()) {
     tokens_.failExpecting("For, While, Do" + std::string(jump.exits ? ", Sub or Function" : "") + " after " +
                           word.text);

@@ -177,6 +177,7 @@ struct Jump {  // Exit, Continue
   Name word;  // as written
   bool exits;
   Target target;
+  Name variable = {};  // Exit For i; empty where none is named
 };
 struct Return {
   std::optional<Expression> value;
@@ -210,7 +211,8 @@ struct Statement {
 enum class Access : std::uint8_t { everyone, family, self };  // Public, Protected, Private
 struct Modifiers {
   Access access = Access::everyone;
-  bool shared = false;  // a class's, not an object's
+  bool shared = false;   // a class's, not an object's
+  std::string computed;  // ReadOnly or Computed, as written
 };
 
 // A Sub or Function; without a body where it stands in an interface or declares a delegate.

@@ -1,5 +1,7 @@
 // Reading tokens, and the messages about those that do not fit.
 #include "language/token_reader.h"
+#include "language/absent_words.h"
+#include "language/spelling.h"
 
 #include <algorithm>
 
@@ -132,14 +134,22 @@ void TokenReader::failHere(const std::string& message) const {
   throw ProgramError(peek().position, message, peek().kind == TokenKind::endOfText);
 }
 
-void TokenReader::failExpecting(const std::string& what) const {
+// &cFF0000
+bool TokenReader::isColour() const {
+  return peek(1).kind == TokenKind::word && peek(1).position.column == peek().position.column + 1 &&
+         peek(1).text.size() > 6 && lowerCase(peek(1).text)[0] == 'c';
+}
+
+void TokenReader::failExpecting(const std::string& what, const std::string& advice) const {
   std::string message = "expected " + what + ", found " + describe(peek());
   const bool mayGoOn = peek().kind == TokenKind::endOfLine && peek(1).kind != TokenKind::endOfText &&
                        at_ > 0 && tokens_[at_ - 1].kind == TokenKind::symbol &&
                        tokens_[at_ - 1].symbol != Symbol::close;
   if (mayGoOn) message += "; a line goes on in the next one after ' _'";
-  if (is(Symbol::ampersand)) message += "; texts are joined with '+'";
-  failHere(message);
+  if (is(Symbol::ampersand)) message += isColour() ? absent("Color") : "; texts are joined with '+'";
+  if (peek().kind == TokenKind::word && !isReserved(peek().keyword)) message += absent(peek().text);
+  if (peek().kind == TokenKind::endOfLine && peek().text == ":") message += absent("Pair");
+  failHere(message + advice);
 }
 
 }  // namespace host

@@ -59,7 +59,9 @@ class TokenReader {
   void takeDimensions(syntax::TypeName& type);  // "()", "(,)", …
 
   [[noreturn]] void failHere(const std::string& message) const;
-  [[noreturn]] void failExpecting(const std::string& what) const;  // "expected WHAT, found …"
+  bool isColour() const;
+  [[noreturn]] void failExpecting(const std::string& what,
+                                  const std::string& advice = "") const;  // "expected WHAT, found …"
 
  private:
   std::vector<Token> tokens_;

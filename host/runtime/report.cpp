@@ -9,6 +9,7 @@
 #include "runtime/dictionary.h"
 #include "runtime/registry.h"
 #include "runtime/text.h"
+#include "runtime/thread.h"
 
 namespace host {
 
@@ -114,6 +115,7 @@ void eachHeld(const Heap& thing, Visit visit) {
     return;
   }
   forEachInDictionary(thing, visit);
+  if (const Heap* owner = ownerOfHandler(thing)) visit(*owner);
   for (const Class* each = &type; each; each = each->super) {
     for (const Property& property : each->properties) {
       if (property.offset != 0 && property.type.isReference()) at(property.offset);

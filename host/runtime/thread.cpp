@@ -18,8 +18,9 @@ namespace {
 
 // What a Thread object refers to; lives as long as the object.
 struct ThreadState {
-  std::mutex lock;  // of the handler
-  std::function<void(Object&)> handler;
+  std::mutex lock;  // of the handler and its owner
+  RunHandler handler;
+  Ref<Heap> owner;
   std::atomic<Activity> activity{Activity::notRunning};
   Awaited ended;
 };
@@ -38,18 +39,33 @@ ThreadState& stateOf(REALobject self) { return *dataIn<ThreadData>(self, *hostCl
 void initialize(REALobject self) { dataIn<ThreadData>(self, *hostClasses().thread).state = new ThreadState; }
 void destroy(REALobject self) { delete &stateOf(self); }
 
+// The Sub Run of a program's class that inherits from Thread.
+const Method* ownRun(const Object& thread) {
+  for (const Method* each : thread.objectClass->findMethods("Run")) {
+    if (each->isOwn && each->declaration.parameters.empty()) return each;
+  }
+  return nullptr;
+}
+
 void run(Ref<Object> thread) {
   // Where threads take turns, another's is put aside meanwhile.
   const REALobject threadBefore = std::exchange(ownThread, reinterpret_cast<REALobject>(thread.get()));
   ThreadState& state = stateOf(ownThread);
   std::atomic<Activity>* const activityBefore = std::exchange(ownActivity, &state.activity);
   try {
-    std::function<void(Object&)> handler;
+    RunHandler handler;
+    Ref<Heap> owner;
     {
       const std::lock_guard lock(state.lock);
       handler = state.handler;
+      owner = state.owner;
     }
-    if (handler) handler(*thread);
+    if (handler) {
+      handler(*thread, owner.get());
+    } else if (const Method* const run = ownRun(*thread)) {
+      const Slot arguments[] = {{.heap = thread.get()}};
+      run->call(arguments);
+    }
   } catch (const HostException& exception) {
     reportUncaught(exception);
   } catch (const ProgramEnd&) {  // ends this thread; the others notice themselves
@@ -114,10 +130,17 @@ RBInteger number() {
 
 }  // namespace
 
-void setRunHandler(Object& thread, std::function<void(Object&)> handler) {
+void setRunHandler(Object& thread, Ref<Heap> owner, RunHandler handler) {
   ThreadState& state = stateOf(reinterpret_cast<REALobject>(&thread));
   const std::lock_guard lock(state.lock);
   state.handler.swap(handler);
+  std::swap(state.owner, owner);  // the former one goes when the lock is open again
+}
+
+const Heap* ownerOfHandler(const Heap& thing) {
+  if (!thing.objectClass->isA(*hostClasses().thread)) return nullptr;
+  auto* const thread = const_cast<Heap*>(&thing);
+  return stateOf(reinterpret_cast<REALobject>(thread)).owner.get();
 }
 
 void setUncaughtHandler(std::function<void(const HostException&)> report) { uncaught = std::move(report); }

@@ -9,8 +9,12 @@
 namespace host {
 
 // What a thread runs when started (AddHandler t.Run, AddressOf ...); called on the new thread with the Thread
-// object.
-void setRunHandler(Object& thread, std::function<void(Object& thread)> handler);
+// object, and with the one whose method it is, which the Thread holds: null where it is none's.
+using RunHandler = std::function<void(Object& thread, Heap* owner)>;
+void setRunHandler(Object& thread, Ref<Heap> owner, RunHandler handler);
+
+// That owner; null also where the thing is no Thread.
+const Heap* ownerOfHandler(const Heap& thing);
 
 // What is told of a HostException that leaves a thread's handler, on that thread. Without it nobody is.
 void setUncaughtHandler(std::function<void(const HostException&)> report);

@@ -88,7 +88,8 @@ TEST(RefusedDeclarations, OfClasses) {
       {"Class C\nEnd Class\nC.Work", "3:3 the class C has no shared member 'Work'"},
       {"Class C\nEnd Class\nPrint (New C).Work", "3:15 C has no member 'Work'"},
       {"Class C\nEvent Changed()\nEnd Class",
-       "2:1 this host has no events of one's own; a property of a Delegate's type does what one does"},
+       "2:1 this host has no events of one's own; a property of a Delegate's type does what one does, and "
+       "what a class that inherits from Thread runs is its Sub Run"},
       {"Structure S", "1:1 this host has no structures; use a Class"},
       {"Class C\nSub S()\nEnd Sub\nEnd Class\nDim c As New C\nc.S(1)", "6:3 S takes 0 arguments, found 1"},
       {"Class C\nSub S(n As Integer)\nEnd Sub\nEnd Class\nDim c As New C\nc.S(\"a\")",
@@ -138,7 +139,8 @@ TEST(RefusedDeclarations, OfInterfacesDelegatesAndParameters) {
       {"Delegate Sub D()\nSub S(n As Integer)\nEnd Sub\nDim d As D = AddressOf S",
        "4:14 expected D as the value, found the address of a method that does not fit"},
       {"Sub S()\nEnd Sub\nDim n As Integer = AddressOf S",
-       "3:20 expected Integer as the value of n, found the address of a method that does not fit"},
+       "3:20 expected Integer as the value of n, found the address of a method; a Delegate's type can hold "
+       "it"},
       {"Sub S()\nEnd Sub\nPrint AddressOf S", "3:7 this has no value to print"},
       {"Delegate Sub D(n As Integer)\nSub S(n As Integer)\nEnd Sub\nDim d As D = AddressOf S\nd.Invoke(1, 2)",
        "5:3 D takes 1 argument, found 2"},

@@ -39,11 +39,11 @@ TEST(RefusedPrograms, HaveAWrongExpression) {
       {"Print \"a\" \\ 2", "1:11 there is no operator '\\' for String and Integer"},
       {"Print 2 ^ \"a\"", "1:9 there is no operator '^' for Integer and String"},
       {"Print New Date + 1", "1:16 there is no operator '+' for Date and Integer"},
-      {"Print \"a\" < 1", "1:11 a String cannot be compared with a Integer"},
-      {"Print True = 1", "1:12 a Boolean cannot be compared with a Integer"},
+      {"Print \"a\" < 1", "1:11 a String cannot be compared with an Integer"},
+      {"Print True = 1", "1:12 a Boolean cannot be compared with an Integer"},
       {"Print New Date < Nil", "1:16 a Date cannot be compared with a Nil"},
-      {"Print New Amount(1) = New Date", "1:21 a Amount cannot be compared with a Date"},
-      {"Print New Date = New Amount(1)", "1:16 a Date cannot be compared with a Amount"},
+      {"Print New Amount(1) = New Date", "1:21 an Amount cannot be compared with a Date"},
+      {"Print New Date = New Amount(1)", "1:16 a Date cannot be compared with an Amount"},
   });
 }
 
@@ -66,13 +66,13 @@ TEST(RefusedPrograms, UseANameThatIsNone) {
       {"Print (New Amount(1)).Digits", "1:23 Amount has no member 'Digits'; did you mean 'Digit'?"},
       {"Print (New NilObjectException).Mesage",
        "1:32 NilObjectException has no member 'Mesage'; did you mean 'Message'?"},
-      {"Dim o As Object\nPrint o.Name", "2:9 a Object has no member 'Name'"},
+      {"Dim o As Object\nPrint o.Name", "2:9 an Object has no member 'Name'"},
       {"Dim v As Variant\nPrint v.Name",
        "2:9 a Variant has no member 'Name'; a member of what is in it follows a view of it, such as "
        "ClassName(v).Name"},
       {"Print Nil.Name", "1:11 a Nil has no member 'Name'"},
       {"Sub S()\nEnd Sub\nPrint S.Name", "3:9 a nothing has no member 'Name'"},
-      {"Print (5).Name", "1:11 a Integer has no member 'Name'"},
+      {"Print (5).Name", "1:11 an Integer has no member 'Name'"},
       {"Dim a() As Integer\nPrint a.Length", "2:9 an array has no member 'Length'; did you mean 'Count'?"},
       {"Dim p As Ptr\nPrint p.Name(0)",
        "2:9 a Ptr has no member 'Name'; its members are named after types, such as UInt64(offset)"},
@@ -118,7 +118,7 @@ TEST(RefusedPrograms, TakeOrGiveTheWrongArguments) {
       {"Dim a(1, 1, 1) As Integer\na(1, 1, 1, 1) = 1", "2:2 expected 3 indices, found 4"},
       {"Dim a(1, 1) As Integer\nPrint a(1, \"x\")", "2:12 expected Integer as the index, found String"},
       {"Dim a() As Integer\nPrint a()", "2:8 expected one index, found 0"},
-      {"Print (5)(1)", "1:10 a Integer has no elements"},
+      {"Print (5)(1)", "1:10 an Integer has no elements"},
       {"Sub S()\nEnd Sub\nPrint S()(1)", "3:10 this has no value to take an element of"},
       {"Dim p As Ptr\nPrint p.Byte", "2:9 expected one offset in bytes after .Byte"},
       {"Dim p As Ptr\nPrint p.Byte(\"a\")", "2:14 expected Integer as the offset, found String"},
@@ -208,7 +208,7 @@ TEST(RefusedPrograms, HaveAStatementThatIsNotWhole) {
       {"Dim o As Object\nRaise o", "2:1 expected an exception after Raise, found Object"},
       {"Return 5", "1:1 only a Function can return a value"},
       {"Sub S()\nReturn 5\nEnd Sub", "2:1 only a Function can return a value"},
-      {"Function F() As Integer\nReturn\nEnd Function", "2:1 Return needs a Integer"},
+      {"Function F() As Integer\nReturn\nEnd Function", "2:1 Return needs an Integer"},
       {"Function F() As Integer\nReturn \"a\"\nEnd Function",
        "2:8 expected Integer as the result of F, found String"},
       {"Exit Sub", "1:1 'Exit' is outside of what it names"},
@@ -232,7 +232,8 @@ TEST(RefusedPrograms, HaveAStatementThatIsNotWhole) {
        "2:19 expected 'AddressOf' and the name of a Sub, found 'S'"},
       {"Dim t As New Thread\nAddHandler t.Run, AddressOf S", "2:29 there is no Sub S"},
       {"Dim d As New Date\nSub S()\nEnd Sub\nAddHandler d.Run, AddressOf S", "4:1 a Date has no event Run"},
-      {"Dim n As Integer\nSub S()\nEnd Sub\nAddHandler n.Run, AddressOf S", "4:1 a Integer has no event Run"},
+      {"Dim n As Integer\nSub S()\nEnd Sub\nAddHandler n.Run, AddressOf S",
+       "4:1 an Integer has no event Run"},
       {"Dim t As New Thread\nSub S(n As Integer)\nEnd Sub\nAddHandler t.Run, AddressOf S",
        "4:29 a thread runs a Sub without parameters, or with one parameter As Thread; S is not"},
       {"Dim t As New Thread\nSub S(ByRef n As Thread)\nEnd Sub\nAddHandler t.Run, AddressOf S",
@@ -269,7 +270,7 @@ TEST(RefusedPrograms, HaveABlockThatIsNotWhole) {
        "2:8 expected the end of the line after the values of Case, found '2'"},
       {"Select Case 5\nCase Is 3\nEnd Select", "2:9 expected a comparison such as < or =, found '3'"},
       {"Select Case 5\nCase Is + 3\nEnd Select", "2:9 expected a comparison such as < or =, found '+'"},
-      {"Select Case 5\nCase \"a\"\nEnd Select", "2:6 a Integer cannot be compared with a String"},
+      {"Select Case 5\nCase \"a\"\nEnd Select", "2:6 an Integer cannot be compared with a String"},
       {"Select Case 5\nCase Else\nCase 1\nEnd Select",
        "3:1 expected 'End Select' after Case Else, found 'Case'"},
       {"For 5 = 1 To 3\nNext", "1:5 expected the variable of For, found '5'"},
@@ -315,6 +316,43 @@ TEST(RefusedPrograms, AreTooBig) {
   std::string many = "Sub S()\n";
   for (int i = 0; i <= 20000; ++i) many += "Dim v" + std::to_string(i) + " As Integer\n";
   EXPECT_EQ(problemOf(many + "End Sub"), "20002:5 there are more variables than a Sub may have");
+  std::string ifs;
+  for (int i = 0; i < 200000; ++i) ifs += "If True Then ";
+  EXPECT_EQ(problemOf(ifs + "Print 1"), "1:2591 blocks or parentheses are nested too deeply");
+}
+
+TEST(RefusedPrograms, ViewWhatIsNoNumber) {
+  expectRefused({
+      {"Print Integer(\"5\")",
+       "1:15 a String is not taken for an Integer; Val(…) reads the number in a text"},
+      {"Print String(5)", "1:14 an Integer is not taken for a String; Str(…) makes a text of it"},
+      {"Print Integer", "1:7 the type Integer is no value; Integer(…) makes one of another"},
+      {"Print Integer(1, 2)", "1:7 expected one value in Integer(…)"},
+      {"Print CType(5)", "1:7 expected a value and the name of a type in CType(…)"},
+  });
+}
+
+TEST(RefusedPrograms, LeaveLoopsThatAreNotTheInnermost) {
+  expectRefused({
+      {"For i As Integer = 1 To 2\nFor j As Integer = 1 To 2\nExit For i\nNext\nNext",
+       "3:10 Exit For means the innermost For, that of j; to leave several loops, put them into a Sub and "
+       "Return"},
+      {"Select Case 1\nCase 1\nExit Select\nEnd Select",
+       "3:6 a Case ends where the next one begins; Exit is for loops, Subs and Functions"},
+      {"Select Case 1\nCase IsA Thread\nEnd Select",
+       "2:6 a Case compares values; write If … IsA … Then, with ElseIf for the other classes"},
+  });
+}
+
+TEST(RefusedPrograms, SortByWhatDoesNotCompare) {
+  expectRefused({
+      {"Dim a() As Integer\na.Sort(5)",
+       "2:8 Sort takes AddressOf a Function (a As Integer, b As Integer) As Integer"},
+      {"Dim a() As Integer\nSub S()\nEnd Sub\na.Sort(AddressOf S)",
+       "4:8 Sort takes AddressOf a Function (a As Integer, b As Integer) As Integer"},
+      {"Class C\nReadOnly Property X As Integer\nEnd Class",
+       "2:19 a ReadOnly Property has a Get, which computes it"},
+  });
 }
 
 }  // namespace

@@ -52,6 +52,47 @@ TEST(RefusedWords, SayThatLinesAreNotNumberedAndNoDirectives) {
   });
 }
 
+TEST(RefusedWords, SayWhatIsWrittenOtherwise) {
+  expectRefused({
+      {"For Each e As DictionaryEntry In New Dictionary\nNext",
+       "1:15 unknown type 'DictionaryEntry'; this host has no entries; go through the Keys of the "
+       "Dictionary"},
+      {"Dim s As String\nWith s",
+       "2:1 unknown name 'With'; this host has no With; keep the object in a variable with a short name"},
+      {"If Nil IsNot Nil Then Print 1",
+       "1:8 expected 'Then' after the condition of If, found 'IsNot'; write Not (a Is b)"},
+      {"Exception e As RuntimeException",
+       "1:13 expected the end of the statement, found 'As'; the class is RuntimeException, and what may "
+       "raise one stands between Try and Catch"},
+      {"Throw New RuntimeException", "1:1 unknown name 'Throw'; write Raise"},
+      {"Dim o As Object = Nothing", "1:19 unknown name 'Nothing'; write Nil"},
+      {"Print 1; 2", "1:8 unexpected character ';'; texts are joined with '+'"},
+      {"Print (New RuntimeException).Reason", "1:30 RuntimeException has no member 'Reason'; write Message"},
+      {"Dim c As Color = &cFF0000",
+       "1:18 expected an expression, found '&'; this host has no colours; keep them as Integers"},
+      {"Dim d As New Dictionary(\"a\" : 1)",
+       "1:29 expected ')' after the arguments, found the end of the line; this host has no pairs; use a "
+       "Dictionary, or a class with two properties"},
+      {"Print CInt(5)",
+       "1:7 unknown name 'CInt'; write the type's name, as in Integer(x), or Val(s) for the number in a "
+       "text"},
+      {"Print Integer.MaxValue", "1:15 the type Integer has no member 'MaxValue'; write 9223372036854775807"},
+      {"Print (5).ToHex", "1:11 an Integer has no member 'ToHex'; write Hex(value)"},
+      {"Print \"a\".StartsWith(\"a\")", "1:11 a String has no member 'StartsWith'; write BeginsWith"},
+      {"Dim a() As Integer\nPrint a.FirstIndex",
+       "2:9 an array has no member 'FirstIndex'; the first index is 0"},
+      {"Class T\nInherits Thread\nEnd Class\nDim t As New T\nt.Kill",
+       "5:3 T has no member 'Kill'; a thread ends with its handler; let that look at a variable, or wait for "
+       "a "
+       "Semaphore"},
+      {"Class C\nFunction Operator_Lookup(s As String) As Integer\nReturn 1\nEnd Function\nEnd Class",
+       "2:10 this host has no Operator_Lookup; write a method with a name of its own"},
+      {"Dim v As Variant = AddressOf S\nSub S()\nEnd Sub",
+       "1:20 expected Variant as the value of v, found the address of a method; a Delegate's type can hold "
+       "it"},
+  });
+}
+
 TEST(RefusedWords, AreThePrograms) {
   EXPECT_EQ(problemOf("Sub GoTo(n As Integer)\nEnd Sub\nGoTo 5\nDim Input As Integer = 5\nPrint Input"), "");
   EXPECT_EQ(problemOf("Class Pair\n  Property Left As Integer\nEnd Class\nDim p As New Pair"), "");
@@ -67,8 +108,11 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
       {"Dim v As Variant\nPrint v.IsNull(1)",
        "2:9 wrong number of arguments for IsNull: found 2, expected IsNull(value as Variant) as Boolean"},
       {"Dim a() As CriticalSection\na.Sort",
-       "2:1 Sort orders numbers, texts and Variants, not CriticalSection"},
-      {"Dim a() As Ptr\na.Sort", "2:1 Sort orders numbers, texts and Variants, not Ptr"},
+       "2:1 Sort orders numbers, texts and Variants, not CriticalSection; Sort(AddressOf …) orders them by a "
+       "Function that compares two"},
+      {"Dim a() As Ptr\na.Sort",
+       "2:1 Sort orders numbers, texts and Variants, not Ptr; Sort(AddressOf …) orders them by a Function "
+       "that compares two"},
       {"Dim a() As Integer\nPrint a.IndexOf()", "2:9 expected 1 argument, found 0"},
       {"Dim a() As Integer\nPrint a.IndexOf(1, 2, 3)", "2:9 expected 1 argument, found 3"},
       {"Dim a(1, 1) As Integer\na.Append(1)",

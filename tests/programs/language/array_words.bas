@@ -136,3 +136,56 @@ For n As Integer = 1 To 3
     Print e.Message
   End Try
 Next
+
+Class Person
+  Property Name As String
+  Property Age As Integer
+  Sub Constructor(name As String, age As Integer)
+    Self.Name = name
+    Self.Age = age
+  End Sub
+End Class
+Function ByAge(a As Person, b As Person) As Integer
+  Return a.Age - b.Age
+End Function
+Class Order
+  Property Sign As Integer = 1
+  Function ByName(a As Person, b As Person) As Integer
+    Return Sign * StrComp(a.Name, b.Name)
+  End Function
+End Class
+Dim people() As Person
+For Each line As String In Array("Zoe 30", "Ann 41", "Mia 30", "Bob 5")
+  people.Add(New Person(line.NthField(" ", 1), Val(line.NthField(" ", 2))))
+Next
+Sub ShowPeople()
+  Dim shown() As String
+  For Each p As Person In people
+    shown.Add(p.Name)
+  Next
+  Print Join(shown, " ")
+End Sub
+people.Sort(AddressOf ByAge)
+ShowPeople
+Dim backwards As New Order
+backwards.Sign = -1
+people.Sort(AddressOf backwards.ByName)
+ShowPeople
+' Whatever the Function says or does, each element stays once.
+Function Never(a As Integer, b As Integer) As Integer
+  Return -1
+End Function
+Function Failing(a As Integer, b As Integer) As Integer
+  If a = 3 Then Raise New UnsupportedOperationException("not this one")
+  Return a - b
+End Function
+Dim some() As Integer = Array(5, 3, 9, 1, 7)
+some.Sort(AddressOf Never)
+some.Sort
+Print Str(some.Count) + " " + Str(some(0)) + " " + Str(some(4))
+Try
+  some.Sort(AddressOf Failing)
+Catch e As UnsupportedOperationException
+  Print e.Message + " " + Str(some.Count)
+End Try
+Print String.FromArray(Array("a", "b"), "-") + " " + Str(Integer.FromString("5") + Double.FromString("0.5"))

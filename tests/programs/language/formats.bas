@@ -35,3 +35,7 @@ Show("a. 0, b")
 Print Format(1e300, "#,##0").Left(9) + " " + Str(Format(1e308, "0").Length) + " " + Format(0 / 0, "0.0") + " " + Format(1 / 0, "0;0;0") + " " + Format(-1 / 0, "0")
 Print Format(1e308, "0%") + " " + Format(-1e308, "0%") + " " + Format(5, "0000000000000000000000,")
 Print Str(3.14159, "0.00") + " " + ToString(2, "000") + " " + (0.25).ToString("0%") + " " + Str(CDbl("1e3"), "#,##0") + " " + (7).ToString + " " + Str(1.5)
+
+' Halves go away from 0.
+Print Format(0.5, "0") + " " + Format(2.5, "0") + " " + Format(-1157.625, "#,##0.00") + " " + Format(0.125, "0.0#") + " " + Format(1.4999, "0")
+Print Format(4503599627370495.5, "0") + " " + Format(4503599627370497.0, "0") + " " + Format(0.375, "0.00%")

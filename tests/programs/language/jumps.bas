@@ -167,5 +167,31 @@ For i As Integer = 1 To 2
     Print "second round"
   End Try
 Next
+' Alone, Exit and Continue mean the innermost loop, whatever its kind.
+For i As Integer = 1 To 2
+  Do
+    Exit
+  Loop
+  n = 0
+  While n < 3
+    n += 1
+    If n < 3 Then Continue
+    Note "while " + Str(n)
+  Wend
+  For j As Integer = 1 To 3
+    If j = 2 Then Exit For j
+    Note "for " + Str(i) + Str(j)
+  Next
+Next
+Show
+Function Found() As Integer
+  Do
+    For i As Integer = 1 To 3
+      Exit
+    Next
+    Return 5
+  Loop
+End Function
+Print Found
 Return
 Print "never"

@@ -110,3 +110,17 @@ Next
 Dim x As Integer = 1 : Dim y As Integer = 2 : Print x + y
 rem a remark
 Print "done" ' the end
+
+Function Size(n As Integer) As String
+  Select Case n
+  Case 1, 2
+    Return "few"
+  Else
+    Return "many"
+  End Select
+End Function
+Print Size(2) + " " + Size(3)
+Private Sub Hidden()
+  Print "a Sub of the program's own"
+End Sub
+Hidden

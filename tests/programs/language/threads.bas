@@ -56,3 +56,28 @@ For Each one As Thread In all
   one.Join
 Next
 Print runs.Value
+
+' A class that inherits from Thread has its own Sub Run, unless a handler takes its place.
+Class Worker
+  Inherits Thread
+  Property Name As String = "worker"
+  Sub Run()
+    Print Name + " runs " + Str(Thread.Current Is Self)
+  End Sub
+End Class
+Class LoudWorker
+  Inherits Worker
+  Sub Run()
+    Super.Run
+    Print "loudly"
+  End Sub
+End Class
+Sub Instead()
+  Print "instead"
+End Sub
+Dim worker As Worker = New LoudWorker
+worker.Start
+worker.Join
+AddHandler worker.Run, AddressOf Instead
+worker.Start
+worker.Join
