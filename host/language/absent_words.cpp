@@ -34,6 +34,8 @@ const std::vector<Topic>& topics() {
       {{"MsgBox", "MessageBox", "Beep"}, "this host has no windows; use Print, or System.DebugLog"},
       {{"Timer", "App", "Window"},
        "this host has no events of its own; use a Thread, or a loop with Thread.Sleep"},
+      {{"Math"}, "its functions stand alone, such as Sqrt(2)"},
+      {{"LBound"}, "the first index of every array is 0"},
       {{"Pair"}, "this host has no pairs; use a Dictionary, or a class with two properties"},
   };
   return all;

@@ -7,6 +7,7 @@
 #include "language/conversions.h"
 #include "language/operator_parts.h"
 #include "language/operators.h"
+#include "language/spelling.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
 
@@ -261,7 +262,7 @@ Expr negation(Expr operand, Position position) {
     return arithmetic(Operator::subtract, convertTo(integerLiteral(0, {Kind::Int64}), type, "an operand"),
                       std::move(operand), position);
   } else {
-    fail(position, "there is no operator '-' for a " + nameOf(type));
+    fail(position, "there is no operator '-' for " + withArticle(nameOf(type)));
   }
   negated->isLiteral = isLiteral;
   return negated;

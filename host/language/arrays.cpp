@@ -114,7 +114,7 @@ constexpr struct {
                {"Pop", 0, &pop},
                {"IndexOf", 1, &indexOfElement, 1},
                {"Contains", 1, &containsElement, 0, true},
-               {"Sort", 0, &sortElements},
+               {"Sort", 0, &sortElements, 1},
                {"Shuffle", 0, &shuffleElements}};
 
 // The place with so many indices or more.
@@ -175,7 +175,8 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
     }
     if (arguments.size() < each.arguments || arguments.size() > each.arguments + each.optional) {
       fail(callee.position,
-           "expected " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
+           (each.optional ? "expected " + std::to_string(each.arguments) + " to " : "expected ") +
+               counted(each.arguments + each.optional) + ", found " + std::to_string(arguments.size()));
     }
     return each.make(std::move(array), arguments);
   }

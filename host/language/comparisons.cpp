@@ -5,6 +5,7 @@
 #include "language/conversions.h"
 #include "language/operator_parts.h"
 #include "language/operators.h"
+#include "language/spelling.h"
 #include "runtime/object.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
@@ -90,7 +91,7 @@ Expr compareObjects(Operator op, Expr& left, Expr& right, Position position) {
   }
   const Type l = left->type, r = right->type;
   if ((declaresCompare(*left) || declaresCompare(*right)) && isPlainObject(l) && isPlainObject(r)) {
-    fail(position, "a " + nameOf(l) + " cannot be compared with a " + nameOf(r));
+    fail(position, withArticle(nameOf(l)) + " cannot be compared with " + withArticle(nameOf(r)));
   }
   const auto isObjectOrNil = [](Type type) { return isPlainObject(type) || type.kind == Kind::Nil; };
   const bool forIdentity = op == Operator::equal || op == Operator::unequal;
@@ -153,7 +154,7 @@ Expr comparison(Operator op, Expr left, Expr right, Position position) {
     return compareIntegers<std::uint64_t>(op, std::move(left), std::move(right));
   }
   if (!l.isNumber() || !r.isNumber()) {
-    fail(position, "a " + nameOf(l) + " cannot be compared with a " + nameOf(r));
+    fail(position, withArticle(nameOf(l)) + " cannot be compared with " + withArticle(nameOf(r)));
   }
   if (l.isInteger() && r.isInteger()) {
     const bool lWord = l.kind == Kind::UInt64, rWord = r.kind == Kind::UInt64;

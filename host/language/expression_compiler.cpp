@@ -158,7 +158,9 @@ Expr ExpressionCompiler::compileNode(const syntax::Literal& literal) {
 
 Expr ExpressionCompiler::compileNode(const Name& name) {
   Links none(nothingFollows, false);
-  return this->name(name, none);
+  Expr value = this->name(name, none);
+  value->written = name.text;
+  return value;
 }
 
 Expr ExpressionCompiler::compileNode(const syntax::New& made) {
@@ -245,6 +247,7 @@ Expr ExpressionCompiler::linked(const syntax::Chain& chain, Links& links) {
     const std::string written = links.taken();
     value = elements(std::move(value), start, *links.takeArguments(), written);
   }
+  value->written = links.taken();
   return value;
 }
 
@@ -261,13 +264,14 @@ Expr ExpressionCompiler::elements(Expr value, Position start, const Arguments& i
   if (objectClass) {
     const auto methods = objectClass->findMethods("Operator_Subscript");
     if (!methods.empty()) {
-      const Callee callee{"Operator_Subscript", indices.position};
+      const Callee callee{"Operator_Subscript", indices.position, written};
       return callMethod(methods, callee, std::move(value), arguments(&indices));
     }
   }
   if (!value->type.array) {
-    fail(indices.position, value->type.kind == Kind::None ? "this has no value to take an element of"
-                                                          : "a " + nameOf(value->type) + " has no elements");
+    fail(indices.position, value->type.kind == Kind::None
+                               ? "this has no value to take an element of"
+                               : withArticle(nameOf(value->type)) + " has no elements");
   }
   return element(std::move(value), indices.position, arguments(&indices));
 }
@@ -366,7 +370,7 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
     return memberOfObject(*type.objectClass, std::move(object), name, links);
   }
   if (isVariant(type)) return memberOfVariant(std::move(object), name, links);
-  const std::string unknown = "a " + nameOf(type) + " has no member '" + name.text + "'";
+  const std::string unknown = withArticle(nameOf(type)) + " has no member '" + name.text + "'";
   if (type.kind == Kind::Object || type.kind == Kind::None || type.kind == Kind::Nil) {
     fail(name.position, unknown);
   }
@@ -377,7 +381,7 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
     return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
   }
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
-  fail(name.position, unknown);
+  fail(name.position, unknown + suggestion(name.text, membersOfValue(type)));
 }
 
 // v.IntegerValue is Variant.IntegerValue(v).

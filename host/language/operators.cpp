@@ -4,6 +4,7 @@
 #include "language/calls.h"
 #include "language/conversions.h"
 #include "language/operator_parts.h"
+#include "language/spelling.h"
 
 namespace host {
 
@@ -95,7 +96,7 @@ Expr inversion(Expr operand, Position position) {
   if (isBoolean(type)) {
     return booleanNode([operand = std::move(operand)](Frame& f) { return operand->integer(f) == 0; });
   }
-  if (!type.isInteger()) fail(position, "there is no operator 'Not' for a " + nameOf(type));
+  if (!type.isInteger()) fail(position, "there is no operator 'Not' for " + withArticle(nameOf(type)));
   const Type result{type.kind == Kind::UInt64 ? Kind::UInt64 : Kind::Int64};
   return integerNode(result, [operand = std::move(operand)](Frame& f) { return ~operand->integer(f); });
 }

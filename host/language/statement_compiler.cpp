@@ -11,6 +11,7 @@
 #include "language/loops.h"
 #include "language/operators.h"
 #include "language/shown.h"
+#include "language/spelling.h"
 #include "language/statements.h"
 
 namespace host {
@@ -242,7 +243,7 @@ void StatementCompiler::compile(const syntax::Raise& raised, Position position, 
 void StatementCompiler::compile(const syntax::Return& returned, Position position, Block& block) {
   const bool isFunction = sub_ && sub_->result.kind != Kind::None;
   if (!returned.value) {
-    if (isFunction) fail(position, "Return needs a " + nameOf(sub_->result));
+    if (isFunction) fail(position, "Return needs " + withArticle(nameOf(sub_->result)));
     block.statements.push_back(jump(position, Flow::leave));
     return;
   }
@@ -354,7 +355,8 @@ void StatementCompiler::compile(const syntax::For& loop, Position position, Bloc
     variable = names_.expect(name);
     const Type type = variable->type;
     if (!type.isInteger() && type.kind != Kind::Double) {
-      fail(name.position, "the variable of For is a " + nameOf(type) + "; it must be an integer or a Double");
+      fail(name.position,
+           "the variable of For is " + withArticle(nameOf(type)) + "; it must be an integer or a Double");
     }
     place = placeOf(std::move(variable), name.position, name.text + " is constant");
     from = convertTo(expressions_.compile(loop.from), type, "the start of For");
@@ -367,6 +369,25 @@ void StatementCompiler::compile(const syntax::For& loop, Position position, Bloc
                                           std::move(step), loop.down, std::move(body)));
 }
 
+namespace {
+
+// Where an array is near: a text's characters, a Dictionary's keys.
+void failForEach(const Expression& value) {
+  if (isText(value.type)) {
+    fail(value.position,
+         "For Each goes through arrays, not through a String; its characters are Split(…, \"\")");
+  }
+  if (!isPlainObject(value.type) || !value.type.objectClass) return;
+  for (const Method* each : value.type.objectClass->findMethods("Keys")) {
+    if (each->declaration.result.array && each->declaration.parameters.empty()) {
+      fail(value.position, "For Each goes through arrays, not through " +
+                               withArticle(value.type.objectClass->name) + "; its keys are ….Keys");
+    }
+  }
+}
+
+}  // namespace
+
 void StatementCompiler::compile(const syntax::ForEach& loop, Position position, Block& block) {
   const Names::Inner inner(names_);
   const syntax::Name& name = loop.variable;
@@ -375,6 +396,7 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
   bool fits = problems_.attempt([&] {
     array = expressions_.compile(loop.array);
     if (!array->type.array) {
+      failForEach(*array);
       array = convertTo(std::move(array), Type{Kind::Variant}.arrayOf(), "what For Each goes through");
     }
   });
@@ -384,6 +406,12 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
     if (loop.type) {
       declared = typeFor(name, *loop.type);
       names_.declare(name, *declared);
+    }
+    if (!loop.type && !names_.find(name.text) && names_.findSubs(name.text).empty()) {
+      const std::string element = fits ? nameOf(array->type.element()) : "Variant";
+      throw UnknownName(
+          name.position, name.text,
+          "unknown name '" + name.text + "'; write For Each " + name.text + " As " + element + " In …");
     }
     Expr variable = names_.expect(name);
     if (!fits) return;

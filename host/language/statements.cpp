@@ -6,6 +6,7 @@
 
 #include "language/conversions.h"
 #include "language/fields.h"
+#include "language/spelling.h"
 #include "runtime/exception.h"
 #include "runtime/output.h"
 #include "runtime/text.h"
@@ -105,7 +106,8 @@ void expectEvent(const Expression& object, const std::string& event, Position po
   const Type type = object.type;
   const bool isThread =
       isPlainObject(type) && type.objectClass && type.objectClass->isA(*hostClasses().thread);
-  if (!isThread || !sameName(event, "Run")) fail(position, "a " + nameOf(type) + " has no event " + event);
+  if (!isThread || !sameName(event, "Run"))
+    fail(position, withArticle(nameOf(type)) + " has no event " + event);
 }
 
 Stmt addHandler(Position position, Expr object, const Method& handler, Expr self, Position handlerPosition) {
@@ -120,7 +122,7 @@ Stmt addHandler(Position position, Expr object, const Method& handler, Expr self
     const Ref<Heap> held = object->reference(frame);
     if (!held) throw HostException("NilObjectException", "The thread is Nil.");
     const Ref<Heap> owner = self ? self->reference(frame) : nullptr;
-    if (self) notNil({.heap = owner.get()});
+    if (self) notNil({.heap = owner.get()}, self->written);
     setRunHandler(static_cast<Object&>(*held), [&handler, owner](Object& started) {
       const Slot arguments[] = {{.heap = owner ? owner.get() : &started}, {.heap = &started}};
       handler.call(arguments);

@@ -140,7 +140,7 @@ TEST(Comparison, AsksClasses) {
   EXPECT_EQ(result(Operator::equal, amount(), nil()), "False");
   EXPECT_EQ(result(Operator::unequal, amount(), nil()), "True");
   EXPECT_EQ(failureOf([&] { result(Operator::less, amount(), object(*hostClasses().thread)); }),
-            "a Amount cannot be compared with a Thread");
+            "an Amount cannot be compared with a Thread");
 }
 
 TEST(Logic, EvaluatesTheRightOperandOnlyWhereItMatters) {

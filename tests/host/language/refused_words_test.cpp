@@ -67,8 +67,17 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
       {"Dim v As Variant\nPrint v.IsNull(1)",
        "2:9 wrong number of arguments for IsNull: found 2, expected IsNull(value as Variant) as Boolean"},
       {"Dim a() As CriticalSection\na.Sort",
-       "2:1 Sort orders numbers, texts and Variants, not CriticalSection"},
-      {"Dim a() As Ptr\na.Sort", "2:1 Sort orders numbers, texts and Variants, not Ptr"},
+       "2:1 Sort orders numbers, texts and Variants, not CriticalSection; Sort(AddressOf …) takes a Function "
+       "that compares two"},
+      {"Dim a() As Ptr\na.Sort",
+       "2:1 Sort orders numbers, texts and Variants, not Ptr; Sort(AddressOf …) takes a Function that "
+       "compares two"},
+      {"Dim a() As Integer\na.Sort(5)",
+       "2:8 Sort takes a Function that compares two elements: (a As Integer, b As Integer) As Integer"},
+      {"Function F(a As Integer, ByRef b As Integer) As Integer\nReturn 0\nEnd Function\nDim a() As Integer\n"
+       "a.Sort(AddressOf F)",
+       "5:8 Sort takes a Function that compares two elements: (a As Integer, b As Integer) As Integer"},
+      {"Dim a() As Integer\na.Sort(1, 2)", "2:3 expected 0 to 1 argument, found 2"},
       {"Dim a() As Integer\nPrint a.IndexOf()", "2:9 expected 1 argument, found 0"},
       {"Dim a() As Integer\nPrint a.IndexOf(1, 2, 3)", "2:9 expected 1 argument, found 3"},
       {"Dim a(1, 1) As Integer\na.Append(1)",
