@@ -70,7 +70,7 @@ TEST(RefusedPrograms, UseANameThatIsNone) {
       {"Dim v As Variant\nPrint v.Name",
        "2:9 a Variant has no member 'Name'; a member of what is in it follows a view of it, such as "
        "ClassName(v).Name"},
-      {"Print Nil.Name", "1:11 a Nil has no member 'Name'"},
+      {"Print Nil.Name", "1:11 Nil has no member 'Name'"},
       {"Sub S()\nEnd Sub\nPrint S.Name", "3:9 a nothing has no member 'Name'"},
       {"Print (5).Name", "1:11 an Integer has no member 'Name'"},
       {"Dim a() As Integer\nPrint a.Length", "2:9 an array has no member 'Length'; did you mean 'Count'?"},

@@ -108,7 +108,7 @@ TEST(AddHandler, IsForTheRunOfThreads) {
   EXPECT_EQ(failureOf([] { expectEvent(*object(*hostClasses().thread), "run", {}); }), "");
   EXPECT_EQ(failureOf([] { expectEvent(*object(*hostClasses().thread), "Stop", {}); }),
             "a Thread has no event Stop");
-  EXPECT_EQ(failureOf([] { expectEvent(*object(amountClass()), "Run", {}); }), "a Amount has no event Run");
+  EXPECT_EQ(failureOf([] { expectEvent(*object(amountClass()), "Run", {}); }), "an Amount has no event Run");
   Method work;
   work.declaration.name = "Work";
   work.declaration.parameters = {{"n", integerType, false, {}}};

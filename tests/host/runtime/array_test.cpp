@@ -49,7 +49,6 @@ TEST(ArrayShape, OfAnotherKindShowsNothing) {
   startRuntime();
   settings().otherArrayShape = true;
   const Ref<Array> array = makeArray({Kind::Int64}, 3);
-  settings().otherArrayShape = false;  // for whatever test comes next in this process
   EXPECT_EQ(fieldAt<const void*>(*array, arrayShape::storage), nullptr);
   EXPECT_EQ(array->count(), 3);
 }
