@@ -197,10 +197,19 @@ void StatementCompiler::failToAssign(const syntax::Expression& target, Position 
 void StatementCompiler::warnOfOverwriting(const syntax::Assign& assign, Type target, Type value) {
   const auto* name = std::get_if<syntax::Name>(&assign.target.node);
   const auto* computed = std::get_if<syntax::Sequence>(&assign.value.node);
-  const auto* first = computed ? std::get_if<syntax::Name>(&computed->first->node) : nullptr;
-  if (!name || !first || assign.compound || !sameName(name->text, first->text)) return;
-  const auto& [position, what, operand] = computed->rest.front();
-  if (const auto* op = std::get_if<Operator>(&what)) host::warnOfOverwriting(position, *op, target, value);
+  if (!name || !computed || assign.compound) return;
+  const auto isTarget = [&](const syntax::Expression& operand) {
+    const auto* read = std::get_if<syntax::Name>(&operand.node);
+    return read && sameName(name->text, read->text);
+  };
+  bool isLeft = isTarget(*computed->first);
+  for (const auto& [position, what, operand] : computed->rest) {
+    const auto* op = std::get_if<Operator>(&what);
+    if (op && (isLeft || isTarget(*operand))) {
+      return host::warnOfOverwriting(position, *op, target, value);
+    }
+    isLeft = false;
+  }
 }
 
 void StatementCompiler::compile(const syntax::ReDim& changed, Position position, Block& block) {
