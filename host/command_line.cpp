@@ -131,15 +131,10 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
     std::fputs(describe(error.problems, name, text).c_str(), stderr);
     return programFailed;
   }
-  flushOutput();
-  if (const int failure = outputFailure()) {
-    std::fprintf(stderr, "qtxhost: standard output: %s\n", std::strerror(failure));
-    return couldNotRun;
-  }
   return failed ? programFailed : 0;
 }
 
-// Compiles each program; what is wrong with them goes to standard output, a line each, as editors read it.
+// Compiles each program; what is wrong with them is told in a line each, as editors read it.
 int check(const std::vector<std::string>& files) {
   int status = 0;
   for (const std::string& file : files) {
@@ -149,7 +144,10 @@ int check(const std::vector<std::string>& files) {
       problems = Program(name, readProgram(file)).warnings();
     } catch (const ProgramError& error) {
       problems = error.problems;
-      status = programFailed;
+      status = std::max(status, programFailed);
+    } catch (const std::runtime_error& unreadable) {  // the others are checked all the same
+      std::fprintf(stderr, "qtxhost: %s\n", unreadable.what());
+      status = couldNotRun;
     }
     for (const Problem& each : problems) std::fputs(describe(each, name).c_str(), stderr);
   }
@@ -166,7 +164,7 @@ int validateLibrary(ValidationOptions options, bool asJson) {
   if (isTerminal) options.progress = showProgress;
   const Validation validation = validate(options);
   if (isTerminal) std::fputs("\r\x1B[K", stderr);
-  std::fputs((asJson ? jsonOf(validation, options) : textOf(validation, options)).c_str(), stdout);
+  print(asJson ? jsonOf(validation, options) : textOf(validation, options));
   return validation.findings.empty() ? 0 : programFailed;
 }
 
@@ -281,7 +279,12 @@ int runCommandLine(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    if (error.get_exit_code() == 0) return app.exit(error);  // --help, --version
+    if (error.get_exit_code() == 0) {  // --help, --version
+      std::ostringstream text;
+      const int status = app.exit(error, text, text);
+      print(text.str());
+      return status;
+    }
     std::string message = error.what();
     const std::vector<std::string> unknown = app.remaining();
     if (app.get_subcommands().empty() && !unknown.empty()) {
@@ -291,11 +294,11 @@ int runCommandLine(int argc, char** argv) {
     return couldNotRun;
   }
   if (completionCommand->parsed()) {
-    std::fputs(completion(app, shell).c_str(), stdout);
+    print(completion(app, shell));
     return 0;
   }
   if (manualCommand->parsed()) {
-    std::fputs(manualPage(app, QTX_VERSION).c_str(), stdout);
+    print(manualPage(app, QTX_VERSION));
     return 0;
   }
   settings().version = std::stod(version);
@@ -326,7 +329,7 @@ int runCommandLine(int argc, char** argv) {
                              : name.empty()       ? listing()
                                                   : listing(name);
     if (text.empty()) throw std::runtime_error(noDocumentationOf(name));
-    std::fputs(text.c_str(), stdout);
+    print(text);
     return 0;
   }
   if (checkCommand->parsed()) return check(files);
@@ -344,7 +347,11 @@ int runCommandLine(int argc, char** argv) {
 
 int host::commandLine(int argc, char** argv) {
   try {
-    return runCommandLine(argc, argv);
+    const int status = runCommandLine(argc, argv);
+    flushOutput();
+    const int failure = outputFailure();
+    if (failure == 0) return status;
+    throw std::runtime_error(std::string("standard output: ") + std::strerror(failure));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "qtxhost: %s\n", error.what());
     return couldNotRun;

@@ -115,6 +115,14 @@ TEST(CommandLine, ShowsWhatTheDocumentationSays) {
   const std::string sign = qtxhost({"doc", "AtomicQueueQTX.Operator_Add"}).output;
   EXPECT_NE(sign.find("changes the queue on its left"), std::string::npos) << sign;
   EXPECT_NE(qtxhost({"doc", "CInt"}).status, 0);
+  EXPECT_EQ(qtxhost({"doc", "For"}).output.find("Control\n"), 0u);
+  EXPECT_EQ(qtxhost({"doc", "Print"}).output.find("Variables, constants, types\n"), 0u);
+  // Of rows that tell of others, nothing.
+  const std::string value = qtxhost({"doc", "AtomicIntegerQTX.Value"}).output;
+  EXPECT_EQ(value.find("AtomicIntegerQTX.Value as Int64\nreads or replaces the counter\n\nExample:"), 0u)
+      << value;
+  const std::string dictionary = qtxhost({"doc", "Dictionary"}).output;
+  EXPECT_EQ(dictionary.find("stands in for the host"), std::string::npos) << dictionary;
 }
 
 // Whatever the library registers has more to be said of it than how it is declared.
@@ -149,6 +157,14 @@ TEST(CommandLine, ChecksProgramsWithoutRunningThem) {
             "standard input:1:7: error: unknown name 'nme'\n"
             "standard input:2:17: warning: 300 does not fit in UInt8; as the value of b it is 44\n"
             "standard input:3:10: error: expected an expression, found the end of the line\n");
+  // What cannot be read keeps nothing else from being checked, and each error is one line.
+  const Outcome missing = qtxhost({"check", "nowhere.bas", "-"},
+                                  "Sub S(n As Integer)\nEnd Sub\nSub S(s As String)\nEnd Sub\nS(Nil)\n");
+  EXPECT_EQ(missing.status, 2);
+  EXPECT_EQ(
+      missing.errors,
+      "qtxhost: nowhere.bas: there is no such file\n"
+      "standard input:5:1: error: S does not take (Nil); expected one of: S(n As Integer); S(s As String)\n");
 }
 
 TEST(CommandLine, EndsALongListOfErrors) {
@@ -333,6 +349,31 @@ TEST(Repl, ShowsWhatIsInAValue) {
             "[\"a\", \"b\"]\n[]\ntext\nNil\n"
             "[[0, 0, 0], [7, 0, 0]]\n[[[[0, 0, 0], [7, 0, 0]]" +
                 manyNil(98) + "], [Nil, …], … 891 in all]\n[]\n");
+}
+
+TEST(Repl, ShowsWhatIsInDictionariesAndMemory) {
+  const Outcome session =
+      qtxhost({"repl"},
+              "Dim d As New Dictionary\nd\nd(\"x\") = Array(1, 2)\nd(2) = d\nd\nDim v As Variant = d\nv\n"
+              "d.RemoveAll\nFor i As Integer = 1 To 102\nd(i) = Nil\nNext\nd\n"
+              "Dim m As New MemoryBlock(3)\nm.Byte(1) = 171\nm\nNew MemoryBlock(0)\n");
+  EXPECT_EQ(session.errors, "");
+  const std::string nested =
+      "Dictionary {\"x\": [1, 2], 2: Dictionary {\"x\": [1, 2], 2: Dictionary {\"x\": …, 2: …}}}\n";
+  std::string many = "Dictionary {1: Nil";
+  for (int i = 2; i <= 100; ++i) many += ", " + std::to_string(i) + ": Nil";
+  EXPECT_EQ(session.output, "Dictionary {}\n" + nested + nested + many +
+                                ", … 102 in all}\nMemoryBlock 00 AB 00\nMemoryBlock\n");
+}
+
+TEST(Repl, HelpsWithWhatAVariableHolds) {
+  const Outcome session =
+      qtxhost({"repl"},
+              "Dim q As New AtomicQueueQTX\nDim s As String\nhelp q.PopFirst\nhelp s.Left\n"
+              "help q\n");
+  EXPECT_EQ(session.errors, "");
+  EXPECT_EQ(session.output, qtxhost({"doc", "AtomicQueueQTX.PopFirst"}).output +
+                                qtxhost({"doc", "Left"}).output + qtxhost({"doc", "AtomicQueueQTX"}).output);
 }
 
 TEST(Repl, KnowsClassesThatWereDeclaredThere) {

@@ -23,7 +23,8 @@ Outcome run(const std::string& program) { return runQtxhost({"run", "-"}, progra
 // A program that runs while the test looks.
 class Started {
  public:
-  explicit Started(const std::string& program, const char* output = nullptr) {
+  explicit Started(const std::string& program, const char* output = nullptr,
+                   const std::vector<std::string>& command = {"run", "-"}) {
     int toProgram[2], fromProgram[2], fromErrors[2];
     if (pipe(toProgram) != 0 || pipe(fromProgram) != 0 || pipe(fromErrors) != 0) return;
     child_ = fork();
@@ -35,7 +36,7 @@ class Started {
         close(each[0]);
         close(each[1]);
       }
-      becomeQtxhost({"run", "-"});
+      becomeQtxhost(command);
     }
     close(toProgram[0]);
     close(fromProgram[1]);
@@ -121,6 +122,19 @@ TEST(Output, ThatFailsEndsTheProgram) {
     Started started(program, "/dev/full");
     EXPECT_EQ(started.errors(), "qtxhost: standard output: No space left on device\n");
     EXPECT_EQ(started.end(), 2);
+  }
+  const std::vector<std::vector<std::string>> commands = {
+      {"list"},
+      {"doc", "HypotQTX"},
+      {"completion", "fish"},
+      {"--help"},
+      {"--version"},
+      {"repl"},
+      {"validate", "--only", "HypotQTX", "--check", "records"}};
+  for (const std::vector<std::string>& command : commands) {
+    Started started("5\n", "/dev/full", command);
+    EXPECT_EQ(started.errors(), "qtxhost: standard output: No space left on device\n") << command[0];
+    EXPECT_EQ(started.end(), 2) << command[0];
   }
 #endif
 }

@@ -46,7 +46,7 @@ const std::vector<Topic>& topics() {
       {{"Nothing", "Null"}, "write Nil"},
       {{"AndAlso", "OrElse"}, "write And or Or, which ask the second side only where it matters"},
       {{"IIf"}, "write If(condition, a, b)"},
-      {{"LBound"}, "the first index is 0"},
+      {{"LBound"}, "the first index of every array is 0"},
       {{"Erase"}, "write ReDim a(-1)"},
       {{"Let"}, "leave it out"},
       {{"Default"}, "write Case Else"},
@@ -67,6 +67,7 @@ const std::vector<Topic>& topics() {
        "write the type's name, as in Integer(x), or Val(s) for the number in a text"},
       {{"EncodeHex", "DecodeHex", "EncodeBase64", "DecodeBase64", "MD5", "Crypto", "EncodeURLComponent"},
        "this host has no encoders; AscB(s) and Hex(n) show bytes"},
+      {{"Math"}, "its functions stand alone, such as Sqrt(2)"},
       {{"Pair"}, "this host has no pairs; use a Dictionary, or a class with two properties"},
   };
   return all;

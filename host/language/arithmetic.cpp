@@ -244,6 +244,11 @@ Expr negation(Expr operand, Position position) {
   }
   if (type.isInteger()) {
     const Type result{type.kind == Kind::UInt64 ? Kind::UInt64 : Kind::Int64};
+    if (operand->literal && type.kind == Kind::UInt64) {
+      const auto written = static_cast<std::uint64_t>(*operand->literal);
+      warn(position, "-" + std::to_string(written) + " does not fit in an integer; it is " +
+                         std::to_string(0 - written));
+    }
     return integerNode(result, [operand = std::move(operand)](Frame& f) {
       return 0 - static_cast<std::uint64_t>(operand->integer(f));
     });

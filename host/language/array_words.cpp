@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <span>
 #include <string>
 
 #include "language/conversions.h"
@@ -132,6 +131,116 @@ void sort(Array& array) {
   }
 }
 
+// What the elements are while a program compares them, and afterwards.
+class Snapshot {
+ public:
+  explicit Snapshot(Array& array) : array_(array) {
+    array.rearrange([&](std::vector<Slot>& elements) {
+      before_ = elements;
+      if (isCounted()) std::for_each(before_.begin(), before_.end(), [](Slot each) { retain(each.heap); });
+    });
+    sorted = before_;
+  }
+  ~Snapshot() {
+    for (const Slot each : before_) releaseSlot(each, array_.elementType);
+  }
+  Snapshot(const Snapshot&) = delete;
+  Snapshot& operator=(const Snapshot&) = delete;
+
+  // Puts the elements in the order of `sorted`, if they are still the same.
+  void putBack() {
+    bool isSame = false;
+    array_.rearrange([&](std::vector<Slot>& elements) {
+      isSame = std::equal(elements.begin(), elements.end(), before_.begin(), before_.end(),
+                          [](Slot one, Slot other) { return one.word == other.word; });
+      if (isSame) elements = sorted;
+    });
+    if (!isSame) {
+      throw HostException("UnsupportedOperationException", "The array was changed while it was sorted.");
+    }
+  }
+
+  std::vector<Slot> sorted;
+
+ private:
+  bool isCounted() const { return array_.elementType.isReference(); }
+
+  Array& array_;
+  std::vector<Slot> before_;
+};
+
+// Whatever `isAfter` answers, it ends, and loses no element; the library's own may not be asked of a program.
+template <typename IsAfter>
+void mergeSort(std::vector<Slot>& elements, IsAfter isAfter) {
+  std::vector<Slot> merged(elements.size());
+  for (std::size_t width = 1; width < elements.size(); width *= 2) {
+    for (std::size_t start = 0; start < elements.size(); start += 2 * width) {
+      const std::size_t middle = std::min(start + width, elements.size());
+      const std::size_t end = std::min(middle + width, elements.size());
+      std::size_t left = start, right = middle;
+      for (std::size_t to = start; to < end; ++to) {
+        const bool takesRight = left == middle || (right < end && isAfter(elements[left], elements[right]));
+        merged[to] = elements[takesRight ? right++ : left++];
+      }
+    }
+    elements.swap(merged);
+  }
+}
+
+// By a Function of the program, of which `call` makes a call with the two elements.
+template <typename Call>
+void sortBy(Array& array, Call call) {
+  const Type type = array.elementType;
+  Slot one = {}, other = {};
+  std::vector<Passed> passed;
+  for (const Slot* each : {&one, &other}) {
+    passed.push_back({slotNode(type, [each, type](Frame&) {
+      if (type.isReference()) retain(each->heap);
+      return *each;
+    })});
+  }
+  Snapshot elements(array);
+  mergeSort(elements.sorted, [&](Slot left, Slot right) {
+    one = left;
+    other = right;
+    return call(passed).integer > 0;
+  });
+  elements.putBack();
+}
+
+// Whether the Function compares two elements.
+bool compares(const Declaration& declared, Type element) {
+  const auto isElement = [&](const Parameter& each) { return each.type == element && !each.byRef; };
+  return declared.result == Type{Kind::Int64} && declared.parameters.size() == 2 &&
+         std::all_of(declared.parameters.begin(), declared.parameters.end(), isElement);
+}
+
+Expr sortedBy(Expr array, Expr compare) {
+  const Type element = array->type.element();
+  if (const MethodReference* reference = compare->methodReference()) {
+    for (const Method* each : reference->candidates()) {
+      if (!compares(each->declaration, element)) continue;
+      Expr self = static_cast<MethodReference&>(*compare).takeSelf();
+      return doing(std::move(array), [each, self = std::move(self)](Slot slot, Frame& f) {
+        const Ref<Heap> object = self ? self->reference(f) : nullptr;
+        if (self) notNil({.heap = object.get()}, self->written);
+        sortBy(arrayIn(slot),
+               [&](const std::vector<Passed>& two) { return callNow(*each, object.get(), two, f); });
+      });
+    }
+  }
+  const Class* made = isPlainObject(compare->type) ? compare->type.objectClass : nullptr;
+  if (!made || !made->signature || !compares(made->signature->declaration, element)) {
+    fail(compare->position, "Sort takes a Function that compares two elements: (a As " + nameOf(element) +
+                                ", b As " + nameOf(element) + ") As Integer");
+  }
+  return doing(std::move(array), [compare = std::move(compare)](Slot slot, Frame& f) {
+    const Ref<Heap> held = compare->reference(f);
+    notNil({.heap = held.get()}, compare->written);
+    sortBy(arrayIn(slot), [&](const std::vector<Passed>& two) { return callDelegateNow(*held, two, f); });
+  });
+}
+
 }  // namespace
 
 Expr indexOfElement(Expr array, Exprs& arguments) {
@@ -146,73 +255,12 @@ Expr containsElement(Expr array, Exprs& arguments) {
   });
 }
 
-namespace {
-
-// Whatever the program's Function answers: each comparison only chooses which of two comes next.
-template <typename IsLess>
-void mergeSort(std::vector<Slot>& elements, IsLess isLess) {
-  std::vector<Slot> merged(elements.size());
-  for (std::size_t width = 1; width < elements.size(); width *= 2) {
-    for (std::size_t start = 0; start < elements.size(); start += 2 * width) {
-      const auto at = [&](std::size_t index) {
-        return elements.begin() + static_cast<std::ptrdiff_t>(std::min(index, elements.size()));
-      };
-      std::merge(at(start), at(start + width), at(start + width), at(start + 2 * width),
-                 merged.begin() + static_cast<std::ptrdiff_t>(start), isLess);
-    }
-    elements.swap(merged);
-  }
-}
-
-// Of a copy, because the program runs meanwhile and may use the array; then it is written back.
-void sortBy(Array& array, const Method& compare, Heap* self) {
-  const Ref<Array> copy = makeArray(array.elementType, 0);
-  for (std::int64_t i = 0; i < array.count(); ++i) {
-    const Held element(array.get(i), array.elementType);
-    copy->append(element.slot);
-  }
-  std::vector<Slot> elements;
-  copy->rearrange([&](std::vector<Slot>& all) { elements = all; });
-  mergeSort(elements, [&](Slot one, Slot other) {
-    const Slot arguments[] = {{.heap = self}, one, other};
-    return compare.call(std::span(arguments).subspan(self ? 0 : 1)).integer < 0;
-  });
-  for (std::size_t i = 0; i < elements.size(); ++i) array.set(static_cast<std::int64_t>(i), elements[i]);
-}
-
-// Sort(AddressOf Compare)
-Expr sortElementsBy(Expr array, Expr given) {
-  const Type type = array->type.element();
-  const MethodReference* reference = given->methodReference();
-  const Method* compare = nullptr;
-  for (const Method* each : reference ? reference->candidates() : std::vector<const Method*>()) {
-    const std::vector<Parameter>& parameters = each->declaration.parameters;
-    const auto takes = [&](const Parameter& one) { return one.type == type && !one.byRef; };
-    if (parameters.size() == 2 && takes(parameters[0]) && takes(parameters[1]) &&
-        each->declaration.result == Type{Kind::Int64}) {
-      compare = each;
-    }
-  }
-  if (!compare) {
-    fail(given->position,
-         "Sort takes AddressOf a Function (a As " + nameOf(type) + ", b As " + nameOf(type) + ") As Integer");
-  }
-  Expr self = static_cast<MethodReference&>(*given).takeSelf();
-  return doing(std::move(array), [compare, self = std::move(self)](Slot slot, Frame& f) {
-    const Ref<Heap> owner = self ? self->reference(f) : nullptr;
-    if (self) notNil({.heap = owner.get()});
-    sortBy(arrayIn(slot), *compare, owner.get());
-  });
-}
-
-}  // namespace
-
 Expr sortElements(Expr array, Exprs& arguments) {
   const Type type = array->type.element();
-  if (!arguments.empty()) return sortElementsBy(std::move(array), std::move(arguments[0]));
+  if (!arguments.empty()) return sortedBy(std::move(array), std::move(arguments[0]));
   if (type.kind == Kind::Object || type.kind == Kind::Pointer) {
     fail(array->position, "Sort orders numbers, texts and Variants, not " + nameOf(type) +
-                              "; Sort(AddressOf …) orders them by a Function that compares two");
+                              "; Sort(AddressOf …) takes a Function that compares two");
   }
   return doing(std::move(array), [](Slot slot, Frame&) { sort(arrayIn(slot)); });
 }

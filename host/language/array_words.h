@@ -25,8 +25,8 @@ Expr doing(Expr array, Action action) {
   });
 }
 
-// Methods of arrays, which move from the arguments: IndexOf(value, start), Contains(value), Sort, Shuffle.
-// All throw ProgramError where the elements are not for it.
+// Methods of arrays, which move from the arguments: IndexOf(value, start), Contains(value), Sort,
+// Sort(AddressOf compare), Shuffle. All throw ProgramError where the elements are not for it.
 Expr indexOfElement(Expr array, Exprs& arguments);
 Expr containsElement(Expr array, Exprs& arguments);
 Expr sortElements(Expr array, Exprs& arguments);

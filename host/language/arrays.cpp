@@ -176,7 +176,8 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
     }
     if (arguments.size() < each.arguments || arguments.size() > each.arguments + each.optional) {
       fail(callee.position,
-           "expected " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
+           (each.optional ? "expected " + std::to_string(each.arguments) + " to " : "expected ") +
+               counted(each.arguments + each.optional) + ", found " + std::to_string(arguments.size()));
     }
     return each.make(std::move(array), arguments);
   }

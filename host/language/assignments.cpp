@@ -59,6 +59,11 @@ Stmt assignment(Position position, Expr target, Expr value) {
   if (place->variable) {
     if (Stmt stored = taken->storing(*place->variable, position)) return stored;
   }
+  if (registerOf(place->type) == Register::integer) {
+    return statement(position, [place = std::move(place), taken = std::move(taken)](Frame& frame) {
+      place->put(frame, Slot{.integer = taken->integer(frame)});
+    });
+  }
   return statement(position, [place = std::move(place), taken = std::move(taken)](Frame& frame) {
     place->put(frame, taken->evaluate(frame));
   });

@@ -125,11 +125,16 @@ void ClassMembers::addField(const syntax::Property& parsed) {
   property.setter = Call(&writeField, &property);
 }
 
-// A place in the table: that of the method above that takes the same, or a new one.
-void ClassMembers::findPlace(Method& method, const std::vector<const Method*>& above) {
+namespace {
+// What a method is called that runs where another one is assigned to.
+std::string nameOfAssigning(const std::string& name) { return "Set " + name; }
+}  // namespace
+
+// A place in the table: that of the method of the name above that takes the same, or a new one.
+void ClassMembers::findPlace(Method& method, const std::string& name,
+                             const std::vector<const Method*>& above) {
   for (const Method* each : above) {
-    if (each->place < 0 || !sameName(each->declaration.name, method.declaration.name) ||
-        !sameParameters(*each, method)) {
+    if (each->place < 0 || !sameName(each->declaration.name, name) || !sameParameters(*each, method)) {
       continue;
     }
     if (each->declaration.result != method.declaration.result) {
@@ -158,7 +163,7 @@ const Method* ClassMembers::addAccessor(const syntax::Sub& parsed, const std::st
   for (const OwnClass* each = ownAbove(made_); each; each = ownAbove(*each)) {
     for (const Method& other : each->accessors) above.push_back(&other);
   }
-  problems_.attempt([&] { findPlace(method, above); });
+  problems_.attempt([&] { findPlace(method, name, above); });
   return &method;
 }
 
@@ -172,7 +177,7 @@ void ClassMembers::addComputed(const syntax::Property& parsed) {
     type = names_.typeOf(parsed.type);
   });
   const Method* get = parsed.get ? addAccessor(*parsed.get, "Get " + name) : nullptr;
-  const Method* set = parsed.set ? addAccessor(*parsed.set, "Set " + name) : nullptr;
+  const Method* set = parsed.set ? addAccessor(*parsed.set, nameOfAssigning(name)) : nullptr;
   fits &= (get || !parsed.get) && (set || !parsed.set);
   fits = fits && problems_.attempt([&] {
     if (set && set->declaration.parameters[0].type != type) {
@@ -248,7 +253,32 @@ void ClassMembers::addOwn(Sub& sub, const syntax::Sub& parsed) {
     method.sub = nullptr;
     return;
   }
-  findPlace(method, made_.super ? made_.super->findMethods(name) : std::vector<const Method*>());
+  const std::string nameAbove = method.assigns ? nameOfAssigning(name) : name;
+  findPlace(method, nameAbove, methodsAbove(nameAbove));
+}
+
+std::vector<const Method*> ClassMembers::methodsAbove(const std::string& name) const {
+  return made_.super ? made_.super->findMethods(name) : std::vector<const Method*>();
+}
+
+// Where one of the two that belong together is the class's own and the other one of a class above.
+void ClassMembers::pairWithAbove(Method& method) {
+  if (method.assigning || method.assigns || method.place < 0) return;
+  for (const Method* each : methodsAbove(method.declaration.name)) {
+    if (each->place == method.place && each->assigning) return assignThrough(method, *each->assigning);
+  }
+}
+
+// `unreadable`: what stands for the one that is read, if there is none.
+void ClassMembers::addUnread(const Method& unreadable) {
+  const Method& assigning = *unreadable.assigning;
+  for (const Method* each : methodsAbove(unreadable.declaration.name)) {
+    if (each->assigns || !each->sub || !sameParameters(*each, unreadable)) continue;
+    if (each->declaration.result != unreadable.declaration.result) continue;
+    if (each->assigning && each->assigning->place == assigning.place) return;  // it takes that one's place
+    return assignThrough(made_.methods.emplace_back(*each), assigning);
+  }
+  made_.methods.push_back(unreadable);
 }
 
 std::vector<ParsedSub> ClassMembers::finish() {
@@ -263,13 +293,19 @@ std::vector<ParsedSub> ClassMembers::finish() {
           together.push_back(&each);
       }
       pairAssigning(together, made_.accessors);
-      if (!together.empty() && !together[0]->sub) methods->push_back(*together[0]);
+      if (together.empty() || together[0]->sub) continue;
+      if (methods == &made_.methods) {
+        addUnread(*together[0]);
+      } else {
+        methods->push_back(*together[0]);
+      }
     }
     // They are called through the others.
     for (Method& each : *methods) {
-      if (each.assigns) each.declaration.name = "Set " + each.declaration.name;
+      if (each.assigns) each.declaration.name = nameOfAssigning(each.declaration.name);
     }
   }
+  for (Method& each : made_.methods) pairWithAbove(each);
   made_.instanceSize = (size_ + 15) / 16 * 16;
   if (made_.isInterface) return {};
   const bool holds = std::any_of(made_.properties.begin(), made_.properties.end(), [](const Property& each) {

@@ -28,7 +28,10 @@ class ClassMembers {
   const Method* addAccessor(const syntax::Sub& parsed, const std::string& name);
   void addDestructor(Sub& sub, const syntax::Sub& parsed);
   void addOwn(Sub& sub, const syntax::Sub& parsed);
-  void findPlace(Method& method, const std::vector<const Method*>& above);
+  void findPlace(Method& method, const std::string& name, const std::vector<const Method*>& above);
+  std::vector<const Method*> methodsAbove(const std::string& name) const;
+  void pairWithAbove(Method& method);
+  void addUnread(const Method& unreadable);
 
   ModuleNames& module_;
   OwnClass& made_;

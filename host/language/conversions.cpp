@@ -2,6 +2,7 @@
 #include "language/conversions.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "language/delegates.h"
 #include "language/invocation.h"
@@ -39,6 +40,12 @@ bool literalFits(std::int64_t value, Type type) {
   if (type.kind == Kind::UInt64) return value >= 0;
   const std::int64_t beyond = value >> widthOf(type);
   return beyond == 0 || (beyond == -1 && !type.isUnsigned());
+}
+
+// Of two integers' types.
+bool fitsAsLiteral(const Expression& from, Type to) {
+  const bool isBeyondSigned = from.type.kind == Kind::UInt64 && from.literal && *from.literal < 0;
+  return from.literal && !isBeyondSigned && literalFits(*from.literal, to);
 }
 
 // What a class converts to by a parameterless Operator_Convert.
@@ -125,7 +132,7 @@ int distance(const Expression& from, Type to) {
   if (isVariant(to)) return 40;
   if (isVariant(type)) return isConvertible(type, to) ? 60 : -1;
   if (type.isInteger() && to.isInteger()) {
-    if (from.literal && literalFits(*from.literal, to) && !(type.kind == Kind::UInt64 && *from.literal < 0)) {
+    if (fitsAsLiteral(from, to)) {
       return to.kind == Kind::Int64 || to.kind == Kind::UInt64 ? 1 : 2;
     }
     const bool keeps =
@@ -143,12 +150,21 @@ int distance(const Expression& from, Type to) {
 
 namespace {
 
+// Beyond the largest number of a type that is not for integers alone.
+bool isTooBig(double number, Slot becomes, Type type) {
+  if (type.kind == Kind::Single) return std::isfinite(number) && !std::isfinite(becomes.single);
+  return type.kind == Kind::Currency && std::fabs(number) > 922337203685477.5807;
+}
+
 // A literal that becomes another number.
 void warnOfLoss(const Expression& value, Type type, const std::string& what) {
-  if (!value.isLiteral || !value.type.isNumber() || !type.isInteger() || isPlainObject(type)) return;
+  if (!value.isLiteral || !value.type.isNumber() || !type.isNumber() || type.array) return;
   Frame none;
   const Slot written = value.evaluate(none);
   const Slot becomes = convert(written, value.type, type);
+  if (!type.isInteger() && !isTooBig(convert(written, value.type, {Kind::Double}).number, becomes, type)) {
+    return;
+  }
   const std::string before = display(written, value.type), after = display(becomes, type);
   if (before == after || convert(becomes, type, value.type).word == written.word) {
     if (before.starts_with('-') == after.starts_with('-')) return;
@@ -176,7 +192,7 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
     const Method& method = *reference->fitting(*type.objectClass->signature);
     return newDelegate(*type.objectClass, method, static_cast<MethodReference&>(*value).takeSelf());
   }
-  if (value->literal && from.isInteger() && type.isInteger() && literalFits(*value->literal, type)) {
+  if (from.isInteger() && type.isInteger() && fitsAsLiteral(*value, type)) {
     return integerLiteral(static_cast<std::uint64_t>(*value->literal), type);
   }
   warnOfLoss(*value, type, what);

@@ -52,6 +52,11 @@ Expr newDelegate(const Class& made, const Method& method, Expr self) {
                        });
 }
 
+Slot callDelegateNow(Heap& delegate, const std::vector<Passed>& arguments, Frame& frame) {
+  const DelegateData& data = dataOf(delegate);
+  return callNow(*data.method, data.self, arguments, frame);
+}
+
 Expr invokeDelegate(const Class& made, Expr delegate, std::vector<Passed> arguments,
                     const std::string& written) {
   const std::string message = "The delegate is Nil" + (written.empty() ? "." : ": " + written + ".");
@@ -59,8 +64,7 @@ Expr invokeDelegate(const Class& made, Expr delegate, std::vector<Passed> argume
                   [delegate = std::move(delegate), arguments = std::move(arguments), message](Frame& f) {
                     const Ref<Heap> held = delegate->reference(f);
                     if (!held) throw HostException("NilObjectException", message);
-                    const DelegateData& data = dataOf(*held);
-                    return callNow(*data.method, data.self, arguments, f);
+                    return callDelegateNow(*held, arguments, f);
                   });
 }
 

@@ -32,6 +32,9 @@ void becomeDelegate(Class& made);
 // A delegate of the class, of a method that fits it; `self` as above.
 Expr newDelegate(const Class& made, const Method& method, Expr self);
 
+// Calls what the delegate stands for.
+Slot callDelegateNow(Heap& delegate, const std::vector<Passed>& arguments, Frame& frame);
+
 // A call through a delegate, of arguments that are of the parameters' types already. `written`: how the
 // program writes it, for the message where it is Nil.
 Expr invokeDelegate(const Class& made, Expr delegate, std::vector<Passed> arguments,

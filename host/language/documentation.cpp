@@ -37,6 +37,18 @@ bool mentions(std::string_view text, std::string_view name) {
   return false;
 }
 
+// What a row is about: Add(Value) tells of Add.
+std::string withoutArguments(const std::string& cell) {
+  std::string text;
+  int depth = 0;
+  for (const char c : cell) {
+    if (c == ')' && depth > 0) --depth;
+    if (depth == 0) text += c;
+    if (c == '(') ++depth;
+  }
+  return text;
+}
+
 // The same of what a line has in backticks, which is code.
 bool mentionsInCode(std::string_view line, std::string_view name) {
   bool inside = false;
@@ -240,7 +252,7 @@ std::string told(const std::string& name, const std::string& usedAs, Fits fits) 
     const Parts parts = partsOf(section);
     for (const std::string& row : parts.rows) {
       const Lines cells = cellsOf(row);
-      if (!cells.empty() && mentionsInCode(cells[0], name)) rows += rowAsText(row) + "\n";
+      if (!cells.empty() && mentionsInCode(withoutArguments(cells[0]), name)) rows += rowAsText(row) + "\n";
     }
     if (mentions(section.headings.back(), name)) {
       for (const std::string& paragraph : parts.prose) addParagraph(text, paragraph);
@@ -273,17 +285,23 @@ std::string told(const std::string& name, const std::string& usedAs, Fits fits) 
   return all;
 }
 
-// Of a word of the language, which no text explains: the first program that shows it, and what is said of it.
+// Of a word of the language: the first section that tells of it, or else that has a program with it.
 std::string exampleOf(const std::string& word) {
-  for (const Section& section : sections()) {
-    if (section.page + 1 < documentationPages().size()) continue;  // of the language is the last
-    const Parts parts = partsOf(section);
-    for (const std::string& example : parts.examples) {
-      if (!mentions(example, word)) continue;
-      std::string text = section.headings.back() + "\n";
-      for (const std::string& paragraph : parts.prose) addParagraph(text, paragraph);
-      addParagraph(text, "Example:\n" + example);
-      return text;
+  for (const bool tells : {true, false}) {
+    for (const Section& section : sections()) {
+      if (section.page + 1 < documentationPages().size()) continue;  // of the language is the last
+      const auto isTold = [&](const std::string& line) {
+        return !line.starts_with("|") && mentionsInCode(line, word);
+      };
+      if (tells && std::none_of(section.lines.begin(), section.lines.end(), isTold)) continue;
+      const Parts parts = partsOf(section);
+      for (const std::string& example : parts.examples) {
+        if (!mentions(example, word)) continue;
+        std::string text = section.headings.back() + "\n";
+        for (const std::string& paragraph : parts.prose) addParagraph(text, paragraph);
+        addParagraph(text, "Example:\n" + example);
+        return text;
+      }
     }
   }
   return "";
@@ -308,8 +326,10 @@ std::string documentationOf(std::string_view name) {
   if (const Class* type = owner.empty() ? registry().findClass(member) : nullptr) {
     all = listing(member);
     for (const Section& section : sections()) {
-      const bool isOwn = mentions(section.headings.back(), type->name) ||
-                         (section.headings.size() == 1 && isAbout(section, type->name));
+      const auto named = [&](const std::string& line) { return mentions(line, type->name); };
+      const bool isOwn =
+          named(section.headings.back()) || (section.headings.size() == 1 && isAbout(section, type->name) &&
+                                             std::any_of(section.lines.begin(), section.lines.end(), named));
       if (!isOwn) continue;
       const Parts parts = partsOf(section);
       for (const std::string& paragraph : parts.prose) addParagraph(all, paragraph);
@@ -329,9 +349,8 @@ std::string documentationOf(std::string_view name) {
   }
   if (!all.empty() || !owner.empty()) return all;
   all = listing(member);
-  const std::string text = told(member, member, [](const Section&) { return true; });
-  all += text;
-  return all.empty() && isKeyword(member) ? exampleOf(member) : all;
+  if (all.empty() && isKeyword(member)) return exampleOf(member);
+  return all + told(member, member, [](const Section&) { return true; });
 }
 
 std::string noDocumentationOf(std::string_view name) {

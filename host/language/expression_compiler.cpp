@@ -158,7 +158,9 @@ Expr ExpressionCompiler::compileNode(const syntax::Literal& literal) {
 
 Expr ExpressionCompiler::compileNode(const Name& name) {
   Links none(nothingFollows, false);
-  return this->name(name, none);
+  Expr value = this->name(name, none);
+  value->written = name.text;
+  return value;
 }
 
 Expr ExpressionCompiler::compileNode(const syntax::New& made) {
@@ -245,6 +247,7 @@ Expr ExpressionCompiler::linked(const syntax::Chain& chain, Links& links) {
     const std::string written = links.taken();
     value = elements(std::move(value), start, *links.takeArguments(), written);
   }
+  value->written = links.taken();
   return value;
 }
 
@@ -261,7 +264,7 @@ Expr ExpressionCompiler::elements(Expr value, Position start, const Arguments& i
   if (objectClass) {
     const auto methods = objectClass->findMethods("Operator_Subscript");
     if (!methods.empty()) {
-      const Callee callee{"Operator_Subscript", indices.position};
+      const Callee callee{"Operator_Subscript", indices.position, written};
       return callMethod(methods, callee, std::move(value), arguments(&indices));
     }
   }
@@ -427,8 +430,8 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
     return memberOfObject(*type.objectClass, std::move(object), name, links);
   }
   if (isVariant(type)) return memberOfVariant(std::move(object), name, links);
-  const std::string unknown = withArticle(nameOf(type)) + " has no member '" + name.text + "'" +
-                              absentMember(nameOf(type), name.text);
+  const std::string advice = absentMember(nameOf(type), name.text);
+  const std::string unknown = withArticle(nameOf(type)) + " has no member '" + name.text + "'" + advice;
   if (type.kind == Kind::Object || type.kind == Kind::None || type.kind == Kind::Nil) {
     fail(name.position, unknown);
   }
@@ -439,7 +442,7 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
     return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
   }
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
-  fail(name.position, unknown);
+  fail(name.position, unknown + (advice.empty() ? suggestion(name.text, membersOfValue(type)) : ""));
 }
 
 // v.IntegerValue is Variant.IntegerValue(v).

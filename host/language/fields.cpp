@@ -6,12 +6,9 @@
 
 namespace host {
 
-Slot notNil(Slot object, const std::string& member) {
-  if (!object.heap) {
-    throw HostException("NilObjectException",
-                        "A member of Nil is used" + (member.empty() ? "." : ": " + member + "."));
-  }
-  return object;
+void failForNil(const std::string& member) {
+  throw HostException("NilObjectException",
+                      "A member of Nil is used" + (member.empty() ? "." : ": " + member + "."));
 }
 
 Slot loadField(const Slot& slot, Type type) {
@@ -62,7 +59,14 @@ template <typename Object>
 class FieldPlace final : public Place {
  public:
   FieldPlace(const Property& property, Object object)
-      : Place(property.type), property_(property), object_(std::move(object)) {}
+      : Place(property.type),
+        property_(property),
+        object_(std::move(object)),
+        isPlain_(!property.type.isReference()) {
+    if constexpr (std::is_same_v<Object, OfSelf>) {
+      if (isPlain_ && type.kind != Kind::Single) variable = Variable::ofSelf(property.offset);
+    }
+  }
   std::int64_t integer(Frame& frame) const override { return plain(frame).integer; }
   double real(Frame& frame) const override { return plain(frame).number; }
   float single(Frame& frame) const override { return plain(frame).single; }
@@ -70,7 +74,7 @@ class FieldPlace final : public Place {
     return object_.with(frame, [&](Heap& object) { return loadShared(slotIn(object, property_)); });
   }
   void put(Frame& frame, Slot owned) const override {
-    if (!type.isReference()) return putPlain(frame, owned);
+    if (isPlain_) return putPlain(frame, owned);
     Held held(owned, type);
     object_.with(frame, [&](Heap& object) { storeField(slotIn(object, property_), type, held.detach()); });
   }
@@ -101,6 +105,7 @@ class FieldPlace final : public Place {
 
   const Property& property_;
   Object object_;
+  const bool isPlain_;
 };
 
 }  // namespace

@@ -23,6 +23,11 @@ void storeField(Slot& slot, Type type, Slot owned);
 
 // The object whose member is used; throws the host's NilObjectException for Nil, which names the member as
 // the program writes it, where that is known.
-Slot notNil(Slot object, const std::string& member = "");
+[[noreturn]] void failForNil(const std::string& member);
+inline Slot notNil(Slot object, const std::string& member) {
+  if (!object.heap) [[unlikely]]
+    failForNil(member);
+  return object;
+}
 
 }  // namespace host

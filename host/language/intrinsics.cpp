@@ -62,6 +62,17 @@ constexpr struct {
 
 }  // namespace
 
+std::vector<std::string> membersOfValue(Type type) {
+  std::vector<std::string> names = {"ToString", "ToText"};
+  for (const Method& each : registry().functions) {
+    const std::vector<Parameter>& parameters = each.declaration.parameters;
+    if (parameters.empty() || parameters[0].byRef || parameters[0].type.array) continue;
+    const Type taken = parameters[0].type;
+    if (taken == type || (taken.isNumber() && type.isNumber())) names.push_back(each.declaration.name);
+  }
+  return names;
+}
+
 Expr callIntrinsic(const Callee& callee, Exprs& arguments) {
   for (const auto& each : intrinsics) {
     if (!sameName(each.name, callee.name)) continue;

@@ -8,4 +8,7 @@ namespace host {
 // Null where there is none of that name, and then the arguments stay. Throws ProgramError.
 Expr callIntrinsic(const Callee& callee, Exprs& arguments);
 
+// What there is to call on a value of the type as a member of it, the language's own functions among it.
+std::vector<std::string> membersOfValue(Type type);
+
 }  // namespace host

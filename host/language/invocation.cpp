@@ -159,6 +159,7 @@ class MethodPlace final : public Place {
 
 Expr invoke(const Method& method, Expr self, std::vector<Passed> arguments, std::string member) {
   const Type result = method.declaration.result;
+  if (member.empty() && self) member = self->written;  // an operator's operand, say
   MethodCall call(method, std::move(self), std::move(arguments), std::move(member));
   if (method.setter) return std::make_unique<MethodPlace>(result, std::move(call));
   return slotNode(result, [call = std::move(call)](Frame& f) { return call.run(f); });

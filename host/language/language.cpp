@@ -105,6 +105,16 @@ bool Session::knows(std::string_view name) const {
   return module.values.contains(key) || module.subs.contains(key) || module.spaces.contains(key);
 }
 
+std::string Session::asDocumented(std::string_view name) const {
+  const std::size_t end = std::min(name.find('.'), name.size());
+  const auto value = parts_->names.values.find(lowerCase(name.substr(0, end)));
+  const auto* global = value == parts_->names.values.end() ? nullptr : std::get_if<Global*>(&value->second);
+  if (!global) return std::string(name);
+  const Type type = (*global)->type;
+  if (isPlainObject(type) && type.objectClass) return type.objectClass->name + std::string(name.substr(end));
+  return std::string(name.substr(std::min(end + 1, name.size())));
+}
+
 Completions Session::completions(std::string_view line) const {
   const ModuleNames& module = parts_->names;
   const std::string_view typed = lastName(line);

@@ -53,6 +53,8 @@ class Session {
 
   bool knows(std::string_view name) const;  // whether something was declared so
   Completions completions(std::string_view line) const;
+  // A name as the documentation has it: a variable's class in the place of the variable.
+  std::string asDocumented(std::string_view name) const;
 
  private:
   struct Parts;

@@ -153,8 +153,10 @@ constexpr struct {
 };
 
 // Blanks, among them those of text that was set for print.
-constexpr std::string_view blanks[] = {" ",      "\t",     "\r",     "\u00A0", "\u2007",
-                                       "\u2009", "\u200B", "\u202F", "\u3000", "\uFEFF"};
+constexpr std::string_view blanks[] = {" ",      "\t",     "\r",     "\u00A0", "\u1680", "\u2000",
+                                       "\u2001", "\u2002", "\u2003", "\u2004", "\u2005", "\u2006",
+                                       "\u2007", "\u2008", "\u2009", "\u200A", "\u200B", "\u202F",
+                                       "\u205F", "\u2060", "\u3000", "\uFEFF"};
 constexpr std::string_view doubleQuotes[] = {"\u201C", "\u201D", "\u201E", "\u201F"};
 constexpr std::string_view singleQuotes[] = {"\u2018", "\u2019"};
 
@@ -166,18 +168,19 @@ constexpr struct {
                   {"EndSub", Keyword::subWord},     {"EndTry", Keyword::tryWord},
                   {"EndWhile", Keyword::whileWord}, {"EndFunction", Keyword::functionWord}};
 
-// A class that holds numbers of any length, where there is one: it converts from a text.
+// The classes that hold numbers of such a length, where there are some: they convert from a text.
 std::string suggestionForBigNumber(const std::string& digits) {
+  std::string names;
   for (const Class& each : registry().classes) {
     if (!each.fromLibrary) continue;
     for (const Method* method : each.findMethods("Operator_Convert")) {
       const std::vector<Parameter>& parameters = method->declaration.parameters;
       if (parameters.size() == 1 && parameters[0].type == Type{Kind::String}) {
-        return "; a class such as " + each.name + " takes it as a text: \"" + digits + "\"";
+        names += (names.empty() ? "" : " or ") + each.name;
       }
     }
   }
-  return "";
+  return names.empty() ? "" : "; " + names + " takes it as a text: \"" + digits + "\"";
 }
 
 bool isWordStart(char c) { return std::isalpha(static_cast<unsigned char>(c)) || c == '_' || (c & 0x80); }
@@ -400,6 +403,16 @@ class Lexer {
       if (!text_.substr(at_).starts_with(each.spelling)) continue;
       add(each.symbol);
       at_ += each.spelling.size();
+      return;
+    }
+    if (peek() == ';' && restOfLineIsBlank(at_ + 1)) {
+      wrong(here(), "a statement ends with its line; leave out the ';'");
+      at_ = std::min(text_.find('\n', at_), text_.size());
+      return;
+    }
+    if (peek() == '\0') {
+      wrong(here(), "this is no text of a program, which is UTF-8 or UTF-16");
+      at_ = text_.size();
       return;
     }
     wrong(here(), std::string("unexpected character '") + peek() + "'" + absentDirective(text_.substr(at_)));

@@ -386,12 +386,23 @@ void Names::failUnknown(const syntax::Name& name) const {
     for (const auto& [key, each] : space.spaces) known.push_back(each->name);
     return false;
   });
-  for (const Class& each : registry().classes) known.push_back(each.name);
+  for (const Class& each : registry().classes) {
+    if (!each.name.starts_with("_")) known.push_back(each.name);
+  }
   for (const Module& module : registry().modules) {
     for (const Method& method : module.methods) known.push_back(method.declaration.name);
     for (const Property& property : module.properties) known.push_back(property.name);
   }
   for (const Method& function : registry().functions) known.push_back(function.declaration.name);
+  for (const char* intrinsic : {"Str", "CStr", "ToString", "Ubound", "VarType", "Array"}) {
+    known.push_back(intrinsic);
+  }
+  if (const std::optional<Type> type = typeNamed(name.text)) {
+    throw UnknownName(name.position, name.text,
+                      nameOf(*type) + " is a type, not a function" +
+                          (isText(*type) ? "; Str(…) makes a text of a value"
+                                         : "; a value becomes one where it is assigned, a text by Val(…)"));
+  }
   throw UnknownName(name.position, name.text,
                     "unknown name '" + name.text + "'" + suggestion(name.text, known));
 }

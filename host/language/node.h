@@ -2,10 +2,13 @@
 #pragma once
 
 #include <bit>
+#include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string>
 #include <utility>
 #include <vector>
 
@@ -22,20 +25,34 @@ struct Frame : RunningCall {
   Slot result = {};  // owned, where it is a reference
 };
 
-// A variable that holds a plain value: a slot of the frame, or one at module level, which threads share.
-struct Variable {
-  Slot* shared = nullptr;
-  std::size_t slot = 0;
+// A variable that holds a plain value: a slot of the frame, or one that threads share, at module level or in
+// the object whose method runs.
+class Variable {
+ public:
+  static Variable local(std::size_t slot) { return {nullptr, slot}; }
+  static Variable global(Slot& slot) { return {&slot, 0}; }
+  static Variable ofSelf(std::size_t offset) { return {&inSelf, offset / sizeof(Slot)}; }
 
   std::int64_t integer(const Frame& frame) const { return static_cast<std::int64_t>(load(frame)); }
   double real(const Frame& frame) const { return std::bit_cast<double>(load(frame)); }
   // Relaxed: threads that use a variable at once see some value of it, and order nothing else by it.
-  std::uint64_t load(const Frame& frame) const {
-    return __atomic_load_n(&(shared ? shared : frame.locals + slot)->word, __ATOMIC_RELAXED);
-  }
+  std::uint64_t load(const Frame& frame) const { return __atomic_load_n(&in(frame)->word, __ATOMIC_RELAXED); }
   void store(const Frame& frame, std::uint64_t word) const {
-    __atomic_store_n(&(shared ? shared : frame.locals + slot)->word, word, __ATOMIC_RELAXED);
+    __atomic_store_n(&in(frame)->word, word, __ATOMIC_RELAXED);
   }
+
+ private:
+  Variable(Slot* shared, std::size_t slot) : shared_(shared), slot_(slot) {}
+  Slot* in(const Frame& frame) const {  // a local one has to pass one test alone
+    if (!shared_) [[likely]]
+      return frame.locals + slot_;
+    return shared_ == &inSelf ? reinterpret_cast<Slot*>(frame.locals[0].heap) + slot_ : shared_;
+  }
+
+  static inline Slot inSelf = {};  // stands for that object
+
+  Slot* shared_;
+  std::size_t slot_;  // in the frame, or in that object
 };
 
 // Which of the four evaluations an expression of the type has.
@@ -137,6 +154,7 @@ class Expression {
   // statements can put another one there, and none of them where it is the object whose method runs.
   std::optional<std::size_t> heldIn;
   bool isSelf = false;
+  std::string written;  // how the program writes it, for messages, where it is a name or begins with one
 };
 using Expr = std::unique_ptr<Expression>;
 using Exprs = std::vector<Expr>;

@@ -31,7 +31,7 @@ class FoundPlace : public Place {  // a place that is a slot of memory
 class LocalPlace final : public FoundPlace<LocalPlace> {
  public:
   LocalPlace(Type ofType, std::size_t slot) : FoundPlace(ofType), slot_(slot) {
-    if (!ofType.isReference() && ofType.kind != Kind::Single) variable = Variable{nullptr, slot};
+    if (!ofType.isReference() && ofType.kind != Kind::Single) variable = Variable::local(slot);
     if (isPlainObject(ofType)) heldIn = slot;
   }
   Slot& find(Frame& frame) const { return frame.locals[slot_]; }
@@ -53,7 +53,8 @@ class ByRefPlace final : public FoundPlace<ByRefPlace> {
 
 class GlobalPlace final : public Place {
  public:
-  explicit GlobalPlace(Global& global) : Place(global.type), global_(global), slot_{&global.slot} {
+  explicit GlobalPlace(Global& global)
+      : Place(global.type), global_(global), slot_(Variable::global(global.slot)) {
     if (!type.isReference() && type.kind != Kind::Single) variable = slot_;
   }
   std::int64_t integer(Frame& frame) const override { return slot_.integer(frame); }

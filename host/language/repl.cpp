@@ -243,9 +243,10 @@ class Repl {
     const bool ends = sameName(word, "exit") || sameName(word, "quit") || sameName(word, "q");
     if (rest.empty() && ends && !session_.knows(word)) return false;
     if (!sameName(word, "help") || session_.knows(word)) return std::nullopt;
-    const std::string text = rest.empty() ? help : documentationOf(rest);
+    const std::string name = session_.asDocumented(rest);
+    const std::string text = rest.empty() ? help : documentationOf(name);
     if (text.empty()) {
-      tell(noDocumentationOf(rest) + "\n");
+      tell(noDocumentationOf(name.empty() ? rest : name) + "\n");
     } else {
       print(text);
       flushOutput();

@@ -4,6 +4,7 @@
 #include "language/conversions.h"
 #include "language/widen.h"
 #include "runtime/array.h"
+#include "runtime/dictionary.h"
 #include "runtime/exception.h"
 #include "runtime/variant.h"
 
@@ -87,14 +88,46 @@ std::string propertiesOf(Heap& object, int depth) {
   return text;
 }
 
+std::string entriesShown(const Heap& dictionary, int depth) {
+  std::string text;
+  std::int64_t count = 0;
+  const auto entries = entriesOf(dictionary);
+  for (const auto& [key, value] : entries) {
+    if (count > 0) text += ", ";
+    if (count++ == mostElements) {
+      text += "… " + std::to_string(entries.size()) + " in all";
+      break;
+    }
+    text += shownInside({.heap = key.get()}, {Kind::Variant}, depth) + ": " +
+            shownInside({.heap = value.get()}, {Kind::Variant}, depth);
+  }
+  return "{" + text + "}";
+}
+
+// Of memory, in hexadecimal.
+std::string bytesShown(std::string_view bytes) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  std::string text;
+  for (const char each : bytes.substr(0, mostElements)) {
+    const auto byte = static_cast<unsigned char>(each);
+    text += std::string(" ") + digits[byte / 16] + digits[byte % 16];
+  }
+  return bytes.size() > mostElements ? text + " … " + std::to_string(bytes.size()) + " in all" : text;
+}
+
 std::string shownObject(Heap& object, int depth) {
   const Class& type = *object.objectClass;
   try {
+    if (isDictionary(object)) return type.name + " " + entriesShown(object, depth);
     if (const Method* convert = conversionOf(type)) {
       const Slot self[] = {{.heap = &object}};
       const Type result = convert->declaration.result;
       const Held held(convert->call(self), result);
-      if (isText(result)) return display(held.slot, result);  // a number's digits
+      if (isText(result)) {
+        const auto* text = static_cast<const Text*>(held.slot.heap);
+        if (!text || text->encoding == encoding::none) return type.name + bytesShown(bytesOf(text));
+        return display(held.slot, result);  // a number's digits
+      }
       const std::string value = shownInside(held.slot, result, depth);
       return result.array ? type.name + " " + value : value;
     }

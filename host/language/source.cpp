@@ -114,6 +114,14 @@ std::string sourceText(std::string bytes) {
 }
 
 std::string describe(const Problem& problem, const std::string& file) {
+  if (const std::size_t list = problem.message.find("\n  "); list != std::string::npos) {
+    Problem inLine = problem;
+    inLine.message.replace(list, 3, ": ");
+    for (std::size_t at; (at = inLine.message.find("\n  ")) != std::string::npos;) {
+      inLine.message.replace(at, 3, "; ");
+    }
+    return describe(inLine, file);
+  }
   return file + ":" + std::to_string(problem.position.line) + ":" + std::to_string(problem.position.column) +
          (problem.isWarning ? ": warning: " : ": error: ") + problem.message + "\n";
 }

@@ -62,11 +62,25 @@ bool shareWord(std::string_view left, std::string_view right) {
 
 // What other languages call the same.
 bool meanTheSame(std::string_view left, std::string_view right) {
-  static constexpr std::string_view groups[][3] = {
-      {"count", "length", "size"}, {"add", "append", "push"}, {"remove", "delete", "erase"}};
+  static constexpr std::string_view groups[][5] = {
+      {"count", "length", "size"},
+      {"add", "append", "push", "enqueue"},
+      {"remove", "delete", "erase"},
+      {"middle", "substring", "substr"},
+      {"uppercase", "ucase", "upper", "toupper", "touppercase"},
+      {"lowercase", "lcase", "lower", "tolower", "tolowercase"},
+      {"beginswith", "startswith"},
+      {"indexof", "find", "search"},
+      {"haskey", "containskey", "exists"},
+      {"popfirst", "dequeue", "shift"},
+      {"floor", "int", "fix"},
+      {"tointeger", "cint", "clng", "parseint"},
+      {"rnd", "random", "rand"},
+      {"removeall", "clear", "empty"},
+  };
   for (const auto& group : groups) {
     const auto isIn = [&](std::string_view name) {
-      return std::find(std::begin(group), std::end(group), name) != std::end(group);
+      return !name.empty() && std::find(std::begin(group), std::end(group), name) != std::end(group);
     };
     if (isIn(left) && isIn(right)) return true;
   }
@@ -76,9 +90,12 @@ bool meanTheSame(std::string_view left, std::string_view right) {
 }  // namespace
 
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates) {
+  const std::string wanted = lowerCase(name);
+  for (const std::string& candidate : candidates) {
+    if (meanTheSame(wanted, lowerCase(candidate))) return candidate;
+  }
   std::string best;
   std::size_t bestDistance = name.size() / 3 + 1;
-  const std::string wanted = lowerCase(name);
   for (const std::string& candidate : candidates) {
     const std::size_t each = distanceBetween(wanted, lowerCase(candidate));
     if (each < bestDistance) {
@@ -87,24 +104,22 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
     }
   }
   if (!best.empty()) return best;
-  // What is called alike though it is written otherwise: the shortest that goes on from the name, then
-  // others.
+  // What is written otherwise: the shortest that goes on from the name, then what shares a word.
   for (const std::string& candidate : candidates) {
     if (wanted.size() < 3 || !lowerCase(candidate).starts_with(wanted)) continue;
     if (best.empty() || candidate.size() < best.size()) best = candidate;
   }
   if (!best.empty()) return best;
   for (const std::string& candidate : candidates) {
-    if (meanTheSame(wanted, lowerCase(candidate))) return candidate;
-  }
-  for (const std::string& candidate : candidates) {
     if (shareWord(name, candidate)) return candidate;
   }
   return "";
 }
 
-std::string withArticle(const std::string& noun) {
-  return (noun.find_first_of("AEIO") == 0 ? "an " : "a ") + noun;
+std::string withArticle(const std::string& type) {
+  if (type == "Nil") return type;
+  const bool isSpokenWithVowel = type.find_first_of("AEIOaeio") == 0;  // not the U of UInt8
+  return (isSpokenWithVowel ? "an " : "a ") + type;
 }
 
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates) {

@@ -9,14 +9,14 @@ namespace host {
 
 std::string lowerCase(std::string_view text);  // of ASCII
 
-// The candidate that a wrong name may have meant: spelled nearly so, going on from it, or made of the same
-// words. Empty if there is none.
+// The candidate that a wrong name may have meant: spelled as another language has it, nearly so, going on
+// from it, or made of the same words. Empty if there is none.
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates);
+
+// "an Integer", "a String", but "Nil": a type in a sentence.
+std::string withArticle(const std::string& type);
 
 // "; did you mean 'Name'?", or nothing.
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates);
-
-// "an Integer", "a String"
-std::string withArticle(const std::string& noun);
 
 }  // namespace host

@@ -197,10 +197,19 @@ void StatementCompiler::failToAssign(const syntax::Expression& target, Position 
 void StatementCompiler::warnOfOverwriting(const syntax::Assign& assign, Type target, Type value) {
   const auto* name = std::get_if<syntax::Name>(&assign.target.node);
   const auto* computed = std::get_if<syntax::Sequence>(&assign.value.node);
-  const auto* first = computed ? std::get_if<syntax::Name>(&computed->first->node) : nullptr;
-  if (!name || !first || assign.compound || !sameName(name->text, first->text)) return;
-  const auto& [position, what, operand] = computed->rest.front();
-  if (const auto* op = std::get_if<Operator>(&what)) host::warnOfOverwriting(position, *op, target, value);
+  if (!name || !computed || assign.compound) return;
+  const auto isTarget = [&](const syntax::Expression& operand) {
+    const auto* read = std::get_if<syntax::Name>(&operand.node);
+    return read && sameName(name->text, read->text);
+  };
+  bool isLeft = isTarget(*computed->first);
+  for (const auto& [position, what, operand] : computed->rest) {
+    const auto* op = std::get_if<Operator>(&what);
+    if (op && (isLeft || isTarget(*operand))) {
+      return host::warnOfOverwriting(position, *op, target, value);
+    }
+    isLeft = false;
+  }
 }
 
 void StatementCompiler::compile(const syntax::ReDim& changed, Position position, Block& block) {
@@ -374,6 +383,25 @@ void StatementCompiler::compile(const syntax::For& loop, Position position, Bloc
                                           std::move(step), loop.down, std::move(body)));
 }
 
+namespace {
+
+// Where an array is near: a text's characters, a Dictionary's keys.
+void failForEach(const Expression& value) {
+  if (isText(value.type)) {
+    fail(value.position,
+         "For Each goes through arrays, not through a String; its characters are Split(…, \"\")");
+  }
+  if (!isPlainObject(value.type) || !value.type.objectClass) return;
+  for (const Method* each : value.type.objectClass->findMethods("Keys")) {
+    if (each->declaration.result.array && each->declaration.parameters.empty()) {
+      fail(value.position, "For Each goes through arrays, not through " +
+                               withArticle(value.type.objectClass->name) + "; its keys are ….Keys");
+    }
+  }
+}
+
+}  // namespace
+
 void StatementCompiler::compile(const syntax::ForEach& loop, Position position, Block& block) {
   const Names::Inner inner(names_);
   const syntax::Name& name = loop.variable;
@@ -382,6 +410,7 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
   bool fits = problems_.attempt([&] {
     array = expressions_.compile(loop.array);
     if (!array->type.array) {
+      failForEach(*array);
       array = convertTo(std::move(array), Type{Kind::Variant}.arrayOf(), "what For Each goes through");
     }
   });
@@ -391,6 +420,12 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
     if (loop.type) {
       declared = typeFor(name, *loop.type);
       names_.declare(name, *declared);
+    }
+    if (!loop.type && !names_.find(name.text) && names_.findSubs(name.text).empty()) {
+      const std::string element = fits ? nameOf(array->type.element()) : "Variant";
+      throw UnknownName(
+          name.position, name.text,
+          "unknown name '" + name.text + "'; write For Each " + name.text + " As " + element + " In …");
     }
     Expr variable = names_.expect(name);
     if (!fits) return;

@@ -168,7 +168,11 @@ Statement StatementParser::statement() {
     case Keyword::caseWord:
     case Keyword::catchWord:
     case Keyword::finallyWord:
-      tokens_.failHere("'" + token.text + "' has nothing that it belongs to");
+      tokens_.failHere("'" + token.text +
+                       (token.keyword == Keyword::endWord && tokens_.peek(1).kind == TokenKind::word
+                            ? " " + tokens_.peek(1).text
+                            : "") +
+                       "' has nothing that it belongs to");
     default:
       if (token.kind == TokenKind::integer && beginsStatement(tokens_.peek(1))) {
         tokens_.failHere("expected a statement; this host has no line numbers: leave them out");

@@ -122,7 +122,7 @@ Stmt addHandler(Position position, Expr object, const Method& handler, Expr self
     const Ref<Heap> held = object->reference(frame);
     if (!held) throw HostException("NilObjectException", "The thread is Nil.");
     Ref<Heap> owner = self ? self->reference(frame) : nullptr;
-    if (self) notNil({.heap = owner.get()});
+    if (self) notNil({.heap = owner.get()}, self->written);
     setRunHandler(static_cast<Object&>(*held), std::move(owner), [&handler](Object& started, Heap* of) {
       const Slot arguments[] = {{.heap = of ? of : &started}, {.heap = &started}};
       handler.call(arguments);

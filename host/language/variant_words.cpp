@@ -1,6 +1,5 @@
 // What a Variant can be asked, as shared methods of a class that is named like the type: v.IntegerValue is
 // Variant.IntegerValue(v).
-#include <cstdlib>
 #include <iterator>
 #include <string>
 
@@ -56,9 +55,7 @@ bool isNumeric(REALobject value) {
     if (inside.array || inside.kind != Kind::String) return inside.isNumber();
     std::string text = utf8Of(toText(heapOf(value)).get());
     text.erase(text.find_last_not_of(" \t\r\n") + 1);
-    char* end = nullptr;
-    std::strtod(text.c_str(), &end);
-    return end != text.c_str() && *end == '\0';
+    return !text.empty() && lengthOfNumber(text) == text.size();
   });
 }
 

@@ -249,8 +249,18 @@ REALobject clone(REALobject self) {
 
 }  // namespace
 
+bool isDictionary(const Heap& thing) { return dictionaryClass && isInstance(&thing, *dictionaryClass); }
+
+std::vector<std::pair<Ref<>, Ref<>>> entriesOf(const Heap& dictionary) {
+  std::vector<std::pair<Ref<>, Ref<>>> entries;
+  for (Entry& each : snapshot(reinterpret_cast<REALobject>(const_cast<Heap*>(&dictionary)))) {
+    entries.emplace_back(std::move(each.key), std::move(each.value));
+  }
+  return entries;
+}
+
 void forEachInDictionary(const Heap& thing, const std::function<void(const Heap&)>& visit) {
-  if (!dictionaryClass || !isInstance(&thing, *dictionaryClass)) return;
+  if (!isDictionary(thing)) return;
   contentsOf(reinterpret_cast<REALobject>(const_cast<Heap*>(&thing))).forEach([&](const Entry& each) {
     for (const Heap* held : {each.key.get(), each.value.get()}) {
       if (held) visit(*held);

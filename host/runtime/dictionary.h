@@ -2,7 +2,10 @@
 #pragma once
 
 #include <functional>
+#include <utility>
+#include <vector>
 
+#include "runtime/heap.h"
 #include "runtime/registry.h"
 
 namespace host {
@@ -12,5 +15,9 @@ void registerDictionary(Registry& registry);
 // Calls back for each thing that is a key or value in it, if the thing is a Dictionary: for the leak report,
 // when no thread changes it any more.
 void forEachInDictionary(const Heap& thing, const std::function<void(const Heap&)>& visit);
+
+bool isDictionary(const Heap& thing);
+// Its keys with their values, in their order.
+std::vector<std::pair<Ref<>, Ref<>>> entriesOf(const Heap& dictionary);
 
 }  // namespace host

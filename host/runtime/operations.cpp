@@ -131,11 +131,36 @@ void raise(REALobject exception) {
 const Property* propertyNamed(REALobject object, const char* name) {
   return object ? heapOf(object)->objectClass->findProperty(name) : nullptr;
 }
+// A field that the host reads and writes itself, in the data of the class that declares the property.
+std::byte* fieldIn(Heap& object, const Property& property) {
+  const Class* declaring = object.objectClass;
+  while (!findNamed(declaring->properties, property.name)) declaring = declaring->super;
+  return reinterpret_cast<std::byte*>(&object) + declaring->dataOffset + property.parameter;
+}
+
+void writeField(Heap& object, const Property& property, Slot value) {
+  std::byte* const at = fieldIn(object, property);
+  if (!property.type.isReference()) {
+    std::memcpy(at, &value.integer, sizeof value.integer);
+    return;
+  }
+  retain(value.heap);
+  Heap* old;
+  std::memcpy(&old, at, sizeof old);
+  std::memcpy(at, &value.heap, sizeof value.heap);
+  release(old);
+}
+
 bool setProperty(REALobject object, const char* name, Slot value, Kind kind) {
   return orNothing([&]() -> bool {
     const PendingAside aside;
     const Property* property = propertyNamed(object, name);
-    if (!property || !property->setter || property->type != Type{kind}) return false;
+    if (!property || property->type != Type{kind}) return false;
+    if (property->field) {
+      writeField(*heapOf(object), *property, value);
+      return true;
+    }
+    if (!property->setter) return false;
     const Slot arguments[] = {{.heap = heapOf(object)}, {.integer = property->parameter}, value};
     property->setter(arguments);
     return true;
@@ -148,16 +173,13 @@ bool setPropertyInteger(REALobject object, const char* name, RBInteger value) {
   return setProperty(object, name, Slot{.integer = value}, Kind::Int64);
 }
 
-// A number that the host reads itself, in the data of the class that declares the property.
+// A number there.
 template <typename Value>
-bool readField(const Heap& object, const Property& property, Value* out) {
+bool readField(Heap& object, const Property& property, Value* out) {
   const bool fits = std::is_same_v<Value, double> ? property.type.isFloating()
                                                   : std::is_integral_v<Value> && property.type.isInteger();
   if (!fits || sizeOf(property.type) != sizeof *out) return false;
-  const Class* declaring = object.objectClass;
-  while (!findNamed(declaring->properties, property.name)) declaring = declaring->super;
-  std::memcpy(out, reinterpret_cast<const std::byte*>(&object) + declaring->dataOffset + property.parameter,
-              sizeof *out);
+  std::memcpy(out, fieldIn(object, property), sizeof *out);
   return true;
 }
 

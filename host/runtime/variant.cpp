@@ -3,6 +3,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdlib>
@@ -73,6 +74,32 @@ std::int64_t narrowed(std::int64_t value, Kind kind) {
   }
 }
 
+}  // namespace
+
+std::size_t lengthOfNumber(std::string_view text) {
+  std::size_t at = std::min(text.find_first_not_of(" \t\r\n\v\f"), text.size());
+  const auto is = [&](std::string_view any) { return at < text.size() && any.find(text[at]) != any.npos; };
+  const auto digits = [&] {
+    const std::size_t start = at;
+    while (is("0123456789")) ++at;
+    return at - start;
+  };
+  if (is("+-")) ++at;
+  std::size_t count = digits();
+  if (is(".")) {
+    ++at;
+    count += digits();
+  }
+  if (count == 0) return 0;
+  const std::size_t end = at;
+  if (!is("eE")) return end;
+  ++at;
+  if (is("+-")) ++at;
+  return digits() > 0 ? at : end;
+}
+
+namespace {
+
 // A number at the start of a text, blanks in front of it aside: an integer as far as its digits go
 // (saturating), or a fraction in the C locale.
 std::int64_t integerIn(const std::string& text) { return std::strtoll(text.c_str(), nullptr, 10); }
@@ -81,7 +108,10 @@ std::uint64_t wordIn(const std::string& text) {
   if (start != std::string::npos && text[start] == '-') return static_cast<std::uint64_t>(integerIn(text));
   return std::strtoull(text.c_str(), nullptr, 10);
 }
-double numberIn(const std::string& text) { return std::strtod(text.c_str(), nullptr); }
+// strtod alone would take "nan", "infinity" and hexadecimal digits too.
+double numberIn(const std::string& text) {
+  return std::strtod(text.substr(0, lengthOfNumber(text)).c_str(), nullptr);
+}
 
 std::int64_t currencyFrom(double value) { return truncated<std::int64_t>(std::round(value * 10000)); }
 

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 
 #include "runtime/object.h"
 #include "runtime/registry.h"
@@ -32,6 +33,9 @@ std::int64_t toInt64(const Heap* variant);
 std::uint64_t toUInt64(const Heap* variant);
 double toDouble(const Heap* variant);
 Ref<Text> toText(const Heap* variant);
+
+// How much of a text is a decimal number at its start, with the blanks in front of it; 0: none is there.
+std::size_t lengthOfNumber(std::string_view text);
 
 // A slot of type `to` from one of type `from`, both plain (numbers, Boolean, Currency, String, Variant). A
 // reference result is owned by the caller. This is the one table of the language's implicit conversions.

@@ -77,6 +77,8 @@ TEST(Names, AreSuggested) {
 TEST(Nearest, IsWithinAThirdOfTheLetters) {
   EXPECT_EQ(nearest("Prnt", {"Print", "Paint"}), "Print");
   EXPECT_EQ(nearest("ab", {"xy"}), "");
+  EXPECT_EQ(nearest("substring", {"ToString", "Middle"}), "Middle") << "as others call it";
+  EXPECT_EQ(nearest("", {"Print", "Count"}), "");
   EXPECT_EQ(nearest("PLUGIN", {"plugin"}), "plugin");
 }
 

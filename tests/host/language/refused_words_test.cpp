@@ -108,13 +108,19 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
       {"Dim v As Variant\nPrint v.IsNull(1)",
        "2:9 wrong number of arguments for IsNull: found 2, expected IsNull(value as Variant) as Boolean"},
       {"Dim a() As CriticalSection\na.Sort",
-       "2:1 Sort orders numbers, texts and Variants, not CriticalSection; Sort(AddressOf …) orders them by a "
-       "Function that compares two"},
-      {"Dim a() As Ptr\na.Sort",
-       "2:1 Sort orders numbers, texts and Variants, not Ptr; Sort(AddressOf …) orders them by a Function "
+       "2:1 Sort orders numbers, texts and Variants, not CriticalSection; Sort(AddressOf …) takes a Function "
        "that compares two"},
-      {"Dim a() As Integer\nPrint a.IndexOf()", "2:9 expected 1 argument, found 0"},
-      {"Dim a() As Integer\nPrint a.IndexOf(1, 2, 3)", "2:9 expected 1 argument, found 3"},
+      {"Dim a() As Ptr\na.Sort",
+       "2:1 Sort orders numbers, texts and Variants, not Ptr; Sort(AddressOf …) takes a Function that "
+       "compares two"},
+      {"Dim a() As Integer\na.Sort(5)",
+       "2:8 Sort takes a Function that compares two elements: (a As Integer, b As Integer) As Integer"},
+      {"Function F(a As Integer, ByRef b As Integer) As Integer\nReturn 0\nEnd Function\nDim a() As Integer\n"
+       "a.Sort(AddressOf F)",
+       "5:8 Sort takes a Function that compares two elements: (a As Integer, b As Integer) As Integer"},
+      {"Dim a() As Integer\na.Sort(1, 2)", "2:3 expected 0 to 1 argument, found 2"},
+      {"Dim a() As Integer\nPrint a.IndexOf()", "2:9 expected 1 to 2 arguments, found 0"},
+      {"Dim a() As Integer\nPrint a.IndexOf(1, 2, 3)", "2:9 expected 1 to 2 arguments, found 3"},
       {"Dim a(1, 1) As Integer\na.Append(1)",
        "2:3 Append is for arrays of one dimension, not for Integer(,)"},
       {"Dim a(1, 1) As Integer\na.Appnd(1)", "2:3 an array has no member 'Appnd'"},
@@ -131,7 +137,7 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
       {"Dim a(1, 1) As Integer\nPrint a.Pop", "2:9 Pop is for arrays of one dimension, not for Integer(,)"},
       {"Dim a(1, 1) As Integer\nPrint a.IndexOf(1)",
        "2:9 IndexOf is for arrays of one dimension, not for Integer(,)"},
-      {"Dim a(1, 1) As Integer\nPrint a.Ubound(1, 2)", "2:9 expected 0 arguments, found 2"},
+      {"Dim a(1, 1) As Integer\nPrint a.Ubound(1, 2)", "2:9 expected 0 to 1 argument, found 2"},
       {"Dim a(1, 1) As Integer\nPrint Ubound(a, \"x\")",
        "2:17 expected Integer as the dimension, found String"},
       {"Dim a(1, 1) As String\nPrint Join(a, \"x\")",
@@ -140,7 +146,7 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
       {"Dim a() As Integer\nPrint a.IndexOf(\"x\")", "2:17 expected Integer as the element, found String"},
       {"Dim a() As Integer\nPrint a.IndexOf(1, \"x\")", "2:20 expected Integer as the start, found String"},
       {"Dim d As New Dictionary\nFor Each k As Variant In d\nNext",
-       "2:26 expected Variant() as what For Each goes through, found Dictionary"},
+       "2:26 For Each goes through arrays, not through a Dictionary; its keys are ….Keys"},
       {"Dim d As New Dictionary\nPrint d.Get(1)", "2:9 Dictionary has no member 'Get'"},
   });
 }

@@ -97,6 +97,13 @@ TEST(Operations, ReadFieldsInTheInstanceData) {
   EXPECT_TRUE(
       operation<bool(REALobject, const char*, RBInteger*)>("REALGetPropValueInteger")(handle, "raw", &read));
   EXPECT_EQ(read, 42);
+  auto* setInteger = operation<bool(REALobject, const char*, RBInteger)>("REALSetPropValueInteger");
+  EXPECT_TRUE(setInteger(handle, "RAW", -7));
+  EXPECT_TRUE(
+      operation<bool(REALobject, const char*, RBInteger*)>("REALGetPropValueInteger")(handle, "Raw", &read));
+  EXPECT_EQ(read, -7);
+  auto* setString = operation<bool(REALobject, const char*, REALstring)>("REALSetPropValueString");
+  EXPECT_FALSE(setString(handle, "Raw", nullptr)) << "it is no text";
   REALstring text = nullptr;
   EXPECT_FALSE(
       operation<bool(REALobject, const char*, REALstring*)>("REALGetPropValueString")(handle, "Raw", &text))
