@@ -447,23 +447,30 @@ TYPED_TEST(SharedSmallValues, AreGivenOutWithoutAReferenceWhereTheHostHasNone) {
   numbers.host.unlock(one);
 }
 
-// While an object is made, host code runs, which may make the same one: that is the shared one then, and the
-// other is its caller's alone.
-TYPED_TEST(SharedSmallValues, AreMadeWithinEachOther) {
-  NumberHost& numbers = this->numbers_;
-  FakeHost& host = numbers.host;
+// Two shared values, the second made while the host makes the first.
+template <typename Value>
+std::pair<REALobject, REALobject> madeWithinEachOther(NumberHost& numbers) {
+  static std::function<REALobject()> make;
   static REALobject inner;
   static bool within;
+  make = [&] { return numbers.template shared<Value>("one"); };
   inner = nullptr;
   within = false;
-  static std::function<REALobject()> make;
-  make = [&] { return numbers.template shared<TypeParam>("one"); };
-  host.offer(
+  numbers.host.offer(
       "PluginNewInstance", +[](const char* name) {
         if (!std::exchange(within, true)) inner = make();
         return FakeHost::current->makeObject(name);
       });
   const REALobject outer = make();
+  return {outer, inner};
+}
+
+// While an object is made, host code runs, which may make the same one: that is the shared one then, and the
+// other is its caller's alone.
+TYPED_TEST(SharedSmallValues, AreMadeWithinEachOther) {
+  NumberHost& numbers = this->numbers_;
+  FakeHost& host = numbers.host;
+  const auto [outer, inner] = madeWithinEachOther<TypeParam>(numbers);
   EXPECT_NE(outer, inner);
   EXPECT_EQ(numbers.references(outer), 1);
   EXPECT_EQ(numbers.references(inner), 2);
@@ -476,23 +483,12 @@ TYPED_TEST(SharedSmallValues, AreMadeWithinEachOtherWhereTheHostHasNoReferences)
   NumberHost& numbers = this->numbers_;
   FakeHost& host = numbers.host;
   host.withhold("REALLockObject");
-  static REALobject inner;
-  static bool within;
-  inner = nullptr;
-  within = false;
-  static std::function<REALobject()> make;
-  make = [&] { return numbers.template shared<TypeParam>("one"); };
-  host.offer(
-      "PluginNewInstance", +[](const char* name) {
-        if (!std::exchange(within, true)) inner = make();
-        return FakeHost::current->makeObject(name);
-      });
-  const REALobject outer = make();
+  const auto [outer, inner] = madeWithinEachOther<TypeParam>(numbers);
   EXPECT_NE(outer, inner);
   ASSERT_TRUE(host.isAlive(outer));
   EXPECT_EQ(numbers.references(outer), 1);
   EXPECT_EQ(numbers.references(inner), 1);
-  EXPECT_EQ(make(), inner) << "the one that was stored first";
+  EXPECT_EQ(numbers.template shared<TypeParam>("one"), inner) << "the one that was stored first";
   host.unlock(outer);
   host.lock(inner);  // the one that the caller should have got
   host.offer(
