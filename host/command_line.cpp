@@ -134,7 +134,7 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
   return failed ? programFailed : 0;
 }
 
-// Compiles each program; what is wrong with them is told in a line each, as editors read it.
+// Compiles each program; what is wrong with them goes to standard error, a line each, as editors read it.
 int check(const std::vector<std::string>& files) {
   int status = 0;
   for (const std::string& file : files) {

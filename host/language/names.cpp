@@ -397,12 +397,6 @@ void Names::failUnknown(const syntax::Name& name) const {
   for (const char* intrinsic : {"Str", "CStr", "ToString", "Ubound", "VarType", "Array"}) {
     known.push_back(intrinsic);
   }
-  if (const std::optional<Type> type = typeNamed(name.text)) {
-    throw UnknownName(name.position, name.text,
-                      nameOf(*type) + " is a type, not a function" +
-                          (isText(*type) ? "; Str(…) makes a text of a value"
-                                         : "; a value becomes one where it is assigned, a text by Val(…)"));
-  }
   throw UnknownName(name.position, name.text,
                     "unknown name '" + name.text + "'" + suggestion(name.text, known));
 }
