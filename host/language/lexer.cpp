@@ -208,10 +208,14 @@ class Lexer {
   void wrong(Position position, const std::string& message, bool endsTooEarly = false) {
     problems_.add(ProgramError(position, message, endsTooEarly));
   }
+  // Most of what is tried is not there, which its first character tells.
+  bool stands(std::string_view spelling) const {
+    return peek() == spelling.front() && text_.substr(at_).starts_with(spelling);
+  }
   template <typename Spellings>
   std::size_t lengthOfOne(const Spellings& spellings) const {  // of those that may stand here; 0: none does
     for (const std::string_view each : spellings) {
-      if (text_.substr(at_, each.size()) == each) return each.size();
+      if (stands(each)) return each.size();
     }
     return 0;
   }
@@ -220,7 +224,7 @@ class Lexer {
     if (!(c & 0x80)) return isWordPart(c);
     if (lengthOfOne(blanks) || lengthOfOne(doubleQuotes) || lengthOfOne(singleQuotes)) return false;
     for (const auto& each : mistaken) {
-      if (text_.substr(at_, each.found.size()) == each.found) return false;
+      if (stands(each.found)) return false;
     }
     return true;
   }
@@ -393,14 +397,14 @@ class Lexer {
       return;
     }
     for (const auto& each : mistaken) {
-      if (!text_.substr(at_).starts_with(each.found)) continue;
+      if (!stands(each.found)) continue;
       wrong(here(), "there is no '" + std::string(each.found) + "'; write '" + std::string(each.meant) + "'");
       if (each.symbol != Symbol::none) add(each.symbol);
       at_ += each.found.size();
       return;
     }
     for (const auto& each : symbols) {
-      if (!text_.substr(at_).starts_with(each.spelling)) continue;
+      if (!stands(each.spelling)) continue;
       add(each.symbol);
       at_ += each.spelling.size();
       return;

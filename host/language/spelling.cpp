@@ -97,6 +97,9 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
   std::string best;
   std::size_t bestDistance = name.size() / 3 + 1;
   for (const std::string& candidate : candidates) {
+    // No nearer than their lengths.
+    const std::size_t shorter = std::min(wanted.size(), candidate.size());
+    if (std::max(wanted.size(), candidate.size()) - shorter >= bestDistance) continue;
     const std::size_t each = distanceBetween(wanted, lowerCase(candidate));
     if (each < bestDistance) {
       bestDistance = each;
