@@ -18,7 +18,7 @@ class Parser {
     Program program;
     const Nesting nesting(depth_, tokens_);
     while (tokens_.skipLineEnds(), tokens_.peek().kind != TokenKind::endOfText) {
-      if (!declarations_.declared(program.declared)) statements_.lineInto(program.main);
+      if (!declarations_.declared(program.declared, program.main)) statements_.lineInto(program.main);
     }
     return program;
   }

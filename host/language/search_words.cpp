@@ -135,6 +135,10 @@ REALstring join(REALarray parts, REALstring delimiter) {
   });
 }
 
+REALstring joinAtBlanks(REALarray parts) {
+  return asPending([&] { return join(parts, reinterpret_cast<REALstring>(makeText(" ").get())); });
+}
+
 RBInteger compare(REALstring a, REALstring b) { return compareText(textOf(a), textOf(b)); }
 RBInteger strComp(REALstring a, REALstring b, RBInteger mode) {
   if (mode != 0) return compare(a, b);
@@ -163,6 +167,7 @@ void registerSearchWords() {
       hostMethod("Split(s as String, delimiter as String) as String()", &split),
       hostMethod("ToArray(s as String, delimiter as String) as String()", &split),
       hostMethod("Join(parts() as String, delimiter as String) as String", &join),
+      hostMethod("Join(parts() as String) as String", &joinAtBlanks),
       hostMethod("Compare(s as String, other as String) as Integer", &compare),
       hostMethod("StrComp(s as String, other as String, mode as Integer = 1) as Integer", &strComp),
   };
