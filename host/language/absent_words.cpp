@@ -96,7 +96,6 @@ const std::vector<MemberTopic>& memberTopics() {
       {"Array", {{"Clone"}, "append its elements to a new array, one by one"}},
       {"Array", {{"FirstIndex", "FirstRowIndex"}, "the first index is 0"}},
       {"String", {{"StartsWith"}, "write BeginsWith"}},
-      {"String", {{"Characters"}, "write Split(s, \"\")"}},
       {"String", {{"ReplaceLineEndings"}, "write ReplaceAll(s, EndOfLine, …)"}},
       {"String", {{"PadLeft", "PadRight", "Reverse", "Repeat"}, "write a Function of its own with Extends"}},
       {"Variant", {{"TypeInteger"}, "an Integer is a Variant.TypeInt64, an Int32 a Variant.TypeInt32"}},

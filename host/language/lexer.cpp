@@ -385,7 +385,7 @@ class Lexer {
     };
     for (at_ += curly ? curly : 1;; ++at_) {
       if (peek() == '\n' || at_ >= text_.size()) {
-        wrong(token.position, "the text is not closed by a quote");
+        if (lineOfUnexpected_ != line_) wrong(token.position, "the text is not closed by a quote");
         break;
       }
       if (const std::size_t length = quote()) {
@@ -494,8 +494,10 @@ class Lexer {
       at_ = text_.size();
       return;
     }
-    wrong(here(), std::string("unexpected character '") + peek() + "'" +
-                      (peek() == ';' ? "; texts are joined with '+'" : ""));
+    if (std::exchange(lineOfUnexpected_, line_) != line_) {
+      wrong(here(), std::string("unexpected character '") + peek() + "'" +
+                        (peek() == ';' ? "; texts are joined with '+'" : ""));
+    }
     ++at_;
   }
 
@@ -503,10 +505,11 @@ class Lexer {
   Problems& problems_;
   std::size_t at_ = 0, lineStart_ = 0;
   int line_ = 1;
-  int openParentheses_ = 0;  // in this line
-  bool hasPairs_ = false;    // this line
-  bool inBraces_ = false;    // this line, what should be in Array(…)
-  int openDirectives_ = 0;   // how many #If stand around this
+  int openParentheses_ = 0;   // in this line
+  bool hasPairs_ = false;     // this line
+  bool inBraces_ = false;     // this line, what should be in Array(…)
+  int lineOfUnexpected_ = 0;  // the last one in which a character was found that means nothing
+  int openDirectives_ = 0;    // how many #If stand around this
   std::vector<Token> tokens_;
 };
 

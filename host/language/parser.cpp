@@ -12,7 +12,7 @@ using namespace syntax;
 class Parser {
  public:
   Parser(std::string_view text, bool interactive, Problems& problems)
-      : tokens_(text, problems), statements_(tokens_, depth_, expressions_, interactive) {}
+      : tokens_(text, !interactive, problems), statements_(tokens_, depth_, expressions_, interactive) {}
 
   Program program() {
     Program program;

@@ -122,6 +122,7 @@ REALarray split(REALstring s, REALstring separator) {
 REALarray splitAtBlanks(REALstring s) {
   return asPending([&] { return split(s, reinterpret_cast<REALstring>(makeText(" ").get())); });
 }
+REALarray charactersOf(REALstring s) { return split(s, nullptr); }
 REALstring join(REALarray parts, REALstring delimiter) {
   return asPending([&] {
     std::string text;
@@ -166,6 +167,7 @@ void registerSearchWords() {
       hostMethod("Split(s as String) as String()", &splitAtBlanks),
       hostMethod("Split(s as String, delimiter as String) as String()", &split),
       hostMethod("ToArray(s as String, delimiter as String) as String()", &split),
+      hostMethod("Characters(s as String) as String()", &charactersOf),
       hostMethod("Join(parts() as String, delimiter as String) as String", &join),
       hostMethod("Join(parts() as String) as String", &joinAtBlanks),
       hostMethod("Compare(s as String, other as String) as Integer", &compare),

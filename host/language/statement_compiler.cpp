@@ -253,6 +253,7 @@ void StatementCompiler::compile(const syntax::Raise& raised, Position position, 
 void StatementCompiler::compile(const syntax::Return& returned, Position position, Block& block) {
   const bool isFunction = sub_ && sub_->result.kind != Kind::None;
   if (!returned.value) {
+    if (isFunction && problems_.isExpected(sub_->name)) throw FollowsFromAnother(position);
     if (isFunction) fail(position, "Return needs " + withArticle(nameOf(sub_->result)));
     block.statements.push_back(jump(position, Flow::leave));
     return;

@@ -51,6 +51,15 @@ bool StatementParser::accept(BlockEnd end) {
   return true;
 }
 
+// End alone, which means the innermost block.
+bool StatementParser::acceptBareEnd(BlockEnd end) {
+  const bool isBare = tokens_.is(Keyword::endWord) && tokens_.peek(1).kind == TokenKind::endOfLine;
+  if (!isBare || end.first != Keyword::endWord) return false;
+  tokens_.problems.add(ProgramError(tokens_.peek().position, "write '" + spelled(end) + "'"));
+  tokens_.take();
+  return true;
+}
+
 bool StatementParser::atOneOf(const std::vector<BlockEnd>& ends) const {
   return std::any_of(ends.begin(), ends.end(), [&](const BlockEnd& end) { return at(end); });
 }
@@ -213,12 +222,28 @@ Print StatementParser::print() {
   return printed;
 }
 
+// Blocks that this host has not are passed over as a whole, so that they are one mistake.
+void StatementParser::failForForeignBlock() {
+  const Token& word = tokens_.peek();
+  const bool isForeign = sameName(word.text, "With") || sameName(word.text, "Using");
+  if (!isForeign || tokens_.peek(1).kind != TokenKind::word) return;
+  std::size_t ahead = 0;
+  while (!tokens_.is(Keyword::endWord, ahead) || !sameName(tokens_.peek(ahead + 1).text, word.text)) {
+    if (tokens_.peek(++ahead).kind == TokenKind::endOfText) return;
+  }
+  const Position position = word.position;
+  const std::string message = "unknown name '" + word.text + "'" + absent(word.text);
+  for (; ahead > 0; --ahead) tokens_.take();
+  fail(position, message);
+}
+
 // A call, an assignment, or an expression.
 Statement StatementParser::simple() {
   const Position position = tokens_.peek().position;
   if (sameName(tokens_.peek().text, "GoTo") && tokens_.peek(1).kind == TokenKind::word) {
     tokens_.problems.expectUnknown(tokens_.peek(1).text);  // a label
   }
+  failForForeignBlock();
   Expression target = expressions_.chain();
   static constexpr std::pair<Symbol, std::optional<Operator>> assignments[] = {
       {Symbol::equal, std::nullopt},

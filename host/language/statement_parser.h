@@ -47,6 +47,7 @@ class StatementParser {
     const Nesting nesting(depth_, tokens_);
     open_.push_back({opener, ends});
     while (tokens_.skipLineEnds(), !atOneOf(open_.back().ends)) {
+      if (acceptBareEnd(*ends.begin())) break;
       if (atOuterEnd(holds) || !read()) {
         reportMissing(opener, *ends.begin());
         break;
@@ -59,6 +60,7 @@ class StatementParser {
  private:
   syntax::Statement line();
   bool at(BlockEnd end) const;
+  bool acceptBareEnd(BlockEnd end);
   bool atOneOf(const std::vector<BlockEnd>& ends) const;
   syntax::Block block(const Opener& opener, BlockEnds ends);
   bool atOuterEnd(Holds holds) const;
@@ -69,6 +71,7 @@ class StatementParser {
   syntax::Block alone();  // one statement
   syntax::Statement statement();
   syntax::Statement simple();
+  void failForForeignBlock();
   static bool isNamed(const syntax::Expression& expression);
   bool atBareArgument() const;
   std::optional<syntax::Expression> valueIfAny();

@@ -71,3 +71,13 @@ Sub TwoElses(a As Integer)
 End Sub
 Wend
 Wend
+Dim d As New Dictionary
+With d
+  .Value("a") = 1
+  If True Then
+    .Value("b") = 2
+  End If
+End With
+Using d
+  Print d.Count
+End Using

@@ -32,4 +32,7 @@ Print Str(BitAnd(15, 7, 12)) + " " + Str(Bitwise.BitOr(1, 2, 4, 8)) + " " + Str(
 Print Str(Min(4, 2.5, 3)) + " " + Str(Max(1, 7, 3, 5)) + " " + Str(Min(3, 2, 1))
 Print Join(Array("a", "b"))
 Print Join(Data.Words)
+For Each c As String In "né".Characters
+  Print c
+Next
 Print Hex(AscB("né".MidB(3))) + Hex(AscB(RightBytes("né", 1))) + " " + LeftB("abc", 2) + " " + "abc".MiddleBytes(1, 1) + " [" + "a".MidB(9) + RightB("a", -1) + LeftB("", 3) + "] " + RightB("abc", 9)
