@@ -2,7 +2,6 @@
 #include "language/absent_words.h"
 
 #include <algorithm>
-#include <cctype>
 #include <vector>
 
 #include "runtime/name.h"
@@ -27,7 +26,7 @@ const std::vector<Topic>& topics() {
        "time with Microseconds or Ticks"},
       {{"JSONItem", "ParseJSON", "GenerateJSON", "JSONException"},
        "this host has no JSON; keep values in a Dictionary, and take texts apart with Split and NthField"},
-      {{"Input"}, "this host reads no input; give the variables their values in the program"},
+      {{"Input", "InputBox"}, "this host reads no input; give the variables their values in the program"},
       {{"GoTo", "GoSub"}, "this host has no jumps; use a loop with Exit and Continue, or a Sub with Return"},
       {{"RegEx", "RegExMatch"},
        "this host has no regular expressions; use IndexOf, Split, NthField and ReplaceAll"},
@@ -97,12 +96,9 @@ const std::vector<MemberTopic>& memberTopics() {
       {"Array", {{"Clone"}, "append its elements to a new array, one by one"}},
       {"Array", {{"FirstIndex", "FirstRowIndex"}, "the first index is 0"}},
       {"String", {{"StartsWith"}, "write BeginsWith"}},
-      {"String", {{"Characters"}, "write Split(s, \"\")"}},
-      {"String",
-       {{"LeftBytes", "RightBytes", "MiddleBytes", "LeftB", "MidB", "RightB"},
-        "write Left, Right or Middle, or use a MemoryBlock for bytes"}},
       {"String", {{"ReplaceLineEndings"}, "write ReplaceAll(s, EndOfLine, …)"}},
       {"String", {{"PadLeft", "PadRight", "Reverse", "Repeat"}, "write a Function of its own with Extends"}},
+      {"Variant", {{"TypeInteger"}, "an Integer is a Variant.TypeInt64, an Int32 a Variant.TypeInt32"}},
       {"RuntimeException", {{"Reason"}, "write Message"}},
       {"RuntimeException", {{"Stack", "StackFrames"}, "what nothing catches is reported with its calls"}},
       {"Integer", {{"ToHex"}, "write Hex(value)"}},
@@ -128,12 +124,6 @@ std::string absentMember(std::string_view owner, std::string_view name) {
     if (sameName(of, owner) && hasName(members.names, name)) return "; " + std::string(members.advice);
   }
   return "";
-}
-
-std::string absentDirective(std::string_view text) {
-  if (text.starts_with(';')) return "; texts are joined with '+'";
-  const bool isOne = text.size() > 1 && text[0] == '#' && std::isalpha(static_cast<unsigned char>(text[1]));
-  return isOne ? "; this host has no compiler directives; use Const and If" : "";
 }
 
 }  // namespace host

@@ -12,7 +12,4 @@ std::string absent(std::string_view name);
 // The same of a member, by what it is a member of: a class, "Array", "String", "Integer" or "Double".
 std::string absentMember(std::string_view owner, std::string_view name);
 
-// The same of text that begins nothing in this host's programs, such as "#If".
-std::string absentDirective(std::string_view text);
-
 }  // namespace host

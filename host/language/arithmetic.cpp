@@ -153,6 +153,27 @@ Ref<Heap> joined(const Text* a, const Text* b) {
   return makeText(bytes, a ? a->encoding : b ? b->encoding : encoding::utf8);
 }
 
+struct JoinedText final : Expression {
+  JoinedText(Expr first, Expr second)
+      : Expression({Kind::String}), left(std::move(first)), right(std::move(second)) {}
+  Ref<Heap> reference(Frame& frame) const override {
+    const Ref<Heap> first = left->reference(frame);
+    const Ref<Heap> second = right->reference(frame);
+    return joined(static_cast<const Text*>(first.get()), static_cast<const Text*>(second.get()));
+  }
+  Expr left, right;
+};
+
+// What is meant for a reader, and no number.
+bool isProse(const Expression& text) {
+  if (dynamic_cast<const JoinedText*>(&text)) return true;
+  if (!isText(text.type) || !text.isLiteral) return false;
+  Frame none;
+  const Ref<Heap> value = text.reference(none);
+  const std::string bytes = utf8Of(static_cast<const Text*>(value.get()));
+  return bytes.find_first_not_of("+-0123456789 ") != std::string::npos || bytes.empty();
+}
+
 // One unsigned 64-bit operand makes the other one too; literals go with the other operand.
 bool isUnsignedTogether(const Expression& left, const Expression& right) {
   const auto decides = [](const Expression& one, const Expression& other) {
@@ -169,17 +190,20 @@ Expr arithmetic(Operator op, Expr left, Expr right, Position position) {
     OperatorMember member;
     member.consider(*left, *right, memberOf(op), false);
     member.consider(*right, *left, std::string(memberOf(op)) + "Right", true);
+    if (member.method && op == Operator::add && (isProse(*left) || isProse(*right))) {
+      const Expression& object = *(isProse(*left) ? right : left);
+      if (isPlainObject(member.method->declaration.parameters[0].type)) {
+        warn(position, "this adds numbers, for which the text is read as one; Str(…) makes a text of the " +
+                           nameOf(object.type));
+      }
+    }
     if (member.method) return member.call(left, right);
     left = plainValue(std::move(left));
     right = plainValue(std::move(right));
   }
   const Type l = left->type, r = right->type;
   if (op == Operator::add && isText(l) && isText(r)) {
-    return referenceNode({Kind::String}, [left = std::move(left), right = std::move(right)](Frame& f) {
-      const Ref<Heap> first = left->reference(f);
-      const Ref<Heap> second = right->reference(f);
-      return joined(static_cast<const Text*>(first.get()), static_cast<const Text*>(second.get()));
-    });
+    return std::make_unique<JoinedText>(std::move(left), std::move(right));
   }
   if (isVariant(l) || isVariant(r)) {
     left = convertTo(std::move(left), {Kind::Variant}, "an operand");
@@ -191,8 +215,10 @@ Expr arithmetic(Operator op, Expr left, Expr right, Position position) {
   }
   if (!l.isNumber() || !r.isNumber()) {
     const bool joins = op == Operator::add && (isText(l) || isText(r));
-    fail(position, std::string("there is no operator '") + nameOf(op) + "' for " + nameOf(l) + " and " +
-                       nameOf(r) + (joins ? "; Str(…) makes a text of a number" : ""));
+    const std::string message = std::string("there is no operator '") + nameOf(op) + "' for " + nameOf(l) +
+                                " and " + nameOf(r) + (joins ? "; Str(…) makes a text of a number" : "");
+    if (isPlainObject(l) || isPlainObject(r)) throw WrongUse(position, memberOf(op), message);
+    fail(position, message);
   }
   const bool needsIntegers = op == Operator::integerDivide || op == Operator::modulo;
   const bool integers = l.isInteger() && r.isInteger() && op != Operator::divide && op != Operator::power;

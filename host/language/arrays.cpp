@@ -183,7 +183,7 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
   }
   std::string advice = absentMember("Array", callee.name);
   if (advice.empty()) advice = suggestion(callee.name, arrayMembers(array->type));
-  fail(callee.position, "an array has no member '" + callee.name + "'" + advice);
+  throw WrongUse(callee.position, callee.name, "an array has no member '" + callee.name + "'" + advice);
 }
 
 Expr newArray(Type type, Exprs upperBounds) {

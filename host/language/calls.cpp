@@ -148,10 +148,14 @@ Expr callMethod(const std::vector<const Method*>& candidates, const Callee& call
   if (candidates.size() == 1 && candidates[0]->isOwn) {  // what does not fit is said of each argument
     const Method& only = *candidates[0];
     checkCount(only.declaration.parameters, {only.declaration.name, callee.position}, arguments);
-    return invoke(
-        only, std::move(self),
-        passedTo(only.declaration.parameters, {only.declaration.name, callee.position}, std::move(arguments)),
-        callee.member);
+    std::vector<Passed> passed;
+    try {
+      passed = passedTo(only.declaration.parameters, {only.declaration.name, callee.position},
+                        std::move(arguments));
+    } catch (const ProgramError& error) {  // another one of that name may be meant, which is wrong itself
+      throw WrongUse(error.position, callee.name, error.what());
+    }
+    return invoke(only, std::move(self), std::move(passed), callee.member);
   }
   const Method& method = nearestOf(candidates, callee, arguments, resultUnused);
   checkParameters(method, callee.position);

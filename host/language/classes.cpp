@@ -2,6 +2,8 @@
 #include "language/classes.h"
 
 #include <algorithm>
+#include <unordered_map>
+#include <utility>
 
 #include "language/fields.h"
 #include "language/invocation.h"
@@ -16,20 +18,65 @@ namespace {
 
 Slot selfIn(const Slot* arguments) { return {.heap = arguments[0].heap}; }
 
+// A Destructor may make objects that have one, which may make others, and so on. So many may run for objects
+// that were made by Destructors of such objects, before the thread goes on; then none does any more.
+constexpr int mostOfLater = 10000;
+struct Destructors {
+  int running = 0;
+  int later = 0;    // how many Destructors were needed to make the object whose one runs
+  int ofLater = 0;  // how many have run where these were two and more
+  std::unordered_map<const Heap*, int>* laterOf = nullptr;  // of objects that Destructors have made
+};
+constinit thread_local Destructors destructors;
+
+void countAsLater(const Heap* object) {
+  if (!destructors.laterOf) destructors.laterOf = new std::unordered_map<const Heap*, int>;
+  (*destructors.laterOf)[object] = destructors.later + 1;
+}
+
 Slot initialize(const void* own, const Slot* arguments) {
   const auto& made = *static_cast<const OwnClass*>(own);
   const Slot self = selfIn(arguments);
+  if (destructors.running > 0 && made.destruction) countAsLater(self.heap);
   if (made.initial) callSub(*made.initial, &self);
   return {};
 }
+
+class RunningDestructor {
+ public:
+  explicit RunningDestructor(const Heap& object) : before_(destructors.later) {
+    ++destructors.running;
+    destructors.later = 0;
+    if (!destructors.laterOf) return;
+    const auto found = destructors.laterOf->find(&object);
+    if (found != destructors.laterOf->end()) destructors.later = found->second;
+  }
+  ~RunningDestructor() {
+    destructors.later = before_;
+    if (--destructors.running > 0 || anyDestructionIsPutOff()) return;
+    delete std::exchange(destructors.laterOf, nullptr);
+    destructors.ofLater = 0;
+  }
+  RunningDestructor(const RunningDestructor&) = delete;
+  RunningDestructor& operator=(const RunningDestructor&) = delete;
+
+ private:
+  const int before_;
+};
 
 // The Destructor runs with a reference to the object, as any method does; one that is left over afterwards
 // keeps it alive.
 bool runDestructor(const OwnClass& made, Heap& object) {
   if (!made.destruction) return true;
+  const RunningDestructor running(object);
+  if (destructors.later > 1 && destructors.ofLater > mostOfLater) return true;
   object.references.store(1, std::memory_order_relaxed);
   const Slot self = {.heap = &object};
   try {
+    if (destructors.later > 1 && ++destructors.ofLater > mostOfLater) {
+      throw HostException("StackOverflowException",
+                          "Destructors make objects whose Destructors make others, without end.");
+    }
     callSub(*made.destruction->sub, &self);
   } catch (const HostException& exception) {  // whoever let go of the object has nothing to do with it
     reportUncaught(exception);
@@ -214,6 +261,9 @@ void ClassMembers::addMethod(const syntax::Sub& parsed) {
     if (sameName(declared.name, "Constructor")) made_.hasWrongConstructor = true;
     return;
   }
+  for (const syntax::TypeName& each : parsed.implements) {
+    problems_.attempt([&] { checkImplemented(each); });
+  }
   problems_.attempt([&] {
     checkOperator(declared);
     if (sameName(declared.name, "Destructor")) {
@@ -222,6 +272,21 @@ void ClassMembers::addMethod(const syntax::Sub& parsed) {
       addOwn(declared, parsed);
     }
   });
+}
+
+// That the class has the interface for which a method says that it is there.
+void ClassMembers::checkImplemented(const syntax::TypeName& name) const {
+  const Type type = names_.typeOf(name);
+  if (!isPlainObject(type) || !type.objectClass || !type.objectClass->isInterface) {
+    fail(name.position, "expected an interface, found " + nameOf(type));
+  }
+  for (const Class* each = &made_; each; each = each->super) {
+    for (const Class* has : each->interfaces) {
+      if (has->isA(*type.objectClass)) return;
+    }
+  }
+  fail(name.position, made_.name + " does not implement " + name.text + "; write Implements " + name.text +
+                          " in a line below that of the Class");
 }
 
 void ClassMembers::addDestructor(Sub& sub, const syntax::Sub& parsed) {

@@ -26,6 +26,7 @@ class ClassMembers {
 
  private:
   const Method* addAccessor(const syntax::Sub& parsed, const std::string& name);
+  void checkImplemented(const syntax::TypeName& name) const;
   void addDestructor(Sub& sub, const syntax::Sub& parsed);
   void addOwn(Sub& sub, const syntax::Sub& parsed);
   void findPlace(Method& method, const std::string& name, const std::vector<const Method*>& above);

@@ -91,7 +91,8 @@ Expr compareObjects(Operator op, Expr& left, Expr& right, Position position) {
   }
   const Type l = left->type, r = right->type;
   if ((declaresCompare(*left) || declaresCompare(*right)) && isPlainObject(l) && isPlainObject(r)) {
-    fail(position, withArticle(nameOf(l)) + " cannot be compared with " + withArticle(nameOf(r)));
+    throw WrongUse(position, "Operator_Compare",
+                   withArticle(nameOf(l)) + " cannot be compared with " + withArticle(nameOf(r)));
   }
   const auto isObjectOrNil = [](Type type) { return isPlainObject(type) || type.kind == Kind::Nil; };
   const bool forIdentity = op == Operator::equal || op == Operator::unequal;
@@ -154,7 +155,8 @@ Expr comparison(Operator op, Expr left, Expr right, Position position) {
     return compareIntegers<std::uint64_t>(op, std::move(left), std::move(right));
   }
   if (!l.isNumber() || !r.isNumber()) {
-    fail(position, withArticle(nameOf(l)) + " cannot be compared with " + withArticle(nameOf(r)));
+    throw WrongUse(position, isPlainObject(l) || isPlainObject(r) ? "Operator_Compare" : " ",
+                   withArticle(nameOf(l)) + " cannot be compared with " + withArticle(nameOf(r)));
   }
   if (l.isInteger() && r.isInteger()) {
     const bool lWord = l.kind == Kind::UInt64, rWord = r.kind == Kind::UInt64;

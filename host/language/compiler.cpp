@@ -16,6 +16,7 @@ Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool inte
   main.file = module.file;
   declarer.compileStart(main.locals, main.body);
   Names names(module, main.locals, true, interactive);
+  names.setBody(parsed.main);
   Block body = StatementCompiler(names, nullptr, interactive, problems).block(parsed.main);
   for (Stmt& each : body.statements) main.body.statements.push_back(std::move(each));
   declarer.compileBodies();

@@ -186,7 +186,9 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
                                                : "the address of a method; a Delegate's type can hold it"
                               : from.kind == Kind::None ? "something without a value"
                                                         : nameOf(from);
-    fail(position, "expected " + nameOf(type) + " as " + what + ", found " + found);
+    const std::string message = "expected " + nameOf(type) + " as " + what + ", found " + found;
+    if (isPlainObject(type) || isPlainObject(from)) throw WrongUse(position, "Operator_Convert", message);
+    fail(position, message);
   }
   if (const MethodReference* reference = value->methodReference()) {
     const Method& method = *reference->fitting(*type.objectClass->signature);

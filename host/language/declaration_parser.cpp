@@ -20,7 +20,7 @@ bool DeclarationParser::atWord(const char* word) const {
   return tokens_.peek().kind == TokenKind::word && sameName(tokens_.peek().text, word);
 }
 
-bool DeclarationParser::declared(Members& into) {
+bool DeclarationParser::declared(Members& into, syntax::Block& variables) {
   bool found = true;
   tokens_.part([&] {
     const std::size_t start = tokens_.place();
@@ -30,8 +30,17 @@ bool DeclarationParser::declared(Members& into) {
       found = false;
       return;
     }
-    tokens_.failExpecting(
-        "a Sub, Function, Class, Module or Enum; variables outside of modules are declared with Dim");
+    // Whatever stands in front of it, all of the program sees it.
+    const Position position = tokens_.peek().position;
+    if (tokens_.is(Keyword::constWord) || tokens_.is(Keyword::dimWord) || tokens_.is(Keyword::varWord)) {
+      found = false;
+    } else if (tokens_.peek().kind == TokenKind::word && !isReserved(tokens_.peek().keyword)) {
+      if (opens(Keyword::propertyWord) && !tokens_.is(Keyword::asWord, 1)) tokens_.take();
+      variables.push_back({position, statements_.dim()});
+      tokens_.expectLineEnd("after the declaration");
+    } else {
+      tokens_.failExpecting("a Sub, Function, Class, Module, Enum, Const or variable");
+    }
   });
   return found;
 }
@@ -91,8 +100,22 @@ void DeclarationParser::skipTo(const std::string& end) {
   for (; ahead > 0; --ahead) tokens_.take();
 }
 
+// Attributes(…), which only tell others what to think of what follows.
+void DeclarationParser::skipAttributes() {
+  while (atWord("Attributes") && tokens_.is(Symbol::open, 1)) {
+    std::size_t ahead = 1;
+    for (int open = 0; tokens_.peek(ahead).kind != TokenKind::endOfLine; ++ahead) {
+      if (tokens_.is(Symbol::open, ahead)) ++open;
+      if (tokens_.is(Symbol::close, ahead) && --open == 0) break;
+    }
+    if (tokens_.peek(ahead + 1).kind != TokenKind::word) return;
+    for (++ahead; ahead > 0; --ahead) tokens_.take();
+  }
+}
+
 Modifiers DeclarationParser::modifiers() {
   Modifiers given;
+  skipAttributes();
   while (tokens_.peek(1).kind == TokenKind::word && !tokens_.is(Keyword::asWord, 1)) {
     if (tokens_.accept(Keyword::privateWord)) {
       given.access = Access::self;
@@ -106,6 +129,7 @@ Modifiers DeclarationParser::modifiers() {
     } else if (!tokens_.accept(Keyword::publicWord) && !tokens_.accept(Keyword::globalWord)) {
       break;
     }
+    skipAttributes();
   }
   return given;
 }
@@ -120,7 +144,13 @@ void DeclarationParser::members(const Opener& opener, Members& into) {
   const BlockEnd end{Keyword::endWord, opener.word};
   statements_.linesUntil(opener, {end}, StatementParser::Holds::declarations,
                          [&] { return memberLine(opener.word, into); });
-  statements_.accept(end);
+  if (statements_.accept(end)) return;
+  // What stands behind the place where it should end may have been taken for its members.
+  for (const syntax::Property& each : into.properties) tokens_.problems.expectUnknown(each.name.text);
+  for (const syntax::Sub& each : into.subs) tokens_.problems.expectUnknown(each.name.text);
+  for (const syntax::Class& each : into.classes) tokens_.problems.expectUnknown(each.name.text);
+  for (const syntax::Module& each : into.modules) tokens_.problems.expectUnknown(each.name.text);
+  for (const syntax::Enum& each : into.enums) tokens_.problems.expectUnknown(each.name.text);
 }
 
 // One line with what it opens; false where it is no member, and none will follow.
@@ -206,8 +236,30 @@ void DeclarationParser::head(syntax::Sub& sub, bool isFunction) {
   if (isFunction) {
     tokens_.expect(Keyword::asWord, "and a type after the Function " + sub.name.text);
     sub.result = tokens_.takeType();
+  } else if (tokens_.is(Keyword::asWord)) {
+    tokens_.failHere("a Sub gives no value; write Function " + sub.name.text + "(…) As …");
+  }
+  if (inType_ && tokens_.accept(Keyword::implementsWord)) {
+    do {
+      sub.implements.push_back(implemented(sub.name.text));
+    } while (tokens_.accept(Symbol::comma));
   }
   tokens_.expectLineEnd("after the declaration of " + sub.name.text);
+}
+
+// Interface.Method behind the head of a method: the interface, as the method is found by its name anyway.
+syntax::TypeName DeclarationParser::implemented(const std::string& method) {
+  syntax::TypeName named = tokens_.takeType();
+  const std::size_t dot = named.text.rfind('.');
+  if (dot == std::string::npos) {
+    fail(named.position,
+         "expected the method of an interface after Implements, such as " + named.text + "." + method);
+  }
+  if (const std::string wanted = named.text.substr(dot + 1); !sameName(wanted, method)) {
+    fail(named.position, "a method implements the one of its own name; call it " + wanted);
+  }
+  named.text.resize(dot);
+  return named;
 }
 
 syntax::Sub::Parameter DeclarationParser::parameter(const std::vector<syntax::Sub::Parameter>& before) {
@@ -312,7 +364,21 @@ void DeclarationParser::module(Members& into) {
     tokens_.expectLineEnd("after the Module " + made.name.text);
   });
   members(opener, made.members);
+  becomeSubs(made.members);
   if (isRead) into.modules.push_back(std::move(made));
+}
+
+// What a module computes in the place of a variable is a Function, and a Sub that is assigned to.
+void DeclarationParser::becomeSubs(Members& members) {
+  for (syntax::Property& each : members.properties) {
+    for (std::optional<syntax::Sub>* accessor : {&each.get, &each.set}) {
+      if (!*accessor) continue;
+      (*accessor)->name.position = each.name.position;
+      if (accessor == &each.set) (*accessor)->parameters.front().taking = Taking::assigned;
+      members.subs.push_back(std::move(**accessor));
+    }
+  }
+  std::erase_if(members.properties, [](const syntax::Property& each) { return each.get || each.set; });
 }
 
 // Inherits and Implements stand in the line of the class or in lines of their own.
@@ -407,9 +473,15 @@ void DeclarationParser::properties(const Modifiers& given, Members& into) {
 // Get or Set alone in the next line, which makes it a computed property.
 bool DeclarationParser::atAccessor() const {
   if (!tokens_.atLineEnd()) return false;
-  const bool opened = tokens_.is(Symbol::open, 2) && tokens_.is(Keyword::setWord, 1);
-  return (tokens_.is(Keyword::getWord, 1) || tokens_.is(Keyword::setWord, 1)) &&
-         (opened || tokens_.peek(2).kind == TokenKind::endOfLine);
+  const std::size_t word = atAccess(1) ? 2 : 1;
+  const bool opened = tokens_.is(Symbol::open, word + 1) && tokens_.is(Keyword::setWord, word);
+  return (tokens_.is(Keyword::getWord, word) || tokens_.is(Keyword::setWord, word)) &&
+         (opened || tokens_.peek(word + 1).kind == TokenKind::endOfLine);
+}
+
+bool DeclarationParser::atAccess(std::size_t ahead) const {
+  return tokens_.is(Keyword::privateWord, ahead) || tokens_.is(Keyword::protectedWord, ahead) ||
+         tokens_.is(Keyword::publicWord, ahead);
 }
 
 void DeclarationParser::accessors(syntax::Property& made) {
@@ -425,6 +497,15 @@ void DeclarationParser::accessors(syntax::Property& made) {
 
 // One of them; false where something else is declared.
 bool DeclarationParser::accessor(syntax::Property& made) {
+  if (atAccess(0) && (tokens_.is(Keyword::getWord, 1) || tokens_.is(Keyword::setWord, 1))) {
+    const Token& access = tokens_.take();
+    tokens_.problems.add(ProgramError(
+        access.position, "Get and Set are for all who see the Property; leave out " + access.text +
+                             (tokens_.is(Keyword::setWord)
+                                  ? ", and write a Sub of its own, such as " + access.text + " Sub Set" +
+                                        made.name.text + "(value As " + made.type.text + ")"
+                                  : ", and write a Function of its own")));
+  }
   const Opener opener{tokens_.peek().keyword, tokens_.peek().position};
   const bool isGet = opener.word == Keyword::getWord;
   if (!isGet && opener.word != Keyword::setWord) {

@@ -50,6 +50,7 @@ class Declarer::Work {
     for (const Body& each : bodies_) {
       Sub& sub = *each.sub;
       Names names(module_, sub.locals, false, false, {each.space, sub.hasSelf});
+      names.setBody(each.parsed->body);
       for (const Parameter& parameter : sub.parameters) names.declareParameter(parameter, sub.position);
       sub.body = StatementCompiler(names, &sub, false, problems_).counted(each.parsed->body);
       if (each.parsed->result && !endsAlways(each.parsed->body)) {
@@ -290,6 +291,9 @@ class Declarer::Work {
     std::vector<const Method*>& all = space.subs[key];
     Method& method = newMethod(module_.allMethods, sub, parsed);
     problems_.attempt([&] {
+      if (!parsed.implements.empty()) {
+        fail(parsed.implements[0].position, "only a method of a class implements that of an interface");
+      }
       for (const Method* other : all) {
         if (sameParameters(*other, method)) {
           fail(sub.position, "there is another Sub or Function " + sub.name + " already");

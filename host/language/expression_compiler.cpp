@@ -1,6 +1,9 @@
 // Expressions: which variable, Sub, class, module or function a name stands for, and which member follows.
 #include "language/expression_compiler.h"
 
+#include <algorithm>
+#include <iterator>
+
 #include "language/absent_words.h"
 #include "language/arrays.h"
 #include "language/calls.h"
@@ -269,9 +272,11 @@ Expr ExpressionCompiler::elements(Expr value, Position start, const Arguments& i
     }
   }
   if (!value->type.array) {
-    fail(indices.position, value->type.kind == Kind::None
-                               ? "this has no value to take an element of"
-                               : withArticle(nameOf(value->type)) + " has no elements");
+    fail(indices.position,
+         value->type.kind == Kind::None
+             ? "this has no value to take an element of"
+             : withArticle(nameOf(value->type)) + " has no elements" +
+                   (isText(value->type) ? "; its characters are Middle(s, i, 1), from 0" : ""));
   }
   return element(std::move(value), indices.position, arguments(&indices));
 }
@@ -291,8 +296,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
     return memberOfModule(*module, *member, links);
   }
   if (const std::vector<const Method*> functions = registry().findFunctions(name.text); !functions.empty()) {
-    Exprs given = arguments(links.takeArguments());
-    return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
+    return function(functions, name, links);
   }
   if (const Property* shared = registry().findSharedProperty(name.text)) {
     return property(*shared, nullptr);
@@ -303,6 +307,25 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
   Exprs given = arguments(links.takeArguments());
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
   names_.failUnknown(name);
+}
+
+// A function of the host's or a library's. Those that join two values of a kind join any number of them.
+Expr ExpressionCompiler::function(const std::vector<const Method*>& functions, const Name& name,
+                                  Links& links) {
+  static constexpr std::string_view joining[] = {"BitAnd", "BitOr", "BitXor", "Min", "Max"};
+  Exprs given = arguments(links.takeArguments());
+  const bool joins = std::any_of(std::begin(joining), std::end(joining),
+                                 [&](std::string_view each) { return sameName(each, name.text); });
+  const Depth depth(depth_, joins ? given.size() : 0, name.position);
+  while (joins && given.size() > 2) {
+    Exprs two;
+    for (std::size_t i : {0, 1}) two.push_back(std::move(given[i]));
+    given.erase(given.begin());
+    const Position position = two[0]->position;
+    given[0] = callMethod(functions, calleeOf(name), nullptr, std::move(two), links.resultUnused());
+    given[0]->position = position;
+  }
+  return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
 }
 
 // A checked view of an object as another class.
@@ -378,7 +401,7 @@ Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Link
   if (Expr value = sharedSpace(type, name, links)) return value;
   if (const std::vector<const Method*> methods = allowed(type.findSharedMethods(name.text), name);
       !methods.empty()) {
-    Exprs given = arguments(links.takeArguments());
+    Exprs given = argumentsOf(methods, links);
     return callMethod(methods, calleeOf(name), nullptr, std::move(given), links.resultUnused());
   }
   if (const Property* shared = type.findSharedProperty(name.text)) {
@@ -396,8 +419,7 @@ Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Link
 
 Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, Links& links) {
   if (const std::vector<const Method*> functions = functionsOf(module, name.text); !functions.empty()) {
-    Exprs given = arguments(links.takeArguments());
-    return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
+    return function(functions, name, links);
   }
   std::vector<std::string> known;
   for (const Method& method : module.methods) known.push_back(method.declaration.name);
@@ -433,7 +455,7 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
   const std::string advice = absentMember(nameOf(type), name.text);
   const std::string unknown = withArticle(nameOf(type)) + " has no member '" + name.text + "'" + advice;
   if (type.kind == Kind::Object || type.kind == Kind::None || type.kind == Kind::Nil) {
-    fail(name.position, unknown);
+    throw WrongUse(name.position, name.text, unknown);
   }
   // s.Left(2) is Left(s, 2).
   Exprs given = arguments(links.takeArguments());
@@ -442,7 +464,8 @@ Expr ExpressionCompiler::member(Expr object, const Name& name, Links& links) {
     return callMethod(functions, calleeOf(name), nullptr, std::move(given), links.resultUnused());
   }
   if (Expr value = callIntrinsic(calleeOf(name), given)) return value;
-  fail(name.position, unknown + (advice.empty() ? suggestion(name.text, membersOfValue(type)) : ""));
+  throw WrongUse(name.position, name.text,
+                 unknown + (advice.empty() ? suggestion(name.text, membersOfValue(type)) : ""));
 }
 
 // v.IntegerValue is Variant.IntegerValue(v).
@@ -452,6 +475,13 @@ Expr ExpressionCompiler::memberOfVariant(Expr value, const Name& name, Links& li
   if (methods.empty()) {
     std::vector<std::string> known;
     for (const Method& method : words.sharedMethods) known.push_back(method.declaration.name);
+    const Class& dictionary = *registry().findClass("Dictionary");
+    const bool isDictionarys =
+        dictionary.findProperty(name.text) || !dictionary.findMethods(name.text).empty();
+    if (isDictionarys) {
+      fail(name.position, "a Variant has no member '" + name.text +
+                              "'; that of a Dictionary in it is Dictionary(v)." + name.text);
+    }
     const std::string near = suggestion(name.text, known);
     fail(name.position, "a Variant has no member '" + name.text + "'" +
                             (near.empty() ? "; a member of what is in it follows a view of it, such as "
@@ -483,19 +513,22 @@ Expr ExpressionCompiler::memberOfObject(const Class& type, Expr object, const Na
     if (Expr value = sharedValue(type, name)) return value;
     failForMember(&type, name, type.name + " has no member", membersOf(type));
   }
-  // An array that a method without parameters gives may be indexed at once.
-  bool takesArguments = false;
-  for (const Method* method : methods) {
-    takesArguments = takesArguments || !method->declaration.parameters.empty();
-  }
+  Exprs compiled = argumentsOf(methods, links);
+  return callMethod(methods, callee, std::move(object), std::move(compiled), links.resultUnused());
+}
+
+// An array that a method without parameters gives may be indexed at once.
+Exprs ExpressionCompiler::argumentsOf(const std::vector<const Method*>& methods, Links& links) {
+  const bool takesArguments = std::any_of(methods.begin(), methods.end(), [](const Method* each) {
+    return !each->declaration.parameters.empty();
+  });
   const Arguments* given = links.peekArguments();
   const Method& first = *methods[0];
   const bool hasElements =
       !first.isOwn || first.declaration.result.array || isPlainObject(first.declaration.result);
   const bool indexed =
       !takesArguments && hasElements && given && given->parenthesised && !given->values.empty();
-  Exprs compiled = indexed ? Exprs() : arguments(links.takeArguments());
-  return callMethod(methods, callee, std::move(object), std::move(compiled), links.resultUnused());
+  return indexed ? Exprs() : arguments(links.takeArguments());
 }
 
 // p.UInt64(8): what a Ptr points to, so many bytes on.

@@ -33,6 +33,7 @@ class ExpressionCompiler {
   Expr plainView(Expr value, Type type);
   Expr plainType(Type type, const syntax::Name& name, Links& links);
   Expr memberOfClass(const Class& type, const syntax::Name& name, Links& links);
+  Expr function(const std::vector<const Method*>& functions, const syntax::Name& name, Links& links);
   Expr memberOfModule(const Module& module, const syntax::Name& name, Links& links);
   // In own_names.cpp: what a name is where the program itself gives it a meaning. Null where it does not.
   Expr ownName(const syntax::Name& name, Links& links);
@@ -55,6 +56,7 @@ class ExpressionCompiler {
                                          const std::string& message, const std::vector<std::string>& known);
   Expr pointerAccess(Expr pointer, const syntax::Name& name, Links& links);
   Exprs arguments(const syntax::Arguments* given);
+  Exprs argumentsOf(const std::vector<const Method*>& methods, Links& links);
 
   [[noreturn]] Expr compileNode(const syntax::Unread& unread);
   Expr compileNode(const syntax::Literal& literal);

@@ -187,6 +187,7 @@ Expression ExpressionParser::primary() {
     default:
       if (!tokens_.accept(Symbol::open)) tokens_.failExpecting("an expression");
       Expression inner = expression();
+      if (tokens_.is(Symbol::comma)) tokens_.failHere("an array of several values is written Array(…)");
       tokens_.expect(Symbol::close, "after the expression");
       return {token.position, syntax::Parenthesised{boxed(std::move(inner))}};
   }

@@ -6,8 +6,10 @@
 #include <charconv>
 #include <cstdlib>
 #include <iterator>
+#include <utility>
 
 #include "language/absent_words.h"
+#include "language/spelling.h"
 #include "runtime/registry.h"
 
 namespace host {
@@ -236,8 +238,10 @@ class Lexer {
   void add(Symbol symbol) {
     tokens_.push_back({TokenKind::symbol, spellingOf(symbol), here(), Keyword::none, symbol});
   }
-  void endLine(const char* written = "end of line") {
-    if (!tokens_.empty() && tokens_.back().kind != TokenKind::endOfLine) add(TokenKind::endOfLine, written);
+  void endLine() {
+    if (!tokens_.empty() && tokens_.back().kind != TokenKind::endOfLine) {
+      add(TokenKind::endOfLine, "end of line");
+    }
   }
   void startLine() {
     ++line_;
@@ -251,6 +255,8 @@ class Lexer {
     const char c = peek();
     if (c == '\n') {
       endLine();
+      openParentheses_ = 0;
+      hasPairs_ = inBraces_ = false;
       ++at_;
       startLine();
     } else if (const std::size_t blank = lengthOfOne(blanks)) {
@@ -261,7 +267,7 @@ class Lexer {
     } else if (c == '\'' || (c == '/' && peek(1) == '/')) {
       skipComment();
     } else if (c == ':') {
-      endLine(":");
+      openParentheses_ > 0 ? pair() : endLine();
       ++at_;
     } else if (c == '_' && !isWordPart(peek(1))) {
       joinLines();
@@ -276,6 +282,12 @@ class Lexer {
     } else {
       symbol();
     }
+  }
+
+  // No statement ends within parentheses.
+  void pair() {
+    if (!std::exchange(hasPairs_, true)) wrong(here(), "unexpected ':'" + absent("Pair"));
+    add(Symbol::comma);
   }
 
   void joinLines() {
@@ -324,6 +336,10 @@ class Lexer {
       while (isDigit(peek())) ++at_;
     }
     token.text = text_.substr(start, at_ - start);
+    if (peek() == '.' && !isWordStart(peek(1))) {
+      wrong(here(), "a number ends with a digit; leave out the '.', or write .0");
+      ++at_;
+    }
     if (isWordStart(peek()) && atWordPart()) {
       wrong(token.position, "a number is followed by a letter");
       while (atWordPart()) ++at_;
@@ -373,7 +389,7 @@ class Lexer {
     };
     for (at_ += curly ? curly : 1;; ++at_) {
       if (peek() == '\n' || at_ >= text_.size()) {
-        wrong(token.position, "the text is not closed by a quote");
+        if (lineOfUnexpected_ != line_) wrong(token.position, "the text is not closed by a quote");
         break;
       }
       if (const std::size_t length = quote()) {
@@ -390,10 +406,70 @@ class Lexer {
     return text_.substr(from, end - from).find_first_not_of(" \t\r") == std::string_view::npos;
   }
 
+  // Whether what was read last may have elements.
+  bool endsValue() const {
+    if (tokens_.empty()) return false;
+    const Token& last = tokens_.back();
+    return last.symbol == Symbol::close || last.kind == TokenKind::text ||
+           (last.kind == TokenKind::word && !isReserved(last.keyword));
+  }
+
+  // Of a whole #If, only its beginning is wrong; what stands in its first part is read.
+  void directive() {
+    const std::string name = directiveHere();
+    if (name == "#if") {
+      if (openDirectives_++ == 0) {
+        wrong(here(), "this host has no #If; write Const and If, or leave in what is for this host");
+      }
+    } else if (name == "#else" || name == "#elseif") {
+      if (openDirectives_ > 0) return skipOtherParts();
+      wrong(here(), "there is no #If that this belongs to");
+    } else if (name == "#endif" || name == "#end") {
+      if (openDirectives_ == 0) wrong(here(), "there is no #If that this belongs to");
+      openDirectives_ = std::max(openDirectives_ - 1, 0);
+    } else {
+      wrong(here(), "this host has no compiler directives; leave this line out");
+    }
+    skipComment();
+  }
+
+  std::string directiveHere() const {
+    std::size_t length = 1;
+    while (isWordPart(peek(length))) ++length;
+    return lowerCase(text_.substr(at_, length));
+  }
+
+  // From #Else on to the #EndIf.
+  void skipOtherParts() {
+    for (int inside = 0; at_ < text_.size();) {
+      skipComment();
+      if (at_ < text_.size()) {
+        ++at_;
+        startLine();
+      }
+      skipBlanks();
+      const std::string name = peek() == '#' ? directiveHere() : "";
+      if (name == "#if") ++inside;
+      if ((name == "#endif" || name == "#end") && inside-- == 0) return;
+    }
+  }
+
   void symbol() {
     if ((peek() == '+' || peek() == '-') && peek(1) == peek() && restOfLineIsBlank(at_ + 2)) {
       wrong(here(), std::string("there is no '") + peek() + peek() + "'; write '" + peek() + "= 1'");
       at_ += 2;
+      return;
+    }
+    if (peek() == '{' || (peek() == '[' && !endsValue())) {
+      wrong(here(), "an array of several values is written Array(…)");
+      inBraces_ = true;
+      add(Symbol::open);
+      ++at_;
+      return;
+    }
+    if (inBraces_ && (peek() == '}' || peek() == ']')) {
+      add(Symbol::close);
+      ++at_;
       return;
     }
     for (const auto& each : mistaken) {
@@ -406,6 +482,8 @@ class Lexer {
     for (const auto& each : symbols) {
       if (!stands(each.spelling)) continue;
       add(each.symbol);
+      if (each.symbol == Symbol::open) ++openParentheses_;
+      if (each.symbol == Symbol::close && openParentheses_ > 0) --openParentheses_;
       at_ += each.spelling.size();
       return;
     }
@@ -414,12 +492,16 @@ class Lexer {
       at_ = std::min(text_.find('\n', at_), text_.size());
       return;
     }
+    if (peek() == '#' && isWordStart(peek(1))) return directive();
     if (peek() == '\0') {
       wrong(here(), "this is no text of a program, which is UTF-8 or UTF-16");
       at_ = text_.size();
       return;
     }
-    wrong(here(), std::string("unexpected character '") + peek() + "'" + absentDirective(text_.substr(at_)));
+    if (std::exchange(lineOfUnexpected_, line_) != line_) {
+      wrong(here(), std::string("unexpected character '") + peek() + "'" +
+                        (peek() == ';' ? "; texts are joined with '+'" : ""));
+    }
     ++at_;
   }
 
@@ -427,6 +509,11 @@ class Lexer {
   Problems& problems_;
   std::size_t at_ = 0, lineStart_ = 0;
   int line_ = 1;
+  int openParentheses_ = 0;   // in this line
+  bool hasPairs_ = false;     // this line
+  bool inBraces_ = false;     // this line, what should be in Array(…)
+  int lineOfUnexpected_ = 0;  // the last one in which a character was found that means nothing
+  int openDirectives_ = 0;    // how many #If stand around this
   std::vector<Token> tokens_;
 };
 

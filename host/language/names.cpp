@@ -3,6 +3,7 @@
 
 #include "language/absent_words.h"
 #include "language/fields.h"
+#include "language/local_names.h"
 #include "language/shared_reference.h"
 #include "language/spelling.h"
 #include "runtime/registry.h"
@@ -367,6 +368,16 @@ std::vector<const Method*> Names::unchanging(const std::vector<const Method*>& m
 void Names::failUnknown(const syntax::Name& name) const {
   if (const std::string advice = absent(name.text); !advice.empty()) {
     throw UnknownName(name.position, name.text, "unknown name '" + name.text + "'" + advice);
+  }
+  const auto declared = body_ ? declarationOf(name.text, *body_) : std::nullopt;
+  if (declared && declared->line != name.position.line) {
+    const std::string line = "line " + std::to_string(declared->line);
+    const bool isBelow = declared->line > name.position.line;
+    throw UnknownName(
+        name.position, name.text,
+        isBelow ? name.text + " is declared further down, in " + line + "; declare it above its first use"
+                : name.text + " is declared in " + line +
+                      ", in a block that ends before this; declare it above that block");
   }
   std::vector<std::string> known;
   for (const Block& block : blocks_) {

@@ -140,6 +140,8 @@ class Names {
   // The methods without regard to what a subclass makes of them.
   std::vector<const Method*> unchanging(const std::vector<const Method*>& methods) const;
   StepsLeft* stepsLeft() const { return module_.stepsLeft.get(); }
+  // The Sub's statements, in which a name may be declared where it is not seen.
+  void setBody(const syntax::Block& body) { body_ = &body; }
   [[noreturn]] void failUnknown(const syntax::Name& name) const;
 
  private:
@@ -164,6 +166,7 @@ class Names {
   Surroundings surroundings_;
   bool atModuleLevel_, mayRedeclare_;
   std::vector<Block> blocks_;
+  const syntax::Block* body_ = nullptr;
 };
 
 }  // namespace host

@@ -19,7 +19,9 @@ Expr realLiteral(double value) {
 }
 
 Expr textLiteral(const std::string& value) {
-  return referenceNode({Kind::String}, [made = Ref<Heap>(makeText(value))](Frame&) { return made; });
+  Expr node = referenceNode({Kind::String}, [made = Ref<Heap>(makeText(value))](Frame&) { return made; });
+  node->isLiteral = true;
+  return node;
 }
 
 }  // namespace host

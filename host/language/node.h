@@ -75,7 +75,7 @@ inline void releaseSlot(Slot slot, Type type) {
 }
 
 // How a statement ends: by going on, or on the way out of something.
-enum class Flow : std::uint8_t {
+enum class Flow : std::uint16_t {
   next,
   exitFor,
   exitWhile,
@@ -84,6 +84,7 @@ enum class Flow : std::uint8_t {
   continueWhile,
   continueDo,
   leave,  // the Sub, Function or program
+  named,  // and above: out of a For that is not the innermost one; for each two values, Exit and Continue
 };
 
 class Statement {
@@ -147,7 +148,7 @@ class Expression {
 
   Type type;
   Position position;
-  bool isLiteral = false;               // a number that fits whatever holds it
+  bool isLiteral = false;               // a text, or a number that fits whatever holds it
   std::optional<std::int64_t> literal;  // of an integer literal
   std::optional<Variable> variable;     // that it reads, where it is no more than that
   // The slot of the frame that it reads, where it is no more than an object in it: nobody but the frame's own

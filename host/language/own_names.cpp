@@ -23,7 +23,7 @@ Expr ExpressionCompiler::ownName(const Name& name, Links& links) {
   if (Expr member = memberOfSelf(name, links)) return member;
   if (Expr variable = names_.find(name.text)) return variable;
   if (const std::vector<const Method*> subs = names_.findSubs(name.text); !subs.empty()) {
-    Exprs given = arguments(links.takeArguments());
+    Exprs given = argumentsOf(subs, links);
     return callMethod(subs, {name.text, name.position}, nullptr, std::move(given), links.resultUnused());
   }
   if (const Declarations* space = names_.findSpace(name.text)) return nameOfSpace(*space, name, links);
@@ -107,7 +107,7 @@ Expr ExpressionCompiler::memberOfSpace(const Declarations& space, const Name& na
   if (!names_.sees(space, name.text)) fail(name.position, name.text + " is Private in " + space.name);
   if (Expr value = space.value(key)) return value;
   if (const auto subs = space.subs.find(key); subs != space.subs.end()) {
-    Exprs given = arguments(links.takeArguments());
+    Exprs given = argumentsOf(subs->second, links);
     return callMethod(subs->second, {name.text, name.position}, nullptr, std::move(given),
                       links.resultUnused());
   }

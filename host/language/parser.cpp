@@ -12,13 +12,13 @@ using namespace syntax;
 class Parser {
  public:
   Parser(std::string_view text, bool interactive, Problems& problems)
-      : tokens_(text, problems), statements_(tokens_, depth_, expressions_, interactive) {}
+      : tokens_(text, !interactive, problems), statements_(tokens_, depth_, expressions_, interactive) {}
 
   Program program() {
     Program program;
     const Nesting nesting(depth_, tokens_);
     while (tokens_.skipLineEnds(), tokens_.peek().kind != TokenKind::endOfText) {
-      if (!declarations_.declared(program.declared)) statements_.lineInto(program.main);
+      if (!declarations_.declared(program.declared, program.main)) statements_.lineInto(program.main);
     }
     return program;
   }

@@ -122,6 +122,7 @@ REALarray split(REALstring s, REALstring separator) {
 REALarray splitAtBlanks(REALstring s) {
   return asPending([&] { return split(s, reinterpret_cast<REALstring>(makeText(" ").get())); });
 }
+REALarray charactersOf(REALstring s) { return split(s, nullptr); }
 REALstring join(REALarray parts, REALstring delimiter) {
   return asPending([&] {
     std::string text;
@@ -133,6 +134,10 @@ REALstring join(REALarray parts, REALstring delimiter) {
     }
     return made(text);
   });
+}
+
+REALstring joinAtBlanks(REALarray parts) {
+  return asPending([&] { return join(parts, reinterpret_cast<REALstring>(makeText(" ").get())); });
 }
 
 RBInteger compare(REALstring a, REALstring b) { return compareText(textOf(a), textOf(b)); }
@@ -162,7 +167,9 @@ void registerSearchWords() {
       hostMethod("Split(s as String) as String()", &splitAtBlanks),
       hostMethod("Split(s as String, delimiter as String) as String()", &split),
       hostMethod("ToArray(s as String, delimiter as String) as String()", &split),
+      hostMethod("Characters(s as String) as String()", &charactersOf),
       hostMethod("Join(parts() as String, delimiter as String) as String", &join),
+      hostMethod("Join(parts() as String) as String", &joinAtBlanks),
       hostMethod("Compare(s as String, other as String) as Integer", &compare),
       hostMethod("StrComp(s as String, other as String, mode as Integer = 1) as Integer", &strComp),
   };

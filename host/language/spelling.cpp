@@ -13,11 +13,8 @@ std::string lowerCase(std::string_view text) {
   return lower;
 }
 
-namespace {
-
-// Levenshtein's distance, in which two letters that have changed places count as one mistake; a row at a
-// time.
-std::size_t distanceBetween(const std::string& wanted, const std::string& other) {
+// A row at a time.
+std::size_t editsBetween(const std::string& wanted, const std::string& other) {
   std::vector<std::size_t> row(other.size() + 1), above(row.size()), twoAbove(row.size());
   for (std::size_t j = 0; j < row.size(); ++j) row[j] = j;
   for (std::size_t i = 1; i <= wanted.size(); ++i) {
@@ -34,6 +31,8 @@ std::size_t distanceBetween(const std::string& wanted, const std::string& other)
   }
   return row.back();
 }
+
+namespace {
 
 // The words of a name such as doubleValue, in lower case, as far as they are long enough to mean something.
 std::vector<std::string> wordsOf(std::string_view name) {
@@ -100,7 +99,7 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
     // No nearer than their lengths.
     const std::size_t shorter = std::min(wanted.size(), candidate.size());
     if (std::max(wanted.size(), candidate.size()) - shorter >= bestDistance) continue;
-    const std::size_t each = distanceBetween(wanted, lowerCase(candidate));
+    const std::size_t each = editsBetween(wanted, lowerCase(candidate));
     if (each < bestDistance) {
       bestDistance = each;
       best = candidate;

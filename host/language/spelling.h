@@ -9,6 +9,9 @@ namespace host {
 
 std::string lowerCase(std::string_view text);  // of ASCII
 
+// Levenshtein's distance, in which two letters that have changed places count as one mistake.
+std::size_t editsBetween(const std::string& wanted, const std::string& other);
+
 // The candidate that a wrong name may have meant: spelled as another language has it, nearly so, going on
 // from it, or made of the same words. Empty if there is none.
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates);

@@ -39,13 +39,14 @@ Block StatementCompiler::innerBlock(const syntax::Block& statements) {
   return block(statements);
 }
 
-Block StatementCompiler::loopBody(LoopKind kind, const std::string& variable,
+Block StatementCompiler::loopBody(Position position, LoopKind kind, const std::string& variable,
                                   const syntax::Block& statements) {
   loops_.push_back({kind, variable});
   const Names::Inner inner(names_);
   Block body = counted(statements);
+  const bool isNamed = loops_.back().isNamed;
   loops_.pop_back();
-  return body;
+  return isNamed ? namedBody(position, loops_.size(), std::move(body)) : std::move(body);
 }
 
 // Declarations and assignments.
@@ -252,6 +253,7 @@ void StatementCompiler::compile(const syntax::Raise& raised, Position position, 
 void StatementCompiler::compile(const syntax::Return& returned, Position position, Block& block) {
   const bool isFunction = sub_ && sub_->result.kind != Kind::None;
   if (!returned.value) {
+    if (isFunction && problems_.isExpected(sub_->name)) throw FollowsFromAnother(position);
     if (isFunction) fail(position, "Return needs " + withArticle(nameOf(sub_->result)));
     block.statements.push_back(jump(position, Flow::leave));
     return;
@@ -262,34 +264,44 @@ void StatementCompiler::compile(const syntax::Return& returned, Position positio
 }
 
 void StatementCompiler::compile(const syntax::Jump& jumped, Position position, Block& block) {
+  const std::optional<Flow> flow = flowOf(jumped);
+  if (!flow && !jumped.variable.text.empty()) {
+    fail(jumped.variable.position, "no For around this has the variable " + jumped.variable.text);
+  }
+  if (!flow) fail(jumped.word.position, "'" + jumped.word.text + "' is outside of what it names");
+  block.statements.push_back(jump(position, *flow));
+}
+
+std::optional<Flow> StatementCompiler::flowOf(const syntax::Jump& jump) {
   using Target = syntax::Jump::Target;
   static constexpr struct {
     Target target;
     LoopKind kind;
     Flow exit, next;
-  } loops[] = {{Target::forLoop, LoopKind::forLoop, Flow::exitFor, Flow::continueFor},
+  } kinds[] = {{Target::forLoop, LoopKind::forLoop, Flow::exitFor, Flow::continueFor},
                {Target::whileLoop, LoopKind::whileLoop, Flow::exitWhile, Flow::continueWhile},
                {Target::doLoop, LoopKind::doLoop, Flow::exitDo, Flow::continueDo}};
-  std::optional<Flow> flow;
-  if (jumped.target == Target::sub || jumped.target == Target::function) {
+  if (jump.target == Target::sub || jump.target == Target::function) {
     const bool isFunction = sub_ && sub_->result.kind != Kind::None;
-    if (sub_ && isFunction == (jumped.target == Target::function)) flow = Flow::leave;
-  } else {
-    // Alone it means the innermost loop, of whatever kind.
-    for (auto open = loops_.rbegin(); open != loops_.rend() && !flow; ++open) {
-      const auto& loop = *std::find_if(std::begin(loops), std::end(loops),
-                                       [&](const auto& each) { return each.kind == open->kind; });
-      if (jumped.target != Target::innermost && jumped.target != loop.target) continue;
-      if (!jumped.variable.text.empty() && !sameName(jumped.variable.text, open->variable)) {
-        fail(jumped.variable.position, jumped.word.text + " For means the innermost For, that of " +
-                                           open->variable +
-                                           "; to leave several loops, put them into a Sub and Return");
-      }
-      flow = jumped.exits ? loop.exit : loop.next;
-    }
+    const bool isThis = sub_ && isFunction == (jump.target == Target::function);
+    return isThis ? std::optional(Flow::leave) : std::nullopt;
   }
-  if (!flow) fail(jumped.word.position, "'" + jumped.word.text + "' is outside of what it names");
-  block.statements.push_back(jump(position, *flow));
+  // Alone it means the innermost loop, of whatever kind.
+  const std::string& variable = jump.variable.text;
+  bool isInnermost = true;
+  for (std::size_t i = loops_.size(); i-- > 0;) {
+    OpenLoop& open = loops_[i];
+    const auto& loop = *std::find_if(std::begin(kinds), std::end(kinds),
+                                     [&](const auto& each) { return each.kind == open.kind; });
+    if (jump.target != Target::innermost && jump.target != loop.target) continue;
+    if (variable.empty() || sameName(variable, open.variable)) {
+      if (isInnermost) return jump.exits ? loop.exit : loop.next;
+      open.isNamed = true;
+      return namedJump(i, jump.exits);
+    }
+    isInnermost = false;
+  }
+  return std::nullopt;
 }
 
 void StatementCompiler::compile(const syntax::AddHandler& added, Position position, Block& block) {
@@ -377,7 +389,7 @@ void StatementCompiler::compile(const syntax::For& loop, Position position, Bloc
     to = convertTo(expressions_.compile(loop.to), type, "the end of For");
     if (loop.step) step = convertTo(expressions_.compile(*loop.step), type, "the step of For");
   });
-  Block body = loopBody(LoopKind::forLoop, name.text, loop.body);
+  Block body = loopBody(position, LoopKind::forLoop, name.text, loop.body);
   if (!fits) return;
   block.statements.push_back(countingLoop(position, std::move(place), std::move(from), std::move(to),
                                           std::move(step), loop.down, std::move(body)));
@@ -408,7 +420,11 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
   std::optional<Type> declared;
   Expr array;
   bool fits = problems_.attempt([&] {
+    if (loop.type) declared = typeFor(name, *loop.type);
+  });
+  fits &= problems_.attempt([&] {
     array = expressions_.compile(loop.array);
+    if (!array->type.array && !fits) throw FollowsFromAnother(loop.array.position);
     if (!array->type.array) {
       failForEach(*array);
       array = convertTo(std::move(array), Type{Kind::Variant}.arrayOf(), "what For Each goes through");
@@ -417,10 +433,8 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
   std::unique_ptr<Place> current;
   Stmt assign;
   fits &= problems_.attempt([&] {
-    if (loop.type) {
-      declared = typeFor(name, *loop.type);
-      names_.declare(name, *declared);
-    }
+    if (loop.type && !declared) throw FollowsFromAnother(name.position);
+    if (declared) names_.declare(name, *declared);
     if (!loop.type && !names_.find(name.text) && names_.findSubs(name.text).empty()) {
       const std::string element = fits ? nameOf(array->type.element()) : "Variant";
       throw UnknownName(
@@ -437,7 +451,7 @@ void StatementCompiler::compile(const syntax::ForEach& loop, Position position, 
     assign = assignment(position, std::move(variable),
                         convertTo(std::move(value), declared.value_or(element), name.text));
   });
-  Block body = loopBody(LoopKind::forLoop, name.text, loop.body);
+  Block body = loopBody(position, LoopKind::forLoop, name.text, loop.body);
   if (!fits) return;
   block.statements.push_back(
       elementLoop(position, std::move(array), std::move(current), std::move(assign), std::move(body)));
@@ -453,7 +467,7 @@ void StatementCompiler::compile(const syntax::Loop& loop, Position position, Blo
     return made;
   };
   LoopTest before = test(loop.before, isWhile ? "While" : "Do");
-  Block body = loopBody(loop.kind, "", loop.body);
+  Block body = loopBody(position, loop.kind, "", loop.body);
   LoopTest after = test(loop.after, "Loop");
   block.statements.push_back(testedLoop(position, isWhile ? TestedLoop::whileLoop : TestedLoop::doLoop,
                                         std::move(before), std::move(after), std::move(body)));

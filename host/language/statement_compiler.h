@@ -22,7 +22,9 @@ class StatementCompiler {
  private:
   Block innerBlock(const syntax::Block& statements);  // with names of its own
   // The body of a loop, in which Exit and Continue of its kind may stand.
-  Block loopBody(syntax::LoopKind kind, const std::string& variable, const syntax::Block& statements);
+  Block loopBody(Position position, syntax::LoopKind kind, const std::string& variable,
+                 const syntax::Block& statements);
+  std::optional<Flow> flowOf(const syntax::Jump& jump);  // none: it is outside of what it names
 
   void compile(const syntax::Dim& dim, Position position, Block& block);
   void declare(const syntax::Dim::Variable& variable, Type type, const syntax::Expression* initial,
@@ -62,6 +64,7 @@ class StatementCompiler {
   struct OpenLoop {
     syntax::LoopKind kind;
     std::string variable;  // of a For
+    bool isNamed = false;  // by a jump out of another For within it
   };
   std::vector<OpenLoop> loops_;  // around the statement being compiled, from the outermost on
 };

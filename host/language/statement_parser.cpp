@@ -51,6 +51,15 @@ bool StatementParser::accept(BlockEnd end) {
   return true;
 }
 
+// End alone, which means the innermost block.
+bool StatementParser::acceptBareEnd(BlockEnd end) {
+  const bool isBare = tokens_.is(Keyword::endWord) && tokens_.peek(1).kind == TokenKind::endOfLine;
+  if (!isBare || end.first != Keyword::endWord) return false;
+  tokens_.problems.add(ProgramError(tokens_.peek().position, "write '" + spelled(end) + "'"));
+  tokens_.take();
+  return true;
+}
+
 bool StatementParser::atOneOf(const std::vector<BlockEnd>& ends) const {
   return std::any_of(ends.begin(), ends.end(), [&](const BlockEnd& end) { return at(end); });
 }
@@ -158,6 +167,7 @@ Statement StatementParser::statement() {
       return {position, Raise{expressions_.expression()}};
     case Keyword::callWord:
       tokens_.take();
+      if (tokens_.is(Keyword::printWord)) tokens_.failHere("Print is no Sub; leave out Call");
       return simple();
     case Keyword::endWord:
     case Keyword::elseWord:
@@ -168,17 +178,35 @@ Statement StatementParser::statement() {
     case Keyword::caseWord:
     case Keyword::catchWord:
     case Keyword::finallyWord:
-      tokens_.failHere("'" + token.text +
-                       (token.keyword == Keyword::endWord && tokens_.peek(1).kind == TokenKind::word
-                            ? " " + tokens_.peek(1).text
-                            : "") +
-                       "' has nothing that it belongs to");
+      failForStray(token);
     default:
       if (token.kind == TokenKind::integer && beginsStatement(tokens_.peek(1))) {
         tokens_.failHere("expected a statement; this host has no line numbers: leave them out");
       }
       return simple();
   }
+}
+
+// A word that goes on with or ends what is not there. Of what would belong together the first one is said.
+void StatementParser::failForStray(const Token& token) {
+  static constexpr std::pair<Keyword, Keyword> parts[] = {{Keyword::caseWord, Keyword::selectWord},
+                                                          {Keyword::elseIfWord, Keyword::ifWord},
+                                                          {Keyword::elseWord, Keyword::ifWord},
+                                                          {Keyword::catchWord, Keyword::tryWord},
+                                                          {Keyword::finallyWord, Keyword::tryWord}};
+  const bool ends = token.keyword == Keyword::endWord;
+  Keyword whole = ends ? tokens_.peek(1).keyword : Keyword::none;
+  for (const auto& [part, of] : parts) {
+    if (token.keyword == part) whole = of;
+  }
+  if (token.keyword == Keyword::elseWord && strays_.contains(Keyword::selectWord))
+    whole = Keyword::selectWord;
+  const bool isFirst = whole == Keyword::none || strays_.insert(whole).second;
+  if (ends) strays_.erase(whole);
+  if (!isFirst) throw FollowsFromAnother(token.position);
+  const bool inTwoWords = ends && tokens_.peek(1).kind == TokenKind::word;
+  tokens_.failHere("'" + token.text + (inTwoWords ? " " + tokens_.peek(1).text : "") +
+                   "' has nothing that it belongs to");
 }
 
 std::optional<Expression> StatementParser::valueIfAny() {
@@ -194,9 +222,28 @@ Print StatementParser::print() {
   return printed;
 }
 
+// Blocks that this host has not are passed over as a whole, so that they are one mistake.
+void StatementParser::failForForeignBlock() {
+  const Token& word = tokens_.peek();
+  const bool isForeign = sameName(word.text, "With") || sameName(word.text, "Using");
+  if (!isForeign || tokens_.peek(1).kind != TokenKind::word) return;
+  std::size_t ahead = 0;
+  while (!tokens_.is(Keyword::endWord, ahead) || !sameName(tokens_.peek(ahead + 1).text, word.text)) {
+    if (tokens_.peek(++ahead).kind == TokenKind::endOfText) return;
+  }
+  const Position position = word.position;
+  const std::string message = "unknown name '" + word.text + "'" + absent(word.text);
+  for (; ahead > 0; --ahead) tokens_.take();
+  fail(position, message);
+}
+
 // A call, an assignment, or an expression.
 Statement StatementParser::simple() {
   const Position position = tokens_.peek().position;
+  if (sameName(tokens_.peek().text, "GoTo") && tokens_.peek(1).kind == TokenKind::word) {
+    tokens_.problems.expectUnknown(tokens_.peek(1).text);  // a label
+  }
+  failForForeignBlock();
   Expression target = expressions_.chain();
   static constexpr std::pair<Symbol, std::optional<Operator>> assignments[] = {
       {Symbol::equal, std::nullopt},
@@ -316,6 +363,8 @@ Const StatementParser::constant() {
   constant.type = typeIfAny();
   tokens_.expect(Symbol::equal, "after the constant " + constant.name.text);
   constant.value = expressions_.expression();
+  if (tokens_.is(Symbol::comma))
+    tokens_.failHere("a line has one Const; write the next one in a line of its own");
   return constant;
 }
 
@@ -360,7 +409,13 @@ If StatementParser::ifElse(const Opener& opener) {
   const BlockEnds ends = {endOf(Keyword::ifWord), {Keyword::elseWord}, {Keyword::elseIfWord}};
   first.body = block(opener, ends);
   chosen.branches.push_back(std::move(first));
+  Opener afterElse = opener;
+  afterElse.hasElse = true;
   while (tokens_.is(Keyword::elseWord) || tokens_.is(Keyword::elseIfWord)) {
+    if (!chosen.branches.back().condition && isOpenWithoutElse(Keyword::ifWord)) {
+      reportMissing(opener, endOf(Keyword::ifWord));
+      return chosen;
+    }
     If::Branch branch;
     tokens_.part([&] {
       const Token& word = tokens_.take();
@@ -378,11 +433,17 @@ If StatementParser::ifElse(const Opener& opener) {
         tokens_.expectLineEnd("after Else");
       }
     });
-    branch.body = block(opener, ends);
+    branch.body = block(branch.condition ? opener : afterElse, ends);
     chosen.branches.push_back(std::move(branch));
   }
   accept(endOf(Keyword::ifWord));
   return chosen;
+}
+
+// Whether what the word opens stands around this, and may go on with Else.
+bool StatementParser::isOpenWithoutElse(Keyword word) const {
+  return std::any_of(open_.begin(), open_.end(),
+                     [&](const Open& outer) { return outer.opener.word == word && !outer.opener.hasElse; });
 }
 
 Block StatementParser::alone() {
@@ -410,7 +471,15 @@ Select StatementParser::select(const Opener& opener) {
   const BlockEnds ends = {end, {Keyword::caseWord}, {Keyword::elseWord}};
   block(opener, ends);
   bool hasElse = false;
+  Opener afterElse = opener;
+  afterElse.hasElse = true;
   while (tokens_.is(Keyword::caseWord) || tokens_.is(Keyword::elseWord)) {  // which may stand alone
+    const bool mayBeOuter = isOpenWithoutElse(Keyword::selectWord) ||
+                            (tokens_.is(Keyword::elseWord) && isOpenWithoutElse(Keyword::ifWord));
+    if (hasElse && mayBeOuter) {
+      reportMissing(opener, end);
+      return chosen;
+    }
     Select::Case each;
     if (hasElse) tokens_.problems.attempt([&] { tokens_.failExpecting("'End Select' after Case Else"); });
     tokens_.part([&] {
@@ -422,7 +491,7 @@ Select StatementParser::select(const Opener& opener) {
       }
       tokens_.expectLineEnd("after the values of Case");
     });
-    each.body = block(opener, ends);
+    each.body = block(hasElse ? afterElse : opener, ends);
     chosen.cases.push_back(std::move(each));
   }
   accept(end);
@@ -434,6 +503,10 @@ Select::Test StatementParser::test() {
   if (tokens_.accept(Keyword::isWord)) {
     const Operator comparison = expressions_.comparison();
     return {position, comparison, expressions_.operandOfComparison(), {}};
+  }
+  if (tokens_.peek().kind == TokenKind::symbol && expressions_.atOperator() && !tokens_.is(Symbol::minus) &&
+      !tokens_.is(Symbol::plus)) {
+    tokens_.failHere("write Is in front of a comparison, as in Case Is " + tokens_.peek().text + " 5");
   }
   if (tokens_.is(Keyword::isAWord)) {
     tokens_.failHere("a Case compares values; write If … IsA … Then, with ElseIf for the other classes");

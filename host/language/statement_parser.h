@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <initializer_list>
+#include <set>
 #include <vector>
 
 #include "language/expression_parser.h"
@@ -20,6 +21,7 @@ struct Opener {
   Keyword word;
   Position position;
   std::string variable = {};  // of For, where its end may name it
+  bool hasElse = false;       // it has come to its Else
 };
 
 class StatementParser {
@@ -31,6 +33,7 @@ class StatementParser {
   void lineInto(syntax::Block& block);
   // What stands before the end, and the end.
   syntax::Block body(const Opener& opener, BlockEnd end);
+  syntax::Dim dim();              // after the word Dim
   syntax::Dim::Group dimGroup();  // variables of one type
   syntax::Const constant();       // after the word Const
 
@@ -44,6 +47,7 @@ class StatementParser {
     const Nesting nesting(depth_, tokens_);
     open_.push_back({opener, ends});
     while (tokens_.skipLineEnds(), !atOneOf(open_.back().ends)) {
+      if (acceptBareEnd(*ends.begin())) break;
       if (atOuterEnd(holds) || !read()) {
         reportMissing(opener, *ends.begin());
         break;
@@ -56,14 +60,18 @@ class StatementParser {
  private:
   syntax::Statement line();
   bool at(BlockEnd end) const;
+  bool acceptBareEnd(BlockEnd end);
   bool atOneOf(const std::vector<BlockEnd>& ends) const;
   syntax::Block block(const Opener& opener, BlockEnds ends);
   bool atOuterEnd(Holds holds) const;
   void reportMissing(const Opener& opener, BlockEnd end);
   bool opensBlock(const Opener& opener) const;
+  bool isOpenWithoutElse(Keyword word) const;
+  [[noreturn]] void failForStray(const Token& token);
   syntax::Block alone();  // one statement
   syntax::Statement statement();
   syntax::Statement simple();
+  void failForForeignBlock();
   static bool isNamed(const syntax::Expression& expression);
   bool atBareArgument() const;
   std::optional<syntax::Expression> valueIfAny();
@@ -71,7 +79,6 @@ class StatementParser {
   std::optional<syntax::TypeName> typeIfAny();
 
   // What follows the word that opens the statement.
-  syntax::Dim dim();
   syntax::Dim staticDim();
   void bounds(syntax::Dim::Variable& variable);
   syntax::If ifElse(const Opener& opener);
@@ -95,7 +102,8 @@ class StatementParser {
     const Opener& opener;
     std::vector<BlockEnd> ends;
   };
-  std::vector<Open> open_;  // the blocks around what is being read
+  std::vector<Open> open_;    // the blocks around what is being read
+  std::set<Keyword> strays_;  // of which parts stood alone, and no end yet
 };
 
 }  // namespace host

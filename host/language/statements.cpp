@@ -98,6 +98,16 @@ Stmt declaration(Position position, std::unique_ptr<Place> place, Expr value) {
   });
 }
 
+Block namedBody(Position position, std::size_t number, Block body) {
+  Block named;
+  named.statements.push_back(statement(position, [number, body = std::move(body)](Frame& frame) {
+    const Flow flow = body.run(frame);
+    if (flow == namedJump(number, true)) return Flow::exitFor;
+    return flow == namedJump(number, false) ? Flow::continueFor : flow;
+  }));
+  return named;
+}
+
 Stmt jump(Position position, Flow flow) {
   return statement(position, [flow](Frame&) { return flow; });
 }

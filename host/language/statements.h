@@ -28,6 +28,12 @@ Stmt returnValue(Position position, Expr value);  // of the Function's type
 Stmt print(Position position, Expr value);
 Stmt evaluate(Position position, Expr value);                                   // for what it does
 Stmt declaration(Position position, std::unique_ptr<Place> place, Expr value);  // null: zero, Nil or ""
+// The body of the For with that number among those around it, for which jumps of its own are meant.
+Block namedBody(Position position, std::size_t number, Block body);
+// Exit or Continue of such a For from within another one.
+constexpr Flow namedJump(std::size_t number, bool exits) {
+  return static_cast<Flow>(static_cast<std::size_t>(Flow::named) + 2 * number + (exits ? 0 : 1));
+}
 Stmt jump(Position position, Flow flow);
 
 // AddHandler object.Run, AddressOf sub. Only a Thread has an event, and it is Run.

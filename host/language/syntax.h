@@ -234,7 +234,8 @@ struct Sub {
   Name name;
   std::vector<Parameter> parameters;
   std::optional<TypeName> result;
-  bool isRead = true;  // all of the declaration
+  std::vector<TypeName> implements;  // interfaces of which it says so itself
+  bool isRead = true;                // all of the declaration
   Block body;
   Modifiers modifiers;
 };

@@ -50,6 +50,23 @@ REALstring mid(REALstring s, RBInteger start, RBInteger count) {
   return middle(s, std::max<RBInteger>(start, 1) - 1, count);
 }
 
+// The same with bytes. What they mean alone is not known, but the encoding is that of the whole text.
+REALstring middleB(REALstring s, RBInteger start, RBInteger count) {
+  const std::string_view bytes = bytesOf(textOf(s));
+  const auto length = static_cast<RBInteger>(bytes.size());
+  start = std::clamp<RBInteger>(start, 0, length);
+  count = std::clamp<RBInteger>(count, 0, length - start);
+  return made(bytes.substr(static_cast<std::size_t>(start), static_cast<std::size_t>(count)),
+              textOf(s) ? textOf(s)->encoding : encoding::utf8);
+}
+REALstring leftB(REALstring s, RBInteger count) { return middleB(s, 0, count); }
+REALstring rightB(REALstring s, RBInteger count) {
+  return middleB(s, lenB(s) - std::clamp<RBInteger>(count, 0, lenB(s)), count);
+}
+REALstring midB(REALstring s, RBInteger start, RBInteger count) {
+  return middleB(s, std::max<RBInteger>(start, 1) - 1, count);
+}
+
 REALstring trimmed(REALstring s, bool atStart, bool atEnd) {
   constexpr const char* blanks = " \t\r\n";
   std::string text = utf8Of(textOf(s));
@@ -136,6 +153,13 @@ void registerTextWords() {
       hostMethod("Right(s as String, count as Integer) as String", &right),
       hostMethod("Mid(s as String, start as Integer, count as Integer = 2147483647) as String", &mid),
       hostMethod("Middle(s as String, start as Integer, count as Integer = 2147483647) as String", &middle),
+      hostMethod("LeftB(s as String, count as Integer) as String", &leftB),
+      hostMethod("LeftBytes(s as String, count as Integer) as String", &leftB),
+      hostMethod("RightB(s as String, count as Integer) as String", &rightB),
+      hostMethod("RightBytes(s as String, count as Integer) as String", &rightB),
+      hostMethod("MidB(s as String, start as Integer, count as Integer = 2147483647) as String", &midB),
+      hostMethod("MiddleBytes(s as String, start as Integer, count as Integer = 2147483647) as String",
+                 &middleB),
       hostMethod("Trim(s as String) as String", &trim),
       hostMethod("LTrim(s as String) as String", &trimLeft),
       hostMethod("TrimLeft(s as String) as String", &trimLeft),

@@ -148,7 +148,6 @@ void TokenReader::failExpecting(const std::string& what, const std::string& advi
   if (mayGoOn) message += "; a line goes on in the next one after ' _'";
   if (is(Symbol::ampersand)) message += isColour() ? absent("Color") : "; texts are joined with '+'";
   if (peek().kind == TokenKind::word && !isReserved(peek().keyword)) message += absent(peek().text);
-  if (peek().kind == TokenKind::endOfLine && peek().text == ":") message += absent("Pair");
   failHere(message + advice);
 }
 

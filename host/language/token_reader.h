@@ -6,13 +6,17 @@
 #include <vector>
 
 #include "language/lexer.h"
+#include "language/mistyped.h"
 #include "language/syntax.h"
 
 namespace host {
 
 class TokenReader {
  public:
-  TokenReader(std::string_view text, Problems& found) : problems(found), tokens_(tokenize(text, found)) {
+  // `mends`: the whole program is there, so that words are known that mean nothing in it.
+  TokenReader(std::string_view text, bool mends, Problems& found)
+      : problems(found), tokens_(tokenize(text, found)) {
+    if (mends) mendWords(tokens_, problems);
     problems.startPass();
   }
 

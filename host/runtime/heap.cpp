@@ -166,6 +166,8 @@ void destroy(Heap* thing) {
   while (destruction.depth == 0 && destruction.putOff) destroyNow(takePutOff());
 }
 
+bool anyDestructionIsPutOff() { return destruction.putOff; }
+
 void forEachLive(const std::function<void(const Heap&)>& visit) {
   for (auto each = lists().rbegin(); each != lists().rend(); ++each) each->visit(visit);
 }

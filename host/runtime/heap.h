@@ -29,6 +29,8 @@ Heap* allocate(const Class& objectClass, std::size_t size);
 
 // Finalizes a thing without references and frees its memory; for release alone.
 void destroy(Heap* thing);
+// Whether this thread has more to destroy when its stack is free again.
+bool anyDestructionIsPutOff();
 
 inline void retain(Heap* thing) {  // null: nothing
   if (thing) thing->references.fetch_add(1, std::memory_order_relaxed);

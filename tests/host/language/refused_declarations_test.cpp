@@ -19,16 +19,19 @@ TEST(RefusedDeclarations, OfModulesAndEnumerations) {
       {"Module M\nDim x As Integer 5\nEnd Module",
        "2:18 expected the end of the line after the declaration, found '5'"},
       {"Module M\nEnd Module\nModule M\nEnd Module", "3:8 there is another M already"},
-      {"Module M\nProperty P As Integer\nGet\nReturn 1\nEnd Get\nEnd Property\nEnd Module",
-       "2:10 a computed property belongs into a class; use a Function here"},
+      {"Module M\nProperty P As Integer\nGet\nReturn 1\nEnd Get\nEnd Property\nEnd Module\nM.P = 5",
+       "8:3 P can only be read"},
+      {"Module M\nProperty P As Integer\nGet\nReturn 1\nEnd Get\nEnd Property\nSub P()\nEnd Sub\nEnd Module",
+       "2:10 there is another Sub or Function P already"},
       {"Module M\nPrivate Const Five = 5\nEnd Module\nPrint Five", "4:7 unknown name 'Five'"},
       {"Module M\nPrivate Const Five = 5\nEnd Module\nPrint M.Five", "4:9 Five is Private in M"},
       {"Module M\nProtected Const Five = 5\nEnd Module\nPrint Five", "4:7 unknown name 'Five'"},
       {"Module M\nEnd Module\nPrint M", "3:7 M is no value; expected a member of it"},
       {"Module M\nSub Work()\nEnd Sub\nEnd Module\nM.Wrk", "5:3 M has no member 'Wrk'; did you mean 'Work'?"},
-      {"Private x As Integer",
-       "1:9 expected a Sub, Function, Class, Module or Enum; variables outside of modules are declared with "
-       "Dim, found 'x'"},
+      {"Private x", "1:10 expected 'As' after the variable x, found the end of the line"},
+      {"Private Print 5",
+       "1:9 expected a Sub, Function, Class, Module, Enum, Const or variable, found 'Print'"},
+      {"Private x As Integer 5", "1:22 expected the end of the line after the declaration, found '5'"},
       {"Static x, y As Integer = 5", "1:26 only one variable can be given a value"},
       {"Static x As Integer = \"a\"", "1:23 expected Integer as the value of x, found String"},
   });
@@ -45,6 +48,16 @@ TEST(RefusedDeclarations, OfClasses) {
       {"Class C Inherits Unknwn\nEnd Class", "1:18 unknown type 'Unknwn'"},
       {"Class A Inherits B\nEnd Class\nClass B Inherits A\nEnd Class", "3:7 B inherits from itself"},
       {"Class C Implements Date\nEnd Class", "1:20 expected an interface, found Date"},
+      {"Class C\nProperty X As Integer\nGet\nReturn 1\nEnd Get\nPrivate Set\nEnd Set\nEnd Property\nEnd "
+       "Class",
+       "6:1 Get and Set are for all who see the Property; leave out Private, and write a Sub of its own, "
+       "such as "
+       "Private Sub SetX(value As Integer)"},
+      {"Class C\nProperty X As Integer\nProtected Get\nReturn 1\nEnd Get\nEnd Property\nEnd Class",
+       "3:1 Get and Set are for all who see the Property; leave out Protected, and write a Function of its "
+       "own"},
+      {"Class C\nSub S() As Integer\nEnd Sub\nEnd Class",
+       "2:9 a Sub gives no value; write Function S(…) As …"},
       {"Class C\nDim x As Integer\nDim X As String\nEnd Class", "3:5 there is another X already"},
       {"Class C\nSub S()\nEnd Sub\nSub S()\nEnd Sub\nEnd Class",
        "4:5 there is another Sub or Function S already"},
@@ -125,6 +138,16 @@ TEST(RefusedDeclarations, OfArrays) {
 
 TEST(RefusedDeclarations, OfInterfacesDelegatesAndParameters) {
   expectRefused({
+      {"Interface I\nSub Go()\nEnd Interface\nClass C\nSub Go() Implements I.Go\nEnd Sub\nEnd Class",
+       "5:21 C does not implement I; write Implements I in a line below that of the Class"},
+      {"Interface I\nSub Go()\nEnd Interface\nClass C\nImplements I\nSub Run() Implements I.Go\nEnd Sub\nEnd "
+       "Class",
+       "6:22 a method implements the one of its own name; call it Go"},
+      {"Class C\nSub Go() Implements I\nEnd Sub\nEnd Class",
+       "2:21 expected the method of an interface after Implements, such as I.Go"},
+      {"Module M\nSub Go() Implements I.Go\nEnd Sub\nEnd Module",
+       "2:21 only a method of a class implements that of an interface"},
+      {"Class C\nSub Go() Implements C.Go\nEnd Sub\nEnd Class", "2:21 expected an interface, found C"},
       {"Interface I", "1:1 'Interface' of line 1 has no 'End Interface'"},
       {"Interface I\nPrint 1\nEnd Interface",
        "2:1 expected a Sub or Function without a body, or 'End Interface', found 'Print'"},

@@ -85,7 +85,18 @@ TEST(RefusedPrograms, UseANameThatIsNone) {
       {"For Each e As Integer In list\nNext", "1:26 unknown name 'list'"},
       {"For i = 1 To 3\nNext", "1:5 unknown name 'i'; write For i As Integer = …"},
       {"Sub S()\nDim n As Integer\nEnd Sub\nPrint n", "4:7 unknown name 'n'"},
-      {"If True Then\nDim n As Integer\nEnd If\nPrint n", "4:7 unknown name 'n'"},
+      {"If True Then\nDim n As Integer\nEnd If\nPrint n",
+       "4:7 n is declared in line 2, in a block that ends before this; declare it above that block"},
+      {"Print n\nDim n As Integer",
+       "1:7 n is declared further down, in line 2; declare it above its first use"},
+      {"Sub S()\nn = 5\nWhile True\nConst k = 1, N = 2\nWend\nEnd Sub",
+       "4:12 a line has one Const; write the next one in a line of its own"},
+      {"Sub S()\nn = 5\nTry\nCatch N As RuntimeException\nEnd Try\nEnd Sub",
+       "2:1 n is declared further down, in line 4; declare it above its first use"},
+      {"Do\nFor Each n As Integer In Array(1)\nNext\nLoop Until n = 1",
+       "4:12 n is declared in line 2, in a block that ends before this; declare it above that block"},
+      {"Select Case 1\nCase 1\nFor n As Integer = 1 To 2\nNext\nEnd Select\nPrint n",
+       "6:7 n is declared in line 3, in a block that ends before this; declare it above that block"},
       {"Dim n As Integer = n", "1:20 unknown name 'n'"},
   });
 }
@@ -177,8 +188,7 @@ TEST(RefusedPrograms, DeclareWhatCannotBe) {
        "1:37 the parameter b follows one with a default and needs one too"},
       {"Sub S(a As Integer = \"x\")\nEnd Sub", "1:22 expected Integer as the default of a, found String"},
       {"Sub S(a As Integer, A As Integer)\nEnd Sub", "1:5 two parameters of S are called A"},
-      {"Sub S() As Integer\nEnd Sub",
-       "1:9 expected the end of the line after the declaration of S, found 'As'"},
+      {"Sub S() As Integer\nEnd Sub", "1:9 a Sub gives no value; write Function S(…) As …"},
       {"Function F()\nEnd Function",
        "1:13 expected 'As' and a type after the Function F, found the end of the line"},
       {"Sub S()\nEnd Function", "1:1 'Sub' of line 1 has no 'End Sub'"},
@@ -334,9 +344,9 @@ TEST(RefusedPrograms, ViewWhatIsNoNumber) {
 
 TEST(RefusedPrograms, LeaveLoopsThatAreNotTheInnermost) {
   expectRefused({
-      {"For i As Integer = 1 To 2\nFor j As Integer = 1 To 2\nExit For i\nNext\nNext",
-       "3:10 Exit For means the innermost For, that of j; to leave several loops, put them into a Sub and "
-       "Return"},
+      {"For i As Integer = 1 To 2\nFor j As Integer = 1 To 2\nExit For k\nNext\nNext",
+       "3:10 no For around this has the variable k"},
+      {"Dim k As Integer\nWhile True\nContinue For k\nWend", "3:14 no For around this has the variable k"},
       {"Select Case 1\nCase 1\nExit Select\nEnd Select",
        "3:6 a Case ends where the next one begins; Exit is for loops, Subs and Functions"},
       {"Select Case 1\nCase IsA Thread\nEnd Select",

@@ -46,9 +46,23 @@ TEST(RefusedWords, SayThatLinesAreNotNumberedAndNoDirectives) {
       {"If True Then\n20 Print 1\nEnd If",
        "2:1 expected a statement; this host has no line numbers: leave them out"},
       {"#If TargetMacOS Then",
-       "1:1 unexpected character '#'; this host has no compiler directives; use Const and If"},
-      {"Print 1\n  #Pragma Warning",
-       "2:3 unexpected character '#'; this host has no compiler directives; use Const and If"},
+       "1:1 this host has no #If; write Const and If, or leave in what is for this host"},
+      {"Print 1\n  #Pragma Warning", "2:3 this host has no compiler directives; leave this line out"},
+      {"#Else", "1:1 there is no #If that this belongs to"},
+      {"#EndIf", "1:1 there is no #If that this belongs to"},
+      {"Print 1 # 2", "1:9 unexpected character '#'"},
+  });
+}
+
+TEST(RefusedWords, AreOneDirectiveOfABlock) {
+  expectRefused({
+      {"#If A Then\n#If B Then\nDim x As Integer = 5\n#Else\nDim x As Integer = 6\n#EndIf\n#ElseIf C\n"
+       "nonsense (\n#If D\n#EndIf\n#Else\nmore of it\n#EndIf\nPrint x",
+       "1:1 this host has no #If; write Const and If, or leave in what is for this host"},
+      {"#If A Then\nPrint x\n#Else\nPrint y",
+       "1:1 this host has no #If; write Const and If, or leave in what is for this host"},
+      {"Print 1\n#If A\n#Else\n#End If\n",
+       "2:1 this host has no #If; write Const and If, or leave in what is for this host"},
   });
 }
 
@@ -64,15 +78,32 @@ TEST(RefusedWords, SayWhatIsWrittenOtherwise) {
       {"Exception e As RuntimeException",
        "1:13 expected the end of the statement, found 'As'; the class is RuntimeException, and what may "
        "raise one stands between Try and Catch"},
+      {"Dim s As String\nPrint s(0)",
+       "2:8 a String has no elements; its characters are Middle(s, i, 1), from 0"},
+      {"Dim d As New Dictionary\nPrint d.Value(1).Value(2)",
+       "2:18 a Variant has no member 'Value'; that of a Dictionary in it is Dictionary(v).Value"},
+      {"Print Variant.TypeInteger",
+       "1:15 the class Variant has no shared member 'TypeInteger'; an Integer is a Variant.TypeInt64, an "
+       "Int32 a "
+       "Variant.TypeInt32"},
+      {"Dim d As New Dictionary(\"a\" : 1, \"b\" : 2)",
+       "1:29 unexpected ':'; this host has no pairs; use a Dictionary, or a class with two properties"},
+      {"Dim a() As Integer = (1, 2)", "1:24 an array of several values is written Array(…)"},
+      {"Dim a() As Integer = {1, 2}", "1:22 an array of several values is written Array(…)"},
+      {"Dim a() As Integer = [1, 2]", "1:22 an array of several values is written Array(…)"},
+      {"Dim a() As Integer\nPrint a[0", "2:8 there is no '['; write '('"},
+      {"Dim x As Double = 5.", "1:20 a number ends with a digit; leave out the '.', or write .0"},
+      {"Call Print(5)", "1:6 Print is no Sub; leave out Call"},
+      {"Select Case 5\nCase >= 5\nEnd Select", "2:6 write Is in front of a comparison, as in Case Is >= 5"},
+      {"GoTo done\nPrint 1\ndone:",
+       "1:1 unknown name 'GoTo'; this host has no jumps; use a loop with Exit and "
+       "Continue, or a Sub with Return"},
       {"Throw New RuntimeException", "1:1 unknown name 'Throw'; write Raise"},
       {"Dim o As Object = Nothing", "1:19 unknown name 'Nothing'; write Nil"},
       {"Print 1; 2", "1:8 unexpected character ';'; texts are joined with '+'"},
       {"Print (New RuntimeException).Reason", "1:30 RuntimeException has no member 'Reason'; write Message"},
       {"Dim c As Color = &cFF0000",
        "1:18 expected an expression, found '&'; this host has no colours; keep them as Integers"},
-      {"Dim d As New Dictionary(\"a\" : 1)",
-       "1:29 expected ')' after the arguments, found the end of the line; this host has no pairs; use a "
-       "Dictionary, or a class with two properties"},
       {"Print CInt(5)",
        "1:7 unknown name 'CInt'; write the type's name, as in Integer(x), or Val(s) for the number in a "
        "text"},
@@ -141,8 +172,8 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
       {"Dim a(1, 1) As Integer\nPrint Ubound(a, \"x\")",
        "2:17 expected Integer as the dimension, found String"},
       {"Dim a(1, 1) As String\nPrint Join(a, \"x\")",
-       "2:7 Join does not take (String(,), String); expected\n  Join(parts() as String, delimiter as String) "
-       "as String"},
+       "2:7 Join does not take (String(,), String); expected one of\n  Join(parts() as String, delimiter as "
+       "String) as String\n  Join(parts() as String) as String"},
       {"Dim a() As Integer\nPrint a.IndexOf(\"x\")", "2:17 expected Integer as the element, found String"},
       {"Dim a() As Integer\nPrint a.IndexOf(1, \"x\")", "2:20 expected Integer as the start, found String"},
       {"Dim d As New Dictionary\nFor Each k As Variant In d\nNext",
