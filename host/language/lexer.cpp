@@ -382,8 +382,8 @@ class Lexer {
   }
 
   bool restOfLineIsBlank(std::size_t from) const {
-    const std::size_t end = std::min(text_.find('\n', from), text_.size());
-    return text_.substr(from, end - from).find_first_not_of(" \t\r") == std::string_view::npos;
+    const std::size_t next = text_.find_first_not_of(" \t\r", from);
+    return next == std::string_view::npos || text_[next] == '\n';
   }
 
   void symbol() {
@@ -415,7 +415,10 @@ class Lexer {
       at_ = text_.size();
       return;
     }
-    wrong(here(), std::string("unexpected character '") + peek() + "'" + absentDirective(text_.substr(at_)));
+    const auto code = static_cast<unsigned char>(peek());
+    const std::string shown =
+        code < 0x20 || code == 0x7F ? std::to_string(code) : std::string("'") + peek() + "'";
+    wrong(here(), "unexpected character " + shown + absentDirective(text_.substr(at_)));
     ++at_;
   }
 
