@@ -155,7 +155,6 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
     std::fprintf(stderr, "%s: %s\n%s", name.c_str(), what, places.c_str());
   };
   setDeadlockHandler([&](const std::string& places) { reportEnd(Deadlock().what(), places); });
-  handleSignals();
   try {
     const Program program(name, text, steps);
     std::fputs(describe(program.warnings(), name, text).c_str(), stderr);
@@ -362,6 +361,7 @@ int runCommandLine(int argc, char** argv) {
     validation.library = chosen;
     return validateLibrary(validation, asJson);
   }
+  handleSignals();
   loadLibrary(chosen);
   registerBuiltins();
   if (trace) switchTracingOn();
@@ -396,6 +396,8 @@ int host::commandLine(int argc, char** argv) {
     throw std::runtime_error(std::string("standard output: ") + std::strerror(failure));
   } catch (const std::exception& error) {
     std::fprintf(stderr, "qtxhost: %s\n", withoutMiddle(error.what()).c_str());
-    return couldNotRun;
+  } catch (...) {  // while it is loaded; later the guard around each call would
+    std::fputs("qtxhost: the library lets an exception out that is none of the host's\n", stderr);
   }
+  return couldNotRun;
 }
