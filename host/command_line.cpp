@@ -7,7 +7,10 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <cerrno>
+#include <charconv>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -19,6 +22,7 @@
 
 #include "command_line_pages.h"
 #include "language/language.h"
+#include "language/spelling.h"
 #include "runtime/library.h"
 #include "runtime/operations.h"
 #include "runtime/output.h"
@@ -50,9 +54,33 @@ std::filesystem::path ownFile() {
 #endif
 }
 
+// Reads a whole text as a number; not every C++ library's from_chars knows fractions.
+bool readAs(const std::string& text, std::int64_t& number) {
+  const char* const end = text.data() + text.size();
+  const auto [read, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && read == end;
+}
+bool readAs(const std::string& text, double& number) {
+  char* read = nullptr;
+  number = std::strtod(text.c_str(), &read);
+  return !text.empty() && read == text.c_str() + text.size();
+}
+
+// Checks a number of an option: as a whole, and within what the option can mean.
+template <typename Number>
+CLI::Validator numberFrom(Number least, Number most, const char* what) {
+  return CLI::Validator(
+      [=](std::string& text) {
+        Number number{};
+        const bool isRight = readAs(text, number) && number >= least && number <= most;
+        return isRight ? std::string() : "expected " + std::string(what) + ", found \"" + text + "\"";
+      },
+      "");
+}
+
 // The library beside this program, or where an installation puts it.
 std::filesystem::path findLibrary() {
-  if (const char* given = std::getenv("QTX_LIBRARY")) return given;
+  if (const char* given = std::getenv("QTX_LIBRARY"); given && *given) return given;
 #if defined(__APPLE__)
   const char* name = "libqtx.dylib";
 #else
@@ -66,15 +94,28 @@ std::filesystem::path findLibrary() {
   return here / name;
 }
 
+// A stream says the same of what cannot be read as of what is empty.
+void checkStandardInput() {
+  if (::read(STDIN_FILENO, nullptr, 0) != 0) {
+    throw std::runtime_error(std::string("standard input: ") + std::strerror(errno));
+  }
+}
+
 std::string readProgram(const std::string& file) {
   std::ostringstream text;
   if (file == "-") {
+    checkStandardInput();
     text << std::cin.rdbuf();
     return sourceText(text.str());
   }
-  if (!std::filesystem::exists(file)) throw std::runtime_error(file + ": there is no such file");
+  std::error_code unknown;  // that there is a file, or what it is
+  if (!std::filesystem::exists(file, unknown)) {
+    throw std::runtime_error((file.empty() ? "\"\"" : file) + ": there is no such file");
+  }
   std::ifstream stream(file, std::ios::binary);
-  if (std::filesystem::is_directory(file) || !stream) throw std::runtime_error(file + ": cannot be read");
+  if (std::filesystem::is_directory(file, unknown) || !stream) {
+    throw std::runtime_error(file + ": cannot be read");
+  }
   text << stream.rdbuf();
   return sourceText(text.str());
 }
@@ -114,7 +155,6 @@ int run(const std::string& file, std::optional<std::int64_t> steps) {
     std::fprintf(stderr, "%s: %s\n%s", name.c_str(), what, places.c_str());
   };
   setDeadlockHandler([&](const std::string& places) { reportEnd(Deadlock().what(), places); });
-  handleSignals();
   try {
     const Program program(name, text, steps);
     std::fputs(describe(program.warnings(), name, text).c_str(), stderr);
@@ -189,7 +229,7 @@ int runCommandLine(int argc, char** argv) {
                         "The plug-in library (default: $QTX_LIBRARY, or the one beside qtxhost)");
     command->add_option("--host-version", version, "The version that the host reports, such as 2013.04")
         ->capture_default_str()
-        ->check(CLI::Number);
+        ->check(numberFrom(0.0, 10000.0, "a version such as 2013.04"));
     command
         ->add_option("--without", withheld, "A host operation that the host does not offer; may be repeated")
         ->expected(1)
@@ -205,7 +245,7 @@ int runCommandLine(int argc, char** argv) {
   runCommand
       ->add_option("--steps", steps,
                    "How many rounds of loops and calls of Subs the program may take before it is ended")
-      ->check(CLI::NonNegativeNumber);
+      ->check(numberFrom<std::int64_t>(0, INT64_MAX, "how many steps the program may take"));
   runCommand->add_flag("--leaks", leaks, "Lists at the end what is still alive, and then fails");
   runCommand
       ->add_option(
@@ -262,7 +302,7 @@ int runCommandLine(int argc, char** argv) {
                             "All values where some would do, which takes minutes");
   validateCommand->add_option("--seconds", validation.seconds, "How long a case may take before it hangs")
       ->capture_default_str()
-      ->check(CLI::PositiveNumber);
+      ->check(numberFrom(0.001, 1e9, "how many seconds a case may take"));
   validateCommand->add_option("--jobs", validation.jobs,
                               "How many cases run at once (default: a processor each)");
   validateCommand->add_flag("--show-output", validation.shown, "Shows what the library prints");
@@ -290,7 +330,7 @@ int runCommandLine(int argc, char** argv) {
     if (app.get_subcommands().empty() && !unknown.empty()) {
       message = unknown.front() + ": is neither a subcommand nor an option; see qtxhost --help";
     }
-    std::fprintf(stderr, "qtxhost: %s\n", message.c_str());
+    std::fprintf(stderr, "qtxhost: %s\n", withoutMiddle(message).c_str());
     return couldNotRun;
   }
   if (completionCommand->parsed()) {
@@ -301,7 +341,7 @@ int runCommandLine(int argc, char** argv) {
     print(manualPage(app, QTX_VERSION));
     return 0;
   }
-  settings().version = std::stod(version);
+  settings().version = std::strtod(version.c_str(), nullptr);
   settings().otherArrayShape = arrayShape == "other";
   const std::vector<std::string> known = operationNames();
   for (const std::string& operation : withheld) {
@@ -321,6 +361,7 @@ int runCommandLine(int argc, char** argv) {
     validation.library = chosen;
     return validateLibrary(validation, asJson);
   }
+  handleSignals();
   loadLibrary(chosen);
   registerBuiltins();
   if (trace) switchTracingOn();
@@ -334,6 +375,7 @@ int runCommandLine(int argc, char** argv) {
   }
   if (checkCommand->parsed()) return check(files);
   if (replCommand->parsed()) {
+    checkStandardInput();
     return repl() ? 0 : programFailed;
   }
   const int status = run(file, steps);
@@ -353,7 +395,9 @@ int host::commandLine(int argc, char** argv) {
     if (failure == 0) return status;
     throw std::runtime_error(std::string("standard output: ") + std::strerror(failure));
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "qtxhost: %s\n", error.what());
-    return couldNotRun;
+    std::fprintf(stderr, "qtxhost: %s\n", withoutMiddle(error.what()).c_str());
+  } catch (...) {  // while it is loaded; later the guard around each call would
+    std::fputs("qtxhost: the library lets an exception out that is none of the host's\n", stderr);
   }
+  return couldNotRun;
 }

@@ -300,7 +300,17 @@ TEST(CommandLine, RefusesWhatItCannotDo) {
       {{"run", "--library", "no_such_library.so", "examples/tour.bas"}, "no_such_library.so"},
       {{"run", "--library", text.string(), "examples/tour.bas"}, text.string()},
       {{"run", "--without", "PluginNewInstanze", "examples/tour.bas"}, "did you mean PluginNewInstance?"},
-      {{"run", "--host-version", "new", "examples/tour.bas"}, "--host-version"},
+      {{"run", "--host-version", "new", "examples/tour.bas"},
+       "--host-version: expected a version such as 2013.04, found \"new\""},
+      {{"run", "--host-version", "nan", "examples/tour.bas"}, "found \"nan\""},
+      {{"run", "--host-version", "1e400", "examples/tour.bas"}, "found \"1e400\""},
+      {{"run", "--host-version", "-1", "examples/tour.bas"}, "found \"-1\""},
+      {{"run", "--steps", "-1", "examples/tour.bas"},
+       "--steps: expected how many steps the program may take, found \"-1\""},
+      {{"run", "--steps", "99999999999999999999", "examples/tour.bas"}, "--steps"},
+      {{"validate", "--seconds", "nan"}, "--seconds: expected how many seconds a case may take"},
+      {{"run", ""}, "\"\": there is no such file"},
+      {{"run", "--library", std::string(5000, 'x'), "examples/tour.bas"}, "there is no such library"},
       {{"run", "--array-shape", "round", "examples/tour.bas"}, "--array-shape"},
       {{"list", "tests"}, "tests"},
       {{"list", "Incremnt"}, "did you mean 'Increment'?"},
@@ -316,6 +326,7 @@ TEST(CommandLine, RefusesWhatItCannotDo) {
     EXPECT_EQ(refused.errors.find("qtxhost: "), 0u) << refused.errors;
     EXPECT_NE(refused.errors.find(each.named), std::string::npos) << refused.errors;
     EXPECT_EQ(refused.errors.find('\n'), refused.errors.size() - 1) << refused.errors;
+    EXPECT_LT(refused.errors.size(), 600u) << refused.errors;
   }
   fs::remove(text);
 }
@@ -424,6 +435,18 @@ TEST(Repl, FailsWhereABlockOfAPipeIsWrongOrUnfinished) {
             "input:1:1: error: 'For' of line 1 has no 'Next'\n  For i As Integer = 1 To 2\n  ^\n");
 }
 
+// Also of threads that are left when the session ends.
+TEST(Repl, SaysWhereAllThreadsWait) {
+  const Outcome session = qtxhost({"repl"},
+                                  "Dim none As New Semaphore(0)\nnone.Signal\nPrint 7\n"
+                                  "Sub Wait(t As Thread)\nnone.Signal\nEnd Sub\n"
+                                  "Dim t As New Thread\nAddHandler t.Run, AddressOf Wait\nt.Start\n");
+  EXPECT_EQ(session.status, 1);
+  EXPECT_EQ(session.output, "7\n");
+  const std::string told = "input: every thread of the program waits for another\n  at input:";
+  EXPECT_EQ(session.errors, told + "1: Semaphore.Signal\n" + told + "2: Wait: Semaphore.Signal\n");
+}
+
 TEST(Repl, ReportsWhatAThreadDoesNotCatch) {
   const Outcome session = qtxhost({"repl", "--trace"},
                                   "Sub Fail()\nRaise New NilObjectException(\"no\")\nEnd Sub\n"
@@ -513,7 +536,12 @@ TEST_F(ReplOnATerminal, StopsWhatRunsAndDropsLines) {
                                    {"gone\"", "\x03"},
                                    {"> ", "If True Then\n"},
                                    {"... ", "\x03"},
-                                   {"> ", "Print \"still \" + Str(n)\n"},
+                                   {"> ", "If True Then\n"},
+                                   {"... ", "Print \"sleeps\"\n"},
+                                   {"... ", "Thread.Sleep(600000)\n"},
+                                   {"... ", "End If\n"},
+                                   {"sleeps\r\n", "\x03"},
+                                   {"stopped\r\n> ", "Print \"still \" + Str(n)\n"},
                                    {"> ", "exit\n"}});
   EXPECT_NE(outcome.output.find("still 7\r\n"), std::string::npos) << outcome.output;
   EXPECT_EQ(countOf("gone", outcome.output), 1u) << "typed, not printed: " << outcome.output;
@@ -552,6 +580,10 @@ TEST(CommandLine, TakesTheLibraryThatTheEnvironmentNames) {
   unsetenv("QTX_LIBRARY");
   EXPECT_EQ(refused.status, 2);
   EXPECT_EQ(refused.errors, "qtxhost: no_such_library.so: there is no such library\n");
+  setenv("QTX_LIBRARY", "", 1);
+  const Outcome found = qtxhost({"run", "-"}, "Print 1\n");
+  unsetenv("QTX_LIBRARY");
+  EXPECT_EQ(found.output, "1\n") << found.errors;
 }
 
 }  // namespace

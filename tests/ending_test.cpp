@@ -24,12 +24,12 @@ Outcome run(const std::string& program) { return runQtxhost({"run", "-"}, progra
 class Started {
  public:
   explicit Started(const std::string& program, const char* output = nullptr,
-                   const std::vector<std::string>& command = {"run", "-"}) {
+                   const std::vector<std::string>& command = {"run", "-"}, const char* input = nullptr) {
     int toProgram[2], fromProgram[2], fromErrors[2];
     if (pipe(toProgram) != 0 || pipe(fromProgram) != 0 || pipe(fromErrors) != 0) return;
     child_ = fork();
     if (child_ == 0) {
-      dup2(toProgram[0], STDIN_FILENO);
+      dup2(input ? open(input, O_RDONLY) : toProgram[0], STDIN_FILENO);
       dup2(output ? open(output, O_WRONLY) : fromProgram[1], STDOUT_FILENO);
       dup2(fromErrors[1], STDERR_FILENO);
       for (const int* each : {toProgram, fromProgram, fromErrors}) {
@@ -99,7 +99,7 @@ TEST(Output, ComesWhileTheProgramGoesOn) {
 }
 
 TEST(Output, IsWrittenBeforeASignalEndsTheProgram) {
-  for (const int signal : {SIGINT, SIGTERM, SIGHUP}) {
+  for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT}) {
     Started program(hangs);
     EXPECT_EQ(program.outputUpTo("two\n"), "one\ntwo\n");
     EXPECT_EQ(program.end(signal), 128 + signal);
@@ -137,6 +137,16 @@ TEST(Output, ThatFailsEndsTheProgram) {
     EXPECT_EQ(started.end(), 2) << command[0];
   }
 #endif
+}
+
+// It is not taken for a program without lines.
+TEST(Input, ThatCannotBeReadIsAnError) {
+  for (const std::vector<std::string>& command :
+       {std::vector<std::string>{"run", "-"}, {"check", "-"}, {"repl"}}) {
+    Started started("", nullptr, command, "/");
+    EXPECT_EQ(started.errors(), "qtxhost: standard input: Is a directory\n");
+    EXPECT_EQ(started.end(), 2);
+  }
 }
 
 TEST(Trap, NamesTheLineThatRanIntoIt) {

@@ -34,6 +34,7 @@ qtx=$folder/project/qtx
 expect 0 'usage: ./qtx COMMAND' "$qtx" build --help
 expect 0 'usage: ./qtx COMMAND' "$qtx" test --help
 expect 2 'there is no preset "fast"' "$qtx" test fast
+expect 2 'there is no preset "fast"' "$qtx" soak fast 2
 expect 2 'build does not take "twice"' "$qtx" build release twice
 expect 2 'there is no command "sing"' "$qtx" sing
 expect 2 'site takes --serve and a port alone, found "serve"' "$qtx" site serve

@@ -2,7 +2,7 @@
 // use all that the passes before it have entered.
 #include "language/declarations.h"
 
-#include <algorithm>
+#include <map>
 #include <set>
 
 #include "language/classes.h"
@@ -23,6 +23,7 @@ class Declarer::Work {
     enter(members, module_);
     for (const auto& [parsed, space] : enums_) declareEnum(*parsed, *space);
     for (const auto& [parsed, made] : classes_) resolve(*parsed, *made);
+    limitHeights();
     for (const auto& [parsed, space] : delegates_) declareDelegate(*parsed, *space);
     for (const auto& [parsed, space] : members_) declareConstants(*parsed, *space);
     for (const auto& [parsed, made] : classes_) declareClass(*made);
@@ -203,6 +204,31 @@ class Declarer::Work {
     if (!isKnown || !ends) takeBack(made);
   }
 
+  // Each class has what those above it have, so a tower of them takes the square of its height.
+  void limitHeights() {
+    constexpr std::size_t most = 200;
+    std::map<const Class*, std::size_t> heights;
+    for (const auto& [parsed, lowest] : classes_) {
+      std::vector<OwnClass*> path;
+      for (OwnClass* each = lowest; each && each->isOwn && !heights.contains(each);
+           each = const_cast<OwnClass*>(static_cast<const OwnClass*>(each->super))) {
+        path.push_back(each);
+      }
+      for (auto each = path.rbegin(); each != path.rend(); ++each) {
+        OwnClass& made = **each;
+        const auto above = heights.find(made.super);
+        const std::size_t height = above == heights.end() ? 1 : above->second + 1;
+        heights[&made] = height <= most ? height : 1;
+        if (height <= most) continue;
+        problems_.attempt([&] {
+          fail(made.position, "more than " + std::to_string(most) + " classes inherit from each other");
+        });
+        made.super = nullptr;
+        takeBack(made);
+      }
+    }
+  }
+
   // An interface must not be more than itself.
   static void checkInterfaces(const syntax::Class& parsed, const Class& made, const Class& from, int depth) {
     for (const Class* each : from.interfaces) {
@@ -309,9 +335,8 @@ class Declarer::Work {
   void declareClass(OwnClass& made) {
     if (!declared_.insert(&made).second) return;
     if (made.super && made.super->isOwn) {
-      const auto above = std::find_if(classes_.begin(), classes_.end(),
-                                      [&](const auto& each) { return each.second == made.super; });
-      if (above != classes_.end()) declareClass(*above->second);
+      const auto above = parsed_.find(static_cast<const OwnClass*>(made.super));
+      if (above != parsed_.end()) declareClass(const_cast<OwnClass&>(*above->first));
     }
     const syntax::Class& parsed = *parsed_[&made];
     within(made.declared, [&](Names& names) {
@@ -342,11 +367,16 @@ class Declarer::Work {
     sub.hasSelf = true;
     Names names(module_, sub.locals, false, false, {&made.declared, true});
     StatementCompiler statements(names, &sub, false, problems_);
+    std::map<std::string, const Property*> fields;
+    for (const Property& each : made.properties) {
+      if (each.offset != 0) fields.emplace(lowerCase(each.name), &each);
+    }
     for (const syntax::Property& each : parsed.members.properties) {
-      const Property* property = findNamed(made.properties, each.name.text);
-      if (!property || property->offset == 0) continue;
+      const auto found = fields.find(lowerCase(each.name.text));
+      if (found == fields.end()) continue;
+      const Property& property = *found->second;
       problems_.attempt([&] {
-        statements.startProperty(each.stored, property->type, field(*property, names.self()), block);
+        statements.startProperty(each.stored, property.type, field(property, names.self()), block);
       });
     }
     sub.body = std::move(block);

@@ -9,6 +9,7 @@
 #include "language/compiler.h"
 #include "language/lexer.h"
 #include "runtime/registry.h"
+#include "runtime/waiting.h"
 
 namespace host {
 
@@ -97,7 +98,10 @@ Session::~Session() = default;
 
 const std::vector<Problem>& Session::warnings() const { return parts_->names.warnings; }
 
-void Session::stop() noexcept { parts_->names.stepsLeft->store(0); }
+void Session::stop() noexcept {
+  parts_->names.stepsLeft->store(0);
+  stopWaiting(true);
+}
 
 bool Session::knows(std::string_view name) const {
   const std::string key = lowerCase(name);
@@ -169,6 +173,7 @@ Completions Session::completions(std::string_view line) const {
 void Session::run(std::string_view piece) {
   parts_->pieces.push_back(compile(parts_->names, piece, true));
   parts_->names.stepsLeft->store(endless);
+  stopWaiting(false);
   runMain(parts_->pieces.back());
 }
 

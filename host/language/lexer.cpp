@@ -402,8 +402,8 @@ class Lexer {
   }
 
   bool restOfLineIsBlank(std::size_t from) const {
-    const std::size_t end = std::min(text_.find('\n', from), text_.size());
-    return text_.substr(from, end - from).find_first_not_of(" \t\r") == std::string_view::npos;
+    const std::size_t next = text_.find_first_not_of(" \t\r", from);
+    return next == std::string_view::npos || text_[next] == '\n';
   }
 
   // Whether what was read last may have elements.
@@ -499,8 +499,10 @@ class Lexer {
       return;
     }
     if (std::exchange(lineOfUnexpected_, line_) != line_) {
-      wrong(here(), std::string("unexpected character '") + peek() + "'" +
-                        (peek() == ';' ? "; texts are joined with '+'" : ""));
+      const auto code = static_cast<unsigned char>(peek());
+      const std::string shown =
+          code < 0x20 || code == 0x7F ? std::to_string(code) : std::string("'") + peek() + "'";
+      wrong(here(), "unexpected character " + shown + (peek() == ';' ? "; texts are joined with '+'" : ""));
     }
     ++at_;
   }

@@ -369,6 +369,9 @@ void Names::failUnknown(const syntax::Name& name) const {
   if (const std::string advice = absent(name.text); !advice.empty()) {
     throw UnknownName(name.position, name.text, "unknown name '" + name.text + "'" + advice);
   }
+  if (ownClass() && isWrong(ownClass())) throw FollowsFromAnother(name.position);
+  const std::string message = "unknown name '" + name.text + "'";
+  if (!hasSuggestionsLeft()) throw UnknownName(name.position, name.text, message);
   const auto declared = body_ ? declarationOf(name.text, *body_) : std::nullopt;
   if (declared && declared->line != name.position.line) {
     const std::string line = "line " + std::to_string(declared->line);
@@ -384,7 +387,6 @@ void Names::failUnknown(const syntax::Name& name) const {
     for (const auto& [key, local] : block) known.push_back(key);
   }
   if (const Class* own = ownClass()) {
-    if (isWrong(own)) throw FollowsFromAnother(name.position);
     for (std::string& each : membersOf(*own)) known.push_back(std::move(each));
   }
   eachSpace([&](const Declarations& space) {
@@ -408,8 +410,7 @@ void Names::failUnknown(const syntax::Name& name) const {
   for (const char* intrinsic : {"Str", "CStr", "ToString", "Ubound", "VarType", "Array"}) {
     known.push_back(intrinsic);
   }
-  throw UnknownName(name.position, name.text,
-                    "unknown name '" + name.text + "'" + suggestion(name.text, known));
+  throw UnknownName(name.position, name.text, message + suggestion(name.text, known));
 }
 
 }  // namespace host

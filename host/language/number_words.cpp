@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -64,6 +65,37 @@ double withoutTie(double magnitude, int precision) {
   return isTie ? std::nextafter(magnitude, HUGE_VAL) : magnitude;
 }
 
+// What a pattern shows. Of whole numbers and Currency each digit counts, and a Double has but 15 of them.
+struct Shown {
+  Shown(Slot number, Kind ofKind)
+      : slot(number), kind(ofKind), value(convert(number, {ofKind}, {Kind::Double}).number) {
+    if (kind == Kind::Double) return;
+    const bool isNegative = kind != Kind::UInt64 && slot.integer < 0;
+    exact =
+        isNegative ? 0 - static_cast<std::uint64_t>(slot.integer) : static_cast<std::uint64_t>(slot.integer);
+    scale = kind == Kind::Currency ? 4 : 0;
+  }
+  Slot slot;
+  Kind kind;
+  double value;
+  std::optional<std::uint64_t> exact;  // without the sign, in units of the last of `scale` decimals
+  int scale = 0;
+};
+
+// With so many decimals of a number that has `scale` of them, or ends with zeros where that is negative.
+std::string withDecimals(std::uint64_t number, int scale, int precision) {
+  std::uint64_t unit = 1;
+  for (; scale > precision; --scale) unit *= 10;
+  const std::uint64_t rest = number % unit;
+  number = number / unit + (unit > 1 && rest >= unit - rest ? 1 : 0);
+  std::string text = std::to_string(number);
+  for (; scale < 0; ++scale) text += number == 0 ? "" : "0";
+  const auto decimals = static_cast<std::size_t>(scale);
+  if (text.size() <= decimals) text.insert(0, decimals + 1 - text.size(), '0');
+  if (precision > 0) text.insert(text.size() - decimals, 1, '.');
+  return text.append(static_cast<std::size_t>(precision - scale), '0');
+}
+
 // What a pattern says. "$#,##0.00 net" has a text in front, the digits' part, and a text behind.
 struct Pattern {
   explicit Pattern(std::string_view spec) {
@@ -90,15 +122,19 @@ struct Pattern {
   }
 
   // Of the number without its sign.
-  std::string digits(double magnitude) const {
-    char buffer[512];
+  std::string digits(const Shown& number) const {
+    char buffer[512] = "";
     const int precision = static_cast<int>(std::min<std::size_t>(decimals, 100));
+    const double magnitude = std::fabs(percent ? number.value * 100 : number.value);
+    std::string text;
     if (exponent) {
       std::snprintf(buffer, sizeof buffer, "%.*e", precision, magnitude);
+    } else if (number.exact) {
+      text = withDecimals(*number.exact, number.scale - (percent ? 2 : 0), precision);
     } else {
       std::snprintf(buffer, sizeof buffer, "%.*f", precision, withoutTie(magnitude, precision));
     }
-    std::string text = buffer;
+    text += buffer;
     std::string tail;
     if (const std::size_t e = text.find('e'); e != std::string::npos) {
       tail = exponent + text.substr(e + 1);
@@ -154,16 +190,18 @@ std::vector<std::string> sectionsOf(std::string_view pattern) {
   return sections;
 }
 
-REALstring format(double value, REALstring spec) {
+REALstring format(const Shown& number, REALstring spec) {
   return asPending([&] {
+    const double value = number.value;
     const std::vector<std::string> sections = sectionsOf(utf8Of(textOf(spec)));
     const bool bySection = value < 0 && sections.size() > 1 && !sections[1].empty();
     const bool isZeroSection = value == 0 && sections.size() > 2 && !sections[2].empty();
     const Pattern pattern(sections[bySection ? 1 : isZeroSection ? 2 : 0]);
     const bool isEmpty = sections[0].empty() && sections.size() == 1;
+    if (isEmpty) return made(display(number.slot, {number.kind}));
     const double shown = pattern.percent ? value * 100 : value;
-    if (!std::isfinite(shown) || isEmpty) return made(display(Slot{.number = shown}, {Kind::Double}));
-    const std::string digits = pattern.hasDigits ? pattern.digits(std::fabs(shown)) : "";
+    if (!std::isfinite(shown)) return made(display(Slot{.number = shown}, {Kind::Double}));
+    const std::string digits = pattern.hasDigits ? pattern.digits(number) : "";
     const bool isZero = digits.find_first_of("123456789") == std::string::npos;
     std::string text = pattern.before;
     if (bySection || isZeroSection || !pattern.hasDigits) {  // there it is a character like others
@@ -175,6 +213,16 @@ REALstring format(double value, REALstring spec) {
     }
     return made(text + digits + pattern.behind);
   });
+}
+REALstring formatReal(double value, REALstring spec) {
+  return format({{.number = value}, Kind::Double}, spec);
+}
+REALstring formatUnsigned(std::uint64_t value, REALstring spec) {
+  return format({{.integer = static_cast<RBInteger>(value)}, Kind::UInt64}, spec);
+}
+template <Kind kind>
+REALstring formatWhole(RBInteger value, REALstring spec) {
+  return format({{.integer = value}, kind}, spec);
 }
 
 }  // namespace
@@ -188,7 +236,10 @@ void registerNumberWords() {
       hostMethod("CDbl(s as String) as Double", &val),
       hostMethod("ToDouble(s as String) as Double", &realIn),
       hostMethod("ToInteger(s as String) as Integer", &integerIn),
-      hostMethod("Format(value as Double, pattern as String) as String", &format),
+      hostMethod("Format(value as Double, pattern as String) as String", &formatReal),
+      hostMethod("Format(value as Integer, pattern as String) as String", &formatWhole<Kind::Int64>),
+      hostMethod("Format(value as UInt64, pattern as String) as String", &formatUnsigned),
+      hostMethod("Format(value as Currency, pattern as String) as String", &formatWhole<Kind::Currency>),
   };
   registerFunctions(table);
 }

@@ -34,18 +34,14 @@ void warn(Position position, const std::string& message) {
   if (listening) listening->addWarning(position, message);
 }
 
-Problems::Problems() : outer_(std::exchange(listening, this)) {}
+Problems::Problems() : outer_(std::exchange(listening, this)) { allowSuggestions(); }
 
 Problems::~Problems() { listening = outer_; }
 
 void Problems::keep(Problem problem) {
-  for (const Problem& other : found_) {
-    if (other.position.line == problem.position.line && other.position.column == problem.position.column &&
-        other.message == problem.message) {
-      return;
-    }
-  }
-  found_.push_back(std::move(problem));
+  problem.message = withoutMiddle(problem.message);
+  const Position at = problem.position;
+  if (said_.emplace(at.line, at.column, problem.message).second) found_.push_back(std::move(problem));
 }
 
 void Problems::add(const ProgramError& error) {

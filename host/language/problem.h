@@ -6,6 +6,7 @@
 #include <set>
 #include <stdexcept>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -119,8 +120,9 @@ class Problems {
   int pass_ = 0;
   bool anyError_ = false;
   std::vector<Problem> found_;
-  std::map<int, int> passOfLine_;         // in which something was first wrong with it
-  std::set<std::string> unknown_ = {""};  // that of a name that was not read among them
+  std::set<std::tuple<int, int, std::string>> said_;  // what of them and where, so that nothing is said twice
+  std::map<int, int> passOfLine_;                     // in which something was first wrong with it
+  std::set<std::string> unknown_ = {""};              // that of a name that was not read among them
 };
 
 }  // namespace host

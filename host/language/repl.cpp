@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <atomic>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
@@ -19,6 +20,7 @@
 #include "runtime/output.h"
 #include "runtime/report.h"
 #include "runtime/thread.h"
+#include "runtime/waiting.h"
 
 namespace host {
 
@@ -198,6 +200,8 @@ class Repl {
       print("Type help for help.\n");
     }
     setUncaughtHandler([&](const HostException& exception) { tell(describe(exception)); });
+    setDeadlockHandler(
+        [&](const std::string& places) { tell(file_ + ": " + Deadlock().what() + "\n" + places); });
     std::string pending;
     while (true) {
       std::optional<std::string> line = editor ? editor->next(!pending.empty()) : nextOfPipe();
@@ -290,6 +294,9 @@ class Repl {
       tell(describe(exception));
     } catch (const OutOfSteps&) {
       tell("\nstopped\n");
+    } catch (const Stopped&) {
+      tell("\nstopped\n");
+    } catch (const Deadlock&) {  // has been told
     } catch (const ProgramEnd& end) {
       tell(file_ + ": " + end.what() + "\n");
     }
@@ -298,7 +305,7 @@ class Repl {
 
   const std::string file_ = "input";
   Session session_{file_};
-  bool failed_ = false;
+  std::atomic<bool> failed_ = false;  // threads tell as well
 };
 
 }  // namespace

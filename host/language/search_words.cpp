@@ -72,7 +72,7 @@ REALstring replaced(REALstring in, REALstring old, REALstring with, bool all) {
     for (std::size_t at; !wanted.text.empty() && (at = s.find(wanted, start)) != nowhere;) {
       result.append(s.text, start, at - start) += replacement;
       start = at + wanted.text.size();
-      if (!all) break;
+      if (!all || result.size() > mostTextBytes) break;  // a longer one is refused
     }
     return made(result.append(s.text, start));
   });
@@ -127,7 +127,7 @@ REALstring join(REALarray parts, REALstring delimiter) {
   return asPending([&] {
     std::string text;
     auto* array = reinterpret_cast<Array*>(parts);
-    for (std::int64_t i = 0; array && i < array->count(); ++i) {
+    for (std::int64_t i = 0; array && i < array->count() && text.size() <= mostTextBytes; ++i) {
       if (i > 0) text += utf8Of(textOf(delimiter));
       const Ref<> part = Ref<>::adopt(array->get(i).heap);
       text += utf8Of(static_cast<const Text*>(part.get()));

@@ -109,7 +109,12 @@ std::string sourceText(std::string bytes) {
   } else if (isZero(0) && !isZero(1) && view.size() > 1) {
     bytes = fromUtf16(view, encoding::utf16BigEndian);
   }
-  if (bytes.find('\n') == std::string::npos) std::replace(bytes.begin(), bytes.end(), '\r', '\n');
+  // A carriage return ends a line, unless what comes behind it does.
+  for (std::size_t at = 0; (at = bytes.find('\r', at)) != std::string::npos;) {
+    const std::size_t next = std::min(bytes.find_first_not_of('\r', at), bytes.size());
+    if (next == bytes.size() || bytes[next] != '\n') std::fill(&bytes[at], bytes.data() + next, '\n');
+    at = next;
+  }
   return bytes;
 }
 

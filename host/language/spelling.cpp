@@ -59,9 +59,10 @@ bool shareWord(std::string_view left, std::string_view right) {
   return false;
 }
 
-// What other languages call the same.
-bool meanTheSame(std::string_view left, std::string_view right) {
-  static constexpr std::string_view groups[][5] = {
+// What other languages call the same. Null where that is nothing else.
+using Group = std::string_view[5];
+const Group* groupOf(std::string_view name) {
+  static constexpr Group groups[] = {
       {"count", "length", "size"},
       {"add", "append", "push", "enqueue"},
       {"remove", "delete", "erase"},
@@ -77,21 +78,27 @@ bool meanTheSame(std::string_view left, std::string_view right) {
       {"rnd", "random", "rand"},
       {"removeall", "clear", "empty"},
   };
-  for (const auto& group : groups) {
-    const auto isIn = [&](std::string_view name) {
-      return !name.empty() && std::find(std::begin(group), std::end(group), name) != std::end(group);
-    };
-    if (isIn(left) && isIn(right)) return true;
+  for (const Group& group : groups) {
+    if (!name.empty() && std::find(std::begin(group), std::end(group), name) != std::end(group)) {
+      return &group;
+    }
   }
-  return false;
+  return nullptr;
 }
+
+constexpr std::size_t longestCompared = 100;  // nobody misspells a longer name by a letter
+constexpr int mostSuggestions = 200;
+thread_local int suggestionsLeft = mostSuggestions;
 
 }  // namespace
 
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates) {
+  if (name.size() > longestCompared) return "";
   const std::string wanted = lowerCase(name);
-  for (const std::string& candidate : candidates) {
-    if (meanTheSame(wanted, lowerCase(candidate))) return candidate;
+  if (const Group* const group = groupOf(wanted)) {
+    for (const std::string& candidate : candidates) {
+      if (groupOf(lowerCase(candidate)) == group) return candidate;
+    }
   }
   std::string best;
   std::size_t bestDistance = name.size() / 3 + 1;
@@ -125,8 +132,33 @@ std::string withArticle(const std::string& type) {
 }
 
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates) {
+  if (suggestionsLeft == 0) return "";
+  --suggestionsLeft;
   const std::string near = nearest(name, candidates);
   return near.empty() || near.starts_with('_') ? "" : "; did you mean '" + near + "'?";
+}
+
+bool hasSuggestionsLeft() { return suggestionsLeft > 0; }
+void allowSuggestions() { suggestionsLeft = mostSuggestions; }
+
+std::string withoutMiddle(const std::string& text) {
+  constexpr std::size_t longest = 600, kept = 200;
+  const auto startsInside = [&](std::size_t at) { return (text[at] & 0xC0) == 0x80; };  // of a character
+  std::string shorter;
+  for (std::size_t start = 0; start < text.size();) {
+    const std::size_t end = std::min(text.find('\n', start), text.size());
+    const std::size_t next = std::min(end + 1, text.size());
+    if (end - start <= longest) {
+      shorter.append(text, start, next - start);
+    } else {
+      std::size_t first = start + kept, last = end - kept;
+      while (first > start && startsInside(first)) --first;
+      while (last < end && startsInside(last)) ++last;
+      shorter.append(text, start, first - start).append("…").append(text, last, next - last);
+    }
+    start = next;
+  }
+  return shorter;
 }
 
 }  // namespace host

@@ -16,10 +16,16 @@ std::size_t editsBetween(const std::string& wanted, const std::string& other);
 // from it, or made of the same words. Empty if there is none.
 std::string nearest(std::string_view name, const std::vector<std::string>& candidates);
 
+// Of each line that nobody would read to its end, the beginning and the end.
+std::string withoutMiddle(const std::string& text);
+
 // "an Integer", "a String", but "Nil": a type in a sentence.
 std::string withArticle(const std::string& type);
 
-// "; did you mean 'Name'?", or nothing.
+// "; did you mean 'Name'?", or nothing. Each takes time, so there are some hundreds of them, until more are
+// allowed.
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates);
+bool hasSuggestionsLeft();
+void allowSuggestions();
 
 }  // namespace host

@@ -2,7 +2,6 @@
 // from A to Z.
 #include <algorithm>
 #include <string>
-#include <vector>
 
 #include "language/spelling.h"
 #include "language/words.h"
@@ -16,27 +15,27 @@ REALstring part(const Text* of, std::string_view bytes) {
   return made(bytes, of && of->encoding == encoding::ascii ? encoding::ascii : encoding::utf8);
 }
 
-// Where each character of a UTF-8 text starts, and its end.
-std::vector<std::size_t> characters(std::string_view text) {
-  std::vector<std::size_t> starts;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if ((text[i] & 0xC0) != 0x80) starts.push_back(i);
-  }
-  starts.push_back(text.size());
-  return starts;
+// Where the first character of a UTF-8 text starts that stands at `from` or behind it; or its end.
+std::size_t characterFrom(std::string_view text, std::size_t from) {
+  while (from < text.size() && (text[from] & 0xC0) == 0x80) ++from;
+  return from;
+}
+// So many characters behind one, as far as there are so many.
+std::size_t behind(std::string_view text, std::size_t at, std::int64_t count) {
+  for (; count > 0 && at < text.size(); --count) at = characterFrom(text, at + 1);
+  return at;
 }
 
 // `count` characters from the one at `start` (from 0), as far as there are so many.
 std::string cut(const std::string& text, std::int64_t start, std::int64_t count) {
-  const std::vector<std::size_t> at = characters(text);
-  const auto last = static_cast<std::int64_t>(at.size()) - 1;
-  start = std::clamp<std::int64_t>(start, 0, last);
-  count = std::clamp<std::int64_t>(count, 0, last - start);
-  const std::size_t from = at[static_cast<std::size_t>(start)];
-  return text.substr(from, at[static_cast<std::size_t>(start + count)] - from);
+  const std::size_t first = behind(text, characterFrom(text, 0), start);
+  return text.substr(first, behind(text, first, count) - first);
 }
 
-RBInteger len(REALstring s) { return static_cast<RBInteger>(characters(utf8Of(textOf(s))).size()) - 1; }
+RBInteger len(REALstring s) {
+  const std::string text = utf8Of(textOf(s));
+  return std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; });
+}
 RBInteger lenB(REALstring s) { return static_cast<RBInteger>(bytesOf(textOf(s)).size()); }
 REALstring left(REALstring s, RBInteger count) { return part(textOf(s), cut(utf8Of(textOf(s)), 0, count)); }
 REALstring right(REALstring s, RBInteger count) {

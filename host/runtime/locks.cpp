@@ -52,6 +52,12 @@ struct Tickets {
     }
     return left > 0;
   }
+  bool giveBack() {
+    std::int64_t left = count;
+    while (left < INT64_MAX && !count.compare_exchange_weak(left, left + 1)) {
+    }
+    return left < INT64_MAX;
+  }
 };
 
 // Instance data.
@@ -129,8 +135,12 @@ void signal(REALobject self) {
 }
 bool trySignal(REALobject self) { return ticketsOf(self).tryTake(); }
 void releaseTicket(REALobject self) {
-  ++ticketsOf(self).count;
-  notify(ticketsOf(self).released);
+  asPending([&] {
+    if (!ticketsOf(self).giveBack()) {
+      throw HostException("OutOfBoundsException", "The Semaphore has as many places as it can count.");
+    }
+    notify(ticketsOf(self).released);
+  });
 }
 
 }  // namespace

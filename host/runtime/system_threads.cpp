@@ -85,8 +85,14 @@ std::uint64_t threadNumber() {
 }
 
 bool sleepUntil(std::condition_variable& changed, std::unique_lock<std::mutex>& lock,
-                const std::function<bool()>& holds) {
-  changed.wait(lock, holds);
+                const std::function<bool()>& holds, std::chrono::milliseconds longest) {
+  while (!holds()) {
+    if (longest == forever) {
+      changed.wait(lock);
+    } else {
+      changed.wait_for(lock, longest);
+    }
+  }
   return true;
 }
 

@@ -21,10 +21,13 @@ const char* lowestOfStack();
 // A number of this thread's own, from 1 on.
 std::uint64_t threadNumber();
 
-// Sleeps until it holds, which is asked under the lock. False where no other thread can bring it about,
+constexpr std::chrono::milliseconds forever = std::chrono::milliseconds::max();
+
+// Sleeps until it holds, which is asked under the lock whenever something has changed, and at least once in
+// such a time. False where no other thread can bring it about,
 // because all of them wait for this one to come out of here.
 bool sleepUntil(std::condition_variable& changed, std::unique_lock<std::mutex>& lock,
-                const std::function<bool()>& holds);
+                const std::function<bool()>& holds, std::chrono::milliseconds longest);
 
 void sleepFor(std::chrono::milliseconds time);
 

@@ -13,15 +13,14 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t mostBytes = std::size_t{1} << 28;  // keeps a runaway program from taking the machine
-constexpr std::size_t alwaysGranted = 256;               // whatever the settings: messages are texts
+constexpr std::size_t alwaysGranted = 256;  // whatever the settings: messages are texts
 
 }  // namespace
 
 Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding) {
   if (bytes.empty() && textEncoding == encoding::utf8) return nullptr;
   const bool isTooLarge =
-      bytes.size() > alwaysGranted && (bytes.size() > mostBytes || bytes.size() > settings().mostBytes);
+      bytes.size() > alwaysGranted && (bytes.size() > mostTextBytes || bytes.size() > settings().mostBytes);
   Heap* thing = isTooLarge ? nullptr : allocate(*hostClasses().text, sizeof(Text) + bytes.size() + 1);
   if (!thing) throwException("OutOfMemoryException", "There is no memory for the text.");
   auto* text = static_cast<Text*>(thing);

@@ -15,6 +15,9 @@ struct Text : Heap {
   const char* bytes() const { return reinterpret_cast<const char*>(this + 1); }  // length bytes, then a NUL
 };
 
+// None is longer, which keeps a runaway program from taking the machine.
+constexpr std::size_t mostTextBytes = std::size_t{1} << 28;
+
 // Throws HostException OutOfMemoryException when it cannot be allocated. An empty one may be null.
 Ref<Text> makeText(std::string_view bytes, std::uint32_t textEncoding = encoding::utf8);
 

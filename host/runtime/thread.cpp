@@ -119,8 +119,7 @@ REALobject current() {
 
 void sleep(RBInteger milliseconds) {
   constexpr RBInteger aYear = RBInteger{1000} * 60 * 60 * 24 * 365;  // what a clock can add to now
-  const Doing sleeping(Activity::sleeping);
-  sleepFor(std::chrono::milliseconds(std::clamp<RBInteger>(milliseconds, 0, aYear)));
+  sleepHere(std::chrono::milliseconds(std::clamp<RBInteger>(milliseconds, 0, aYear)));
 }
 
 template <Activity activity>

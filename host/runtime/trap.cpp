@@ -25,7 +25,7 @@ Trap traps[] = {
     {SIGFPE, "the processor cannot compute this (SIGFPE)", {}},
     {SIGILL, "this is no instruction of the processor (SIGILL)", {}},
 };
-constexpr int endings[] = {SIGINT, SIGTERM, SIGHUP};
+constexpr int endings[] = {SIGINT, SIGTERM, SIGHUP, SIGQUIT};
 
 // A message in pieces, on the stack.
 class Message {

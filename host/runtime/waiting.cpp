@@ -29,6 +29,8 @@ std::vector<Waiter*>& waiters = *new std::vector<Waiter*>;
 std::function<void(const std::string&)>& deadlockHandler = *new std::function<void(const std::string&)>;
 std::size_t started = 0;     // and not ended
 bool mainIsThrough = false;  // and waits for the others to end
+constinit std::atomic<bool> mayStop{false}, stops{false};
+constexpr std::chrono::milliseconds oneLook{20};  // between one look whether to stop and the next
 
 // With the lock of all waits.
 void checkForDeadlock() {
@@ -53,6 +55,21 @@ void checkForDeadlock() {
 
 }  // namespace
 
+void stopWaiting(bool now) noexcept {
+  stops = now;
+  mayStop = true;
+}
+
+void sleepHere(std::chrono::milliseconds time) {
+  const Doing sleeping(Activity::sleeping);
+  while (mayStop && time > oneLook) {
+    if (stops) throw Stopped();
+    sleepFor(oneLook);
+    time -= oneLook;
+  }
+  sleepFor(time);
+}
+
 void waitUntil(Awaited& awaited, const char* what, const std::function<bool()>& ready) {
   const Doing waiting(Activity::waiting);
   Waiter self{awaited, what, ready, threadNumber(), runningCall};
@@ -60,10 +77,12 @@ void waitUntil(Awaited& awaited, const char* what, const std::function<bool()>& 
   waiters.push_back(&self);
   ++awaited.waiters;  // before looking: whoever makes it ready then looks for those who wait
   checkForDeadlock();
-  const bool canCome = sleepUntil(awaited.changed, lock, [&] { return self.isHopeless || ready(); });
+  const auto isOver = [&] { return self.isHopeless || (mayStop && stops) || ready(); };
+  const bool canCome = sleepUntil(awaited.changed, lock, isOver, mayStop ? oneLook : forever);
   --awaited.waiters;
   std::erase(waiters, &self);
   if (self.isHopeless) throw Deadlock();
+  if (mayStop && stops) throw Stopped();
   if (!canCome) {
     throwException("UnsupportedOperationException",
                    std::string(what) + ": the thread waits for another that waits for its turn.");
@@ -97,7 +116,8 @@ void awaitOtherThreads() {
   std::unique_lock lock(allWaits);
   mainIsThrough = true;
   checkForDeadlock();
-  sleepUntil(anyEnded, lock, [] { return started == 0; });
+  sleepUntil(
+      anyEnded, lock, [] { return started == 0; }, forever);
   mainIsThrough = false;
 }
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <atomic>
+#include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <functional>
@@ -42,6 +43,19 @@ class Deadlock final : public ProgramEnd {
  public:
   const char* what() const noexcept override { return "every thread of the program waits for another"; }
 };
+
+// Ends what somebody has stopped.
+class Stopped final : public ProgramEnd {
+ public:
+  const char* what() const noexcept override { return "stopped"; }
+};
+
+// From the first call on, threads that wait or sleep look now and then whether they are to stop: while that
+// is so, none of them waits any longer, but throws Stopped. A handler of a signal may say so.
+void stopWaiting(bool stops) noexcept;
+
+// Sleeps so long, or until it is stopped.
+void sleepHere(std::chrono::milliseconds time);
 
 // Returns when `ready` holds, which may be asked at any time and changes nothing; `what` is said of it in a
 // report. Throws Deadlock on each thread where none is left that could bring it about, and

@@ -52,7 +52,7 @@ const char* lowestOfStack() { return reinterpret_cast<const char*>(emscripten_st
 std::uint64_t threadNumber() { return ownNumber; }
 
 bool sleepUntil(std::condition_variable&, std::unique_lock<std::mutex>& lock,
-                const std::function<bool()>& holds) {
+                const std::function<bool()>& holds, std::chrono::milliseconds) {
   while (!holds()) {
     lock.unlock();
     const bool ran = runNext();

@@ -234,6 +234,7 @@ extern "C" __attribute__((visibility("default"))) void REALPluginMain(REALresolv
   const char* named = std::getenv("QTX_BROKEN");
   const std::string fault = named ? named : "nothing";
   if (fault == "load") std::abort();
+  if (fault == "load and throw a number") throw 5;
   if (fault == "load and throw") throw std::out_of_range("no");
   const void* const version = resolver("REALGetRBVersion");
   if (fault == "load without an operation" && !version) std::abort();

@@ -52,6 +52,15 @@ TEST_P(BrokenLibrary, IsFoundOut) {
   }
 }
 
+// What runs programs does not call each library in a process of its own.
+TEST(LibraryThatThrows, IsRefusedWhileItIsLoaded) {
+  setenv("QTX_BROKEN", "load and throw a number", 1);
+  const Outcome outcome =
+      runQtxhost({"run", "--library", QTX_BROKEN_LIBRARY, "-"}, "Print 1\n", QTX_SOURCE_DIR);
+  EXPECT_EQ(outcome.status, 2);
+  EXPECT_EQ(outcome.errors, "qtxhost: the library lets an exception out that is none of the host's\n");
+}
+
 constexpr Row rows[] = {
     {"declaration", "Broken(x as Integer as Integer", "records", "declaration"},
     {"type", "Broken(x as integr) as Double", "records", "declaration"},

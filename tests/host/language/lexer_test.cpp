@@ -72,6 +72,7 @@ TEST(Lexer, RefusesWhatIsNoToken) {
     const char* message;
     int column;
   } cases[] = {{"a #", "unexpected character '#'", 3},
+               {"a \f", "unexpected character 12", 3},
                {"\"open", "the text is not closed by a quote", 1},
                {"18446744073709551616", "18446744073709551616 is too big for an integer", 1},
                {"&b102", "&b102 is not a number of base 2", 1},

@@ -326,6 +326,14 @@ TEST(RefusedPrograms, AreTooBig) {
   std::string many = "Sub S()\n";
   for (int i = 0; i <= 20000; ++i) many += "Dim v" + std::to_string(i) + " As Integer\n";
   EXPECT_EQ(problemOf(many + "End Sub"), "20002:5 there are more variables than a Sub may have");
+  std::string below, above;  // classes that inherit from the one before, and from the one behind
+  for (int i = 0; i <= 200; ++i) {
+    const std::string heading = "Class C" + std::to_string(i) + "\n";
+    below += heading + (i > 0 ? "Inherits C" + std::to_string(i - 1) : "") + "\nEnd Class\n";
+    above += heading + (i < 200 ? "Inherits C" + std::to_string(i + 1) : "") + "\nEnd Class\n";
+  }
+  EXPECT_EQ(problemOf(below), "601:7 more than 200 classes inherit from each other");
+  EXPECT_EQ(problemOf(above), "1:7 more than 200 classes inherit from each other");
   std::string ifs;
   for (int i = 0; i < 200000; ++i) ifs += "If True Then ";
   EXPECT_EQ(problemOf(ifs + "Print 1"), "1:2591 blocks or parentheses are nested too deeply");

@@ -187,8 +187,11 @@ TEST(RefusedWords, AreGivenWhatTheyDoNotTake) {
       {"Print Str(1, \"0\", 2)", "1:7 Str takes 1 argument, found 3"},
       {"Print Str()", "1:7 Str takes 1 argument, found 0"},
       {"Print Str(True, \"0\")",
-       "1:7 Str does not take (Boolean, String); expected\n  Format(value as Double, pattern as String) as "
-       "String"},
+       "1:7 Str does not take (Boolean, String); expected one of\n"
+       "  Format(value as Double, pattern as String) as String\n"
+       "  Format(value as Integer, pattern as String) as String\n"
+       "  Format(value as UInt64, pattern as String) as String\n"
+       "  Format(value as Currency, pattern as String) as String"},
       {"Print CStr(1, \"0\")", "1:7 CStr takes 1 argument, found 2"},
       {"Print Sin(\"a\")", "1:7 Sin does not take (String); expected\n  Sin(angle as Double) as Double"},
       {"Print (New Random).InRange(1)",

@@ -57,6 +57,7 @@ TEST(Source, IsReadFromFilesOfAnyOrigin) {
   EXPECT_EQ(sourceText("\0a\0b"s), "ab");
   EXPECT_EQ(sourceText("a\rb\r"), "a\nb\n");
   EXPECT_EQ(sourceText("a\r\nb\r\n"), "a\r\nb\r\n");
+  EXPECT_EQ(sourceText("a\r\nb\rc\n\rd\r\r\ne"), "a\r\nb\nc\n\nd\r\r\ne") << "each ends a line";
   EXPECT_EQ(sourceText(""), "");
   EXPECT_EQ(sourceText("\0"s), "\0"s);
 }
@@ -71,6 +72,30 @@ TEST(Spelling, FindsWhatAWrongNameMayMean) {
   EXPECT_EQ(nearest("ToString", names), "stringValue") << "of the same words";
   EXPECT_EQ(nearest("Nonsense", names), "");
   EXPECT_EQ(suggestion("Valu", names), "; did you mean 'Value'?");
+  EXPECT_EQ(nearest(std::string(1000000, 'x'), names), "") << "at once";
+}
+
+TEST(Spelling, SuggestsAsMuchAsIsRead) {
+  const std::vector<std::string> names = {"Value"};
+  allowSuggestions();
+  for (int i = 0; i < 100; ++i) EXPECT_NE(suggestion("Valu", names), "");
+  for (int i = 0; hasSuggestionsLeft() && i < 100000; ++i) (void)suggestion("Valu", names);
+  EXPECT_EQ(suggestion("Valu", names), "");
+  const Problems next;
+  EXPECT_NE(suggestion("Valu", names), "") << "for another text";
+}
+
+TEST(Spelling, LeavesTheMiddleOfLongLinesOut) {
+  const std::string shortOne(600, 'a'), longOne = "'" + std::string(1000000, 'b') + "'";
+  EXPECT_EQ(withoutMiddle(""), "");
+  EXPECT_EQ(withoutMiddle(shortOne + "\n" + shortOne + "\n"), shortOne + "\n" + shortOne + "\n");
+  const std::string cut = withoutMiddle(shortOne + "\n" + longOne + "\nend");
+  EXPECT_EQ(cut, shortOne + "\n'" + std::string(199, 'b') + "…" + std::string(199, 'b') + "'\nend");
+  std::string wide = "a";
+  for (int i = 0; i < 1000; ++i) wide += "é";
+  std::string half = "a";
+  for (int i = 0; i < 99; ++i) half += "é";
+  EXPECT_EQ(withoutMiddle(wide), half + "…" + half.substr(1) + "é") << "not within a character";
 }
 
 TEST(Problems, AreSaidOnceAndInOrder) {

@@ -28,6 +28,24 @@ TEST(Waiting, EndsWhenWhatIsAwaitedComes) {
   awaitOtherThreads();
 }
 
+TEST(Waiting, EndsWhenItIsStopped) {
+  stopWaiting(false);
+  threadBegins();
+  std::thread other([] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(5));
+    stopWaiting(true);
+  });
+  Awaited awaited;
+  EXPECT_THROW(waitUntil(awaited, "this", [] { return false; }), Stopped);
+  other.join();
+  EXPECT_THROW(sleepHere(std::chrono::hours(24)), Stopped);
+  stopWaiting(false);
+  waitUntil(awaited, "this", [] { return true; });
+  sleepHere(std::chrono::milliseconds(25));
+  threadEnds();
+  awaitOtherThreads();
+}
+
 TEST(Waiting, ForNobodyIsADeadlock) {
   std::string told;
   setDeadlockHandler([&](const std::string& places) { told = places; });
@@ -42,6 +60,7 @@ TEST(Waiting, ForNobodyIsADeadlock) {
   EXPECT_THROW(waitUntil(awaited, "Lock.Enter", [] { return false; }), Deadlock);
   EXPECT_EQ(told, "  at main.bas:7: Lock.Enter\n");
   runningCall = nullptr;
+  setDeadlockHandler({});
 }
 
 TEST(Waiting, IsHopelessOnceTheLastOtherThreadEnds) {
@@ -77,6 +96,7 @@ TEST(Waiting, EndsOnAllThreadsThatWaitForNothing) {
   other.join();
   EXPECT_EQ(deadlocks, 2);
   EXPECT_EQ(told, 1);
+  setDeadlockHandler({});
 }
 
 }  // namespace

@@ -39,3 +39,13 @@ Print Str(3.14159, "0.00") + " " + ToString(2, "000") + " " + (0.25).ToString("0
 ' Halves go away from 0.
 Print Format(0.5, "0") + " " + Format(2.5, "0") + " " + Format(-1157.625, "#,##0.00") + " " + Format(0.125, "0.0#") + " " + Format(1.4999, "0")
 Print Format(4503599627370495.5, "0") + " " + Format(4503599627370497.0, "0") + " " + Format(0.375, "0.00%")
+
+' Every digit of whole numbers and Currency, which a Double has not.
+Dim most As Currency = 922337203685477.5807
+Print Format(most, "#,##0.00") + " " + Format(-most, "0.000000") + " " + Format(most, "0.0%") + " " + Format(most, "")
+Dim half As Currency = 0.005
+Print Format(half, "0.00") + " " + Format(-half, "0.0") + " " + Format(half, "0%") + " " + Format(half, "#.###") + " " + Format(half, "0.0E")
+Dim least As Integer = -9223372036854775808
+Print Format(least, "#,##0;(#,##0.0)") + " " + Format(9007199254740993, "0%") + " " + Format(0, "#%;;zero")
+Dim large As UInt64 = 18446744073709551615
+Print Format(large, "#,##0") + " " + Str(large, "0.0") + " " + large.ToString("+0")

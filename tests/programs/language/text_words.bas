@@ -31,3 +31,12 @@ Print Str("1.5x".ToDouble) + " " + Str("".ToDouble) + " " + Str("-1e-3".ToDouble
 Print Str(Val("&hFF")) + " " + Str(Val(" &o17x")) + " " + Str(Val("&b1012")) + " " + Str(Val("&h")) + " " + Str(Val("&z1")) + " " + Str(Val("&")) + " " + Str(Val("&Hg")) + " " + Str(Val("&O8")) + " " + Str(Val("&Bff")) + " " + Str(Val("&hff"))
 Dim wide As String = ConvertEncoding("Né né", Encodings.UTF16)
 Print Str(wide.IndexOf("NÉ")) + " " + Str(wide.IndexOf("né")) + " " + wide.NthField(" ", 2) + " " + wide.Titlecase + " " + Str(wide.Contains("É"))
+
+' Positions and counts without bounds; characters that are none.
+Dim farRight As Integer = 9223372036854775807
+Dim farLeft As Integer = -farRight - 1
+Dim word As String = "héllo"
+Print "[" + word.Middle(farRight) + "][" + word.Middle(farLeft, farRight) + "][" + word.Middle(1, farRight) + "][" + word.Middle(1, farLeft) + "]"
+Print "[" + word.Mid(farLeft) + "][" + word.Left(farRight) + "][" + word.Left(farLeft) + "][" + word.Right(farRight) + "][" + word.Right(farLeft) + "]"
+Dim broken As String = ChrB(160) + "a" + ChrB(195) + "b"
+Print Str(broken.Length) + " " + Str(LenB(broken)) + " " + Str(LenB(broken.Left(1))) + " " + Str(LenB(broken.Middle(2)))

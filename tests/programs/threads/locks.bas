@@ -93,3 +93,11 @@ Try
 Catch e As OutOfBoundsException
   Print e.Message
 End Try
+Dim full As New Semaphore(9223372036854775807)
+Try
+  full.Release
+Catch e As OutOfBoundsException
+  Print e.Message
+End Try
+Print full.TrySignal
+full.Release
