@@ -152,8 +152,8 @@ class Mender {
 
   std::vector<Token>& tokens_;
   Problems& problems_;
-  std::set<std::string>
-      used_;  // elsewhere than at the start of a line, in lower case: where names are declared
+  // Words that stand elsewhere than at the start of a line, in lower case: names are declared there.
+  std::set<std::string> used_;
 };
 
 }  // namespace
