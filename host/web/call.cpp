@@ -159,6 +159,7 @@ const std::map<std::string, Direct>& shapes() {
       shape<Thing, double>(),
       shape<Thing, double, Thing>(),
       shape<Thing, Integer>(),
+      shape<Thing, Integer, Thing>(),
       shape<Thing, Thing>(),
       shape<Thing, Thing, Integer>(),
       shape<Thing, Thing, Integer, Integer>(),
