@@ -1,6 +1,8 @@
 // Chooses among declarations by the types of the arguments, and converts the arguments.
 #include "language/calls.h"
 
+#include <algorithm>
+
 #include "language/absent_words.h"
 #include "language/conversions.h"
 #include "language/delegates.h"
@@ -141,6 +143,11 @@ void checkParameters(const Method& method, Position position) {
 
 std::string counted(std::size_t count) {
   return std::to_string(count) + (count == 1 ? " argument" : " arguments");
+}
+
+bool anyTakes(const std::vector<const Method*>& candidates, const Exprs& arguments) {
+  return std::any_of(candidates.begin(), candidates.end(),
+                     [&](const Method* each) { return distanceOfAll(arguments, each->declaration) >= 0; });
 }
 
 Expr callMethod(const std::vector<const Method*>& candidates, const Callee& callee, Expr self,
