@@ -89,10 +89,10 @@ expect 1 'error: no' env PATH="$folder/bin" "$qtx" build
 # Of two runs, the second begins to build when the first has done.
 if command -v flock >/dev/null; then
   ln -s "$(command -v flock)" "$folder/bin/flock"
-  stub ninja "case \$* in *-n*) exit 0 ;; esac; echo begin >>'$folder/order'; sleep 3; echo end >>'$folder/order'"
+  stub ninja "case \$* in *-n*) exit 0 ;; esac; echo begin >>'$folder/order'; sleep 4; echo end >>'$folder/order'"
   env PATH="$folder/bin" "$qtx" build >/dev/null 2>&1 &
   first=$!
-  sleep 1
+  until [ -e "$folder/order" ]; do sleep 1; done
   expect 0 'Waiting for another run: build/release' env PATH="$folder/bin" "$qtx" build
   wait "$first" || failed=1
   order=$(tr '\n' ' ' <"$folder/order")

@@ -11,6 +11,7 @@
 #include "language/spelling.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
+#include "runtime/wording.h"
 
 namespace host {
 

@@ -7,6 +7,7 @@
 #include "language/conversions.h"
 #include "language/delegates.h"
 #include "language/invocation.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -127,9 +128,9 @@ std::vector<Passed> passedTo(const Method& method, Exprs arguments) {
 
 void checkCount(const std::vector<Parameter>& parameters, const Callee& callee, const Exprs& arguments) {
   if (arguments.size() > parameters.size() && !takesRest(parameters)) {
-    throw WrongUse(
-        callee.position, callee.name,
-        callee.name + " takes " + counted(parameters.size()) + ", found " + std::to_string(arguments.size()));
+    throw WrongUse(callee.position, callee.name,
+                   callee.name + " takes " + counted(parameters.size(), "argument") + ", found " +
+                       std::to_string(arguments.size()));
   }
 }
 
@@ -140,10 +141,6 @@ void checkParameters(const Method& method, Position position) {
 }
 
 }  // namespace
-
-std::string counted(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " argument" : " arguments");
-}
 
 bool anyTakes(const std::vector<const Method*>& candidates, const Exprs& arguments) {
   return std::any_of(candidates.begin(), candidates.end(),

@@ -17,8 +17,6 @@ struct Callee {
   std::string member = {};  // with what it is a member of
 };
 
-std::string counted(std::size_t arguments);  // "1 argument", "2 arguments"
-
 // Whether one of them can be called with the arguments.
 bool anyTakes(const std::vector<const Method*>& candidates, const Exprs& arguments);
 

@@ -9,6 +9,7 @@
 #include "runtime/array.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -225,7 +226,8 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
                                : isPlainObject(inside) &&
                                      (!type.objectClass || isInstance(held.get(), *type.objectClass)));
       if (!fits) {
-        throw HostException("TypeMismatchException", "A " + nameOf(inside) + " is no " + nameOf(type) + ".");
+        throw HostException("TypeMismatchException",
+                            withLargeArticle(nameOf(inside)) + " is no " + nameOf(type) + ".");
       }
       return held;
     });

@@ -13,6 +13,7 @@
 #include "language/operators.h"
 #include "language/spelling.h"
 #include "runtime/registry.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -312,6 +313,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
 // A function of the host's or a library's. Those that join two values of a kind join any number of them.
 Expr ExpressionCompiler::function(const std::vector<const Method*>& functions, const Name& name, Exprs given,
                                   Links& links) {
+  if (sameName(name.text, "Format")) return callIntrinsic(calleeOf(name), given);
   static constexpr std::string_view joining[] = {"BitAnd", "BitOr", "BitXor", "Min", "Max"};
   const bool joins = std::any_of(std::begin(joining), std::end(joining),
                                  [&](std::string_view each) { return sameName(each, name.text); });

@@ -125,12 +125,6 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
   return "";
 }
 
-std::string withArticle(const std::string& type) {
-  if (type == "Nil") return type;
-  const bool isSpokenWithVowel = type.find_first_of("AEIOaeio") == 0;  // not the U of UInt8
-  return (isSpokenWithVowel ? "an " : "a ") + type;
-}
-
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates) {
   if (suggestionsLeft == 0) return "";
   --suggestionsLeft;

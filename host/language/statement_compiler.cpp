@@ -13,6 +13,7 @@
 #include "language/shown.h"
 #include "language/spelling.h"
 #include "language/statements.h"
+#include "runtime/wording.h"
 
 namespace host {
 
