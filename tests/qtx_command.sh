@@ -44,6 +44,8 @@ mkdir "$folder/project/bench" "$folder/project/docs"
 echo 'Int128 addition' >"$folder/project/docs/performance.md"
 echo '"Int128 addition"' >"$folder/project/bench/int128_subjects.cpp"
 expect 2 'there is no subject with "Cooking" in its name' "$qtx" bench Cooking
+expect 2 'there is no file "first.bas"' "$qtx" run first.bas
+expect 2 'there is no file "first.bas"' "$qtx" check first.bas
 if [ "$(uname)" != Darwin ]; then expect 2 'needs a Mac' "$qtx" build macos; fi
 if [ -e "$folder/project/build" ]; then
   echo 'something was built'
@@ -75,6 +77,13 @@ lines=$(env PATH="$folder/bin" "$qtx" build 2>&1 | grep -c .)
 if [ "$lines" != 2 ]; then
   echo "it said $lines lines instead of what it installs and what to do"
   failed=1
+fi
+
+# A folder that belongs to somebody else; root may write to every one.
+if [ "$(id -u)" != 0 ]; then
+  chmod a-w "$folder/project/build"
+  expect 1 'which you may not write to; copy the project' env PATH="$folder/bin" "$qtx" build
+  chmod u+w "$folder/project/build"
 fi
 
 # A build that takes long, with all there.
