@@ -187,7 +187,11 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
                                                : "the address of a method; a Delegate's type can hold it"
                               : from.kind == Kind::None ? "something without a value"
                                                         : nameOf(from);
-    const std::string message = "expected " + nameOf(type) + " as " + what + ", found " + found;
+    const std::string advice = isText(from) && !value->isLiteral && type.isNumber()
+                                   ? "; Val(…) reads the number in a text"
+                               : isText(type) && from.isNumber() ? "; Str(…) makes a text of a number"
+                                                                 : "";
+    const std::string message = "expected " + nameOf(type) + " as " + what + ", found " + found + advice;
     if (isPlainObject(type) || isPlainObject(from)) throw WrongUse(position, "Operator_Convert", message);
     fail(position, message);
   }

@@ -415,6 +415,11 @@ Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Link
     for (const auto& [key, space] : each->declared.spaces) known.push_back(space->name);
   }
   for (const Property& shared : type.sharedProperties) known.push_back(shared.name);
+  if (type.findProperty(name.text) || !type.findMethods(name.text).empty()) {
+    throw WrongUse(
+        name.position, name.text,
+        name.text + " belongs to an object, such as New " + type.name + " makes, not to the class");
+  }
   failForMember(&type, name, "the class " + type.name + " has no shared member", known);
 }
 
