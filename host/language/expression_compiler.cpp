@@ -331,7 +331,11 @@ Expr ExpressionCompiler::function(const std::vector<const Method*>& functions, c
 
 // A checked view of an object as another class.
 Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, Exprs given) {
-  if (given.size() != 1) fail(name.position, "expected one value in " + type.name + "(…)");
+  if (given.size() != 1) {
+    fail(name.position,
+         "expected one value in " + type.name + "(…)" +
+             (type.isInterface || type.signature ? "" : "; New " + type.name + " makes an object"));
+  }
   Expr object = std::move(given[0]);
   if (isPlainObject(object->type) && !type.signature) {  // any object may turn out to be one
     const Position position = object->position;

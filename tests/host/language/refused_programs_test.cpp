@@ -133,7 +133,7 @@ TEST(RefusedPrograms, TakeOrGiveTheWrongArguments) {
       {"Sub S()\nEnd Sub\nPrint S()(1)", "3:10 this has no value to take an element of"},
       {"Dim p As Ptr\nPrint p.Byte", "2:9 expected one offset in bytes after .Byte"},
       {"Dim p As Ptr\nPrint p.Byte(\"a\")", "2:14 expected Integer as the offset, found String"},
-      {"Print Date()", "1:7 expected one value in Date(…)"},
+      {"Print Date()", "1:7 expected one value in Date(…); New Date makes an object"},
       {"Print Date(5)", "1:12 expected Date as the object, found Integer"},
       {"Sub S(a As Integer)\nEnd Sub\nS", "3:1 the argument a of S is missing"},
       {"Sub S(a As Integer)\nEnd Sub\nS(1, 2)", "3:1 S takes 1 argument, found 2"},
