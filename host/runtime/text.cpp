@@ -61,6 +61,13 @@ Ref<Text> joined(const Text* left, const Text* right) {
   return text;
 }
 
+// Not where a library may hold a text without counting it, nor where misuse of counts is looked for.
+bool Growth::isHeldOnce() const {
+  static const bool areCounted = destroysAnything();
+  return text && text->references.load(std::memory_order_acquire) == 2 && areCounted &&
+         !settings().keepsMemory;
+}
+
 bool Growth::isOfOneEncoding() const {
   return std::all_of(more.begin(), more.end(),
                      [&](const Ref<Text>& each) { return !each || each->encoding == text->encoding; });

@@ -39,7 +39,7 @@ struct Growth {
   Ref<Text> copy() const;
 
  private:
-  bool isHeldOnce() const { return text && text->references.load(std::memory_order_acquire) == 2; }
+  bool isHeldOnce() const;
   bool isOfOneEncoding() const;
   std::size_t length() const;
 };
