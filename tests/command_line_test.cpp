@@ -412,10 +412,11 @@ TEST(Repl, WaitsForTheEndOfABlockAndGoesOnAfterErrors) {
   EXPECT_EQ(session.status, 1);
   EXPECT_EQ(session.output.find("1\n2\nLen(s as String) as Integer\n"), 0u) << session.output;
   EXPECT_TRUE(session.output.ends_with("still\n")) << session.output;
-  EXPECT_EQ(session.errors,
-            "input:2: NilObjectException: no\n  at input:2: Fail\n  at input:1\n"
-            "input:1:19: error: expected String as the value of s, found Integer\n"
-            "  Dim s As String = 5\n                    ^\n");
+  EXPECT_EQ(
+      session.errors,
+      "input:2: NilObjectException: no\n  at input:2: Fail\n  at input:1\n"
+      "input:1:19: error: expected String as the value of s, found Integer; Str(…) makes a text of a number\n"
+      "  Dim s As String = 5\n                    ^\n");
   for (const char* end : {":q", ":quit", "exit", "Quit"}) {
     EXPECT_EQ(qtxhost({"repl"}, std::string("Print 1\n") + end + "\nPrint 2\n").output, "1\n") << end;
   }

@@ -44,6 +44,8 @@ mkdir "$folder/project/bench" "$folder/project/docs"
 echo 'Int128 addition' >"$folder/project/docs/performance.md"
 echo '"Int128 addition"' >"$folder/project/bench/int128_subjects.cpp"
 expect 2 'there is no subject with "Cooking" in its name' "$qtx" bench Cooking
+expect 2 'there is no file "first.bas"' "$qtx" run first.bas
+expect 2 'there is no file "first.bas"' "$qtx" check first.bas
 if [ "$(uname)" != Darwin ]; then expect 2 'needs a Mac' "$qtx" build macos; fi
 if [ -e "$folder/project/build" ]; then
   echo 'something was built'
@@ -77,6 +79,13 @@ if [ "$lines" != 2 ]; then
   failed=1
 fi
 
+# A folder that belongs to somebody else; root may write to every one.
+if [ "$(id -u)" != 0 ]; then
+  chmod a-w "$folder/project/build"
+  expect 1 'which you may not write to; copy the project' env PATH="$folder/bin" "$qtx" build
+  chmod u+w "$folder/project/build"
+fi
+
 # A build that takes long, with all there.
 stub sudo 'exit 0'
 for each in c++ ninja; do stub "$each" 'exit 0'; done
@@ -89,10 +98,10 @@ expect 1 'error: no' env PATH="$folder/bin" "$qtx" build
 # Of two runs, the second begins to build when the first has done.
 if command -v flock >/dev/null; then
   ln -s "$(command -v flock)" "$folder/bin/flock"
-  stub ninja "case \$* in *-n*) exit 0 ;; esac; echo begin >>'$folder/order'; sleep 3; echo end >>'$folder/order'"
+  stub ninja "case \$* in *-n*) exit 0 ;; esac; echo begin >>'$folder/order'; sleep 4; echo end >>'$folder/order'"
   env PATH="$folder/bin" "$qtx" build >/dev/null 2>&1 &
   first=$!
-  sleep 1
+  until [ -e "$folder/order" ]; do sleep 1; done
   expect 0 'Waiting for another run: build/release' env PATH="$folder/bin" "$qtx" build
   wait "$first" || failed=1
   order=$(tr '\n' ' ' <"$folder/order")

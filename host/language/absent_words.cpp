@@ -67,7 +67,25 @@ const std::vector<Topic>& topics() {
       {{"EncodeHex", "DecodeHex", "EncodeBase64", "DecodeBase64", "MD5", "Crypto", "EncodeURLComponent"},
        "this host has no encoders; AscB(s) and Hex(n) show bytes"},
       {{"Math"}, "its functions stand alone, such as Sqrt(2)"},
+      {{"This"}, "write Self"},
+      {{"Console", "WriteLine", "Println", "Printf", "Echo", "Puts"}, "write Print, which shows one value"},
+      {{"Import", "Imports", "Include", "Require"}, "leave it out; all there is is known everywhere"},
+      {{"Except"}, "write Catch"},
       {{"Pair"}, "this host has no pairs; use a Dictionary, or a class with two properties"},
+  };
+  return all;
+}
+
+const std::vector<Topic>& typeTopics() {
+  static const std::vector<Topic> all = {
+      {{"Int", "Long", "Short", "LongInt", "ULong"}, "write Integer, or Int64, Int32, UInt64 and the like"},
+      {{"List", "ArrayList", "Vector", "Stack"},
+       "an array grows and shrinks: Dim a() As Integer, a.Append(…), a.Remove(…)"},
+      {{"HashTable", "HashMap", "Map"}, "write Dictionary"},
+      {{"Float", "Real"}, "write Double, or Single"},
+      {{"Decimal", "Money"}, "write Currency"},
+      {{"Bool"}, "write Boolean"},
+      {{"Char", "Character"}, "write String"},
   };
   return all;
 }
@@ -83,7 +101,7 @@ struct MemberTopic {
 
 const std::vector<MemberTopic>& memberTopics() {
   static const std::vector<MemberTopic> all = {
-      {"Thread", {{"Run"}, "write Start"}},
+      {"Thread", {{"Run"}, "write Start; AddHandler t.Run, AddressOf … says what it runs"}},
       {"Thread", {{"Priority", "StackSize", "DebugIdentifier"}, "leave it out; all threads are alike"}},
       {"Thread", {{"ThreadStates"}, "write Thread.Running, Thread.NotRunning and the like"}},
       {"Thread", {{"SleepCurrent", "YieldToNext"}, "write Thread.Sleep(milliseconds)"}},
@@ -92,9 +110,14 @@ const std::vector<MemberTopic>& memberTopics() {
         "a thread ends with its handler; let that look at a variable, or wait for a Semaphore"}},
       {"MemoryBlock",
        {{"CString", "PString", "WString"}, "write StringValue(offset, count), which takes and gives bytes"}},
+      {"Dictionary", {{"Add", "Put", "Set"}, "write d.Value(key) = value"}},
+      {"Dictionary", {{"Contains", "ContainsKey", "Has", "Exists"}, "write HasKey(key)"}},
+      {"Dictionary", {{"Get", "Item"}, "write Value(key), or Lookup(key, default)"}},
       {"Array", {{"SortWith"}, "write Sort(AddressOf …) for an array of a class that holds both"}},
+      {"Array", {{"Join"}, "write Join(a, separator)"}},
       {"Array", {{"Clone"}, "append its elements to a new array, one by one"}},
       {"Array", {{"FirstIndex", "FirstRowIndex"}, "the first index is 0"}},
+      {"String", {{"Join"}, "write Join(a, separator)"}},
       {"String", {{"StartsWith"}, "write BeginsWith"}},
       {"String", {{"ReplaceLineEndings"}, "write ReplaceAll(s, EndOfLine, …)"}},
       {"String", {{"PadLeft", "PadRight", "Reverse", "Repeat"}, "write a Function of its own with Extends"}},
@@ -112,11 +135,22 @@ const std::vector<MemberTopic>& memberTopics() {
 
 }  // namespace
 
-std::string absent(std::string_view name) {
-  for (const Topic& topic : topics()) {
+namespace {
+
+std::string adviceIn(const std::vector<Topic>& all, std::string_view name) {
+  for (const Topic& topic : all) {
     if (hasName(topic.names, name)) return "; " + std::string(topic.advice);
   }
   return "";
+}
+
+}  // namespace
+
+std::string absent(std::string_view name) { return adviceIn(topics(), name); }
+
+std::string absentType(std::string_view name) {
+  const std::string advice = adviceIn(typeTopics(), name);
+  return advice.empty() ? absent(name) : advice;
 }
 
 std::string absentMember(std::string_view owner, std::string_view name) {

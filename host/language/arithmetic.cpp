@@ -5,11 +5,13 @@
 
 #include "language/calls.h"
 #include "language/conversions.h"
+#include "language/joined_text.h"
 #include "language/operator_parts.h"
 #include "language/operators.h"
 #include "language/spelling.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -145,24 +147,6 @@ Ref<Heap> computeVariants(Operator op, const Heap* left, const Heap* right) {
   return quotientOrRemainder(op, convert(Slot{.number = a}, {Kind::Double}, {Kind::Int64}).integer,
                              convert(Slot{.number = b}, {Kind::Double}, {Kind::Int64}).integer);
 }
-
-Ref<Heap> joined(const Text* a, const Text* b) {
-  if (a && b && a->encoding != b->encoding) return makeText(utf8Of(a) + utf8Of(b));
-  std::string bytes(bytesOf(a));
-  bytes += bytesOf(b);
-  return makeText(bytes, a ? a->encoding : b ? b->encoding : encoding::utf8);
-}
-
-struct JoinedText final : Expression {
-  JoinedText(Expr first, Expr second)
-      : Expression({Kind::String}), left(std::move(first)), right(std::move(second)) {}
-  Ref<Heap> reference(Frame& frame) const override {
-    const Ref<Heap> first = left->reference(frame);
-    const Ref<Heap> second = right->reference(frame);
-    return joined(static_cast<const Text*>(first.get()), static_cast<const Text*>(second.get()));
-  }
-  Expr left, right;
-};
 
 // What is meant for a reader, and no number.
 bool isProse(const Expression& text) {

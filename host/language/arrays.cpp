@@ -10,6 +10,7 @@
 #include "language/places.h"
 #include "language/spelling.h"
 #include "runtime/array.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -141,15 +142,11 @@ std::vector<std::int64_t> countsFor(const Exprs& upperBounds, Frame& frame) {
   return counts;
 }
 
-std::string inWords(std::size_t number, const std::string& one, const std::string& more) {
-  return number == 1 ? "one " + one : std::to_string(number) + " " + more;
-}
-
 }  // namespace
 
 Expr element(Expr array, Position position, Exprs indices) {
   if (indices.size() != array->type.array) {
-    fail(position, "expected " + inWords(array->type.array, "index", "indices") + ", found " +
+    fail(position, "expected " + counted(array->type.array, "index", "indices") + ", found " +
                        std::to_string(indices.size()));
   }
   if (indices.size() > 1) return elementOfSeveral(std::move(array), std::move(indices));
@@ -177,7 +174,8 @@ Expr callArrayMethod(const Callee& callee, Expr array, Exprs arguments) {
     if (arguments.size() < each.arguments || arguments.size() > each.arguments + each.optional) {
       fail(callee.position,
            (each.optional ? "expected " + std::to_string(each.arguments) + " to " : "expected ") +
-               counted(each.arguments + each.optional) + ", found " + std::to_string(arguments.size()));
+               counted(each.arguments + each.optional, "argument") + ", found " +
+               std::to_string(arguments.size()));
     }
     return each.make(std::move(array), arguments);
   }
@@ -203,8 +201,8 @@ Expr newArray(Type type, Exprs upperBounds) {
 Stmt reDim(Position position, Expr array, Exprs upperBounds) {
   const std::uint8_t dimensions = array->type.array;
   if (upperBounds.size() != dimensions) {
-    fail(position, "expected " + inWords(dimensions, "upper bound", "upper bounds") + ", found " +
-                       std::to_string(upperBounds.size()));
+    fail(position,
+         "expected " + counted(dimensions, "upper bound") + ", found " + std::to_string(upperBounds.size()));
   }
   if (dimensions > 1) {
     return statement(position, [array = std::move(array), bounds = std::move(upperBounds)](Frame& f) {

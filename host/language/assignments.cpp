@@ -2,6 +2,7 @@
 #include "language/assignments.h"
 
 #include "language/conversions.h"
+#include "language/joined_text.h"
 #include "language/operators.h"
 #include "runtime/object.h"
 
@@ -56,6 +57,11 @@ Stmt assignment(Position position, Expr target, Expr value) {
     });
   }
   Expr taken = taking.takeValue();
+  if (Exprs added = takeAdded(*place, *taken); !added.empty()) {
+    return statement(position, [place = std::move(place), added = std::move(added)](Frame& frame) {
+      appendTexts(*place, frame, added);
+    });
+  }
   if (place->variable) {
     if (Stmt stored = taken->storing(*place->variable, position)) return stored;
   }
@@ -86,6 +92,11 @@ Stmt compoundAssignment(Position position, Operator op, Expr target, Expr value,
   Expr result = binary(op, before ? before->again() : std::move(again), std::move(value), position);
   warnOfOverwriting(position, op, place->type, result->type);
   if (!before) return assignment(position, std::move(place), std::move(result));
+  if (Exprs added = takeAdded(*before, *result); !added.empty()) {
+    return statement(position, [place = std::move(place), added = std::move(added)](Frame& frame) {
+      appendTextsToFound(*place, frame, added);
+    });
+  }
   Taking taking(place->type, std::move(result));
   return statement(position, [place = std::move(place), before = std::move(before),
                               taking = std::move(taking)](Frame& frame) {

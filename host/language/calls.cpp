@@ -1,10 +1,13 @@
 // Chooses among declarations by the types of the arguments, and converts the arguments.
 #include "language/calls.h"
 
+#include <algorithm>
+
 #include "language/absent_words.h"
 #include "language/conversions.h"
 #include "language/delegates.h"
 #include "language/invocation.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -125,9 +128,9 @@ std::vector<Passed> passedTo(const Method& method, Exprs arguments) {
 
 void checkCount(const std::vector<Parameter>& parameters, const Callee& callee, const Exprs& arguments) {
   if (arguments.size() > parameters.size() && !takesRest(parameters)) {
-    throw WrongUse(
-        callee.position, callee.name,
-        callee.name + " takes " + counted(parameters.size()) + ", found " + std::to_string(arguments.size()));
+    throw WrongUse(callee.position, callee.name,
+                   callee.name + " takes " + counted(parameters.size(), "argument") + ", found " +
+                       std::to_string(arguments.size()));
   }
 }
 
@@ -139,8 +142,9 @@ void checkParameters(const Method& method, Position position) {
 
 }  // namespace
 
-std::string counted(std::size_t count) {
-  return std::to_string(count) + (count == 1 ? " argument" : " arguments");
+bool anyTakes(const std::vector<const Method*>& candidates, const Exprs& arguments) {
+  return std::any_of(candidates.begin(), candidates.end(),
+                     [&](const Method* each) { return distanceOfAll(arguments, each->declaration) >= 0; });
 }
 
 Expr callMethod(const std::vector<const Method*>& candidates, const Callee& callee, Expr self,

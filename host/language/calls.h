@@ -17,9 +17,10 @@ struct Callee {
   std::string member = {};  // with what it is a member of
 };
 
-std::string counted(std::size_t arguments);  // "1 argument", "2 arguments"
+// Whether one of them can be called with the arguments.
+bool anyTakes(const std::vector<const Method*>& candidates, const Exprs& arguments);
 
-// All throw ProgramError where the arguments do not fit.
+// All below throw ProgramError where the arguments do not fit.
 
 // The candidate nearest to the arguments. One without a result is preferred where nothing is done with a
 // result, and only there.

@@ -9,6 +9,7 @@
 #include "runtime/object.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
+#include "runtime/wording.h"
 
 namespace host {
 

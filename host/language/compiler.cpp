@@ -9,6 +9,16 @@ namespace host {
 
 namespace {
 
+// Where other languages begin.
+void warnOfMain(const syntax::Members& declared, Problems& problems) {
+  for (const syntax::Sub& each : declared.subs) {
+    if (!sameName(each.name.text, "Main") || !each.parameters.empty()) continue;
+    problems.addWarning(
+        each.name.position,
+        "nothing calls Main: a program runs what stands outside of Subs, such as a line Main");
+  }
+}
+
 Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool interactive, Problems& problems) {
   Declarer declarer(module, interactive, problems);
   declarer.declare(parsed.declared);
@@ -20,6 +30,7 @@ Main compileParsed(const syntax::Program& parsed, ModuleNames& module, bool inte
   Block body = StatementCompiler(names, nullptr, interactive, problems).block(parsed.main);
   for (Stmt& each : body.statements) main.body.statements.push_back(std::move(each));
   declarer.compileBodies();
+  if (!interactive && parsed.main.empty()) warnOfMain(parsed.declared, problems);
   return main;
 }
 

@@ -9,6 +9,7 @@
 #include "runtime/array.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -186,7 +187,11 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
                                                : "the address of a method; a Delegate's type can hold it"
                               : from.kind == Kind::None ? "something without a value"
                                                         : nameOf(from);
-    const std::string message = "expected " + nameOf(type) + " as " + what + ", found " + found;
+    const std::string advice = isText(from) && !value->isLiteral && type.isNumber()
+                                   ? "; Val(…) reads the number in a text"
+                               : isText(type) && from.isNumber() ? "; Str(…) makes a text of a number"
+                                                                 : "";
+    const std::string message = "expected " + nameOf(type) + " as " + what + ", found " + found + advice;
     if (isPlainObject(type) || isPlainObject(from)) throw WrongUse(position, "Operator_Convert", message);
     fail(position, message);
   }
@@ -225,7 +230,8 @@ Expr convertTo(Expr value, Type type, const std::string& what) {
                                : isPlainObject(inside) &&
                                      (!type.objectClass || isInstance(held.get(), *type.objectClass)));
       if (!fits) {
-        throw HostException("TypeMismatchException", "A " + nameOf(inside) + " is no " + nameOf(type) + ".");
+        throw HostException("TypeMismatchException",
+                            withLargeArticle(nameOf(inside)) + " is no " + nameOf(type) + ".");
       }
       return held;
     });

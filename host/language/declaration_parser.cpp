@@ -226,6 +226,7 @@ void DeclarationParser::sub(const Modifiers& given, Members& into) {
 }
 
 void DeclarationParser::head(syntax::Sub& sub, bool isFunction) {
+  if (tokens_.is(Keyword::newWord)) tokens_.failHere("what makes an object is the Sub Constructor");
   sub.name = tokens_.takeName(std::string("the name of the ") + (isFunction ? "Function" : "Sub"));
   if (tokens_.accept(Symbol::open) && !tokens_.accept(Symbol::close)) {
     do {
@@ -411,6 +412,7 @@ void DeclarationParser::ofClass(Members& into) {
     tokens_.take();
     made.name = tokens_.takeName("the name of the Class");
     inherits(made);
+    if (tokens_.is(Keyword::extendsWord)) tokens_.failHere("write Inherits and the class above");
     tokens_.expectLineEnd("after the Class " + made.name.text);
   });
   members(opener, made.members);

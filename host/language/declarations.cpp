@@ -11,6 +11,7 @@
 #include "language/signatures.h"
 #include "language/spelling.h"
 #include "language/statement_compiler.h"
+#include "runtime/registry.h"
 
 namespace host {
 
@@ -122,8 +123,16 @@ class Declarer::Work {
     }
   }
 
-  Declarations& newSpace(const syntax::Name& name, Declarations& outer) {
+  void checkTypeName(const syntax::Name& name, const Declarations& outer) {
+    const std::optional<Type> type = typeNamed(name.text);
+    if (type && !type->objectClass) {
+      fail(name.position, name.text + " is a type of the language; choose another name");
+    }
     checkFree(name, outer);
+  }
+
+  Declarations& newSpace(const syntax::Name& name, Declarations& outer) {
+    checkTypeName(name, outer);
     Declarations& space = module_.allSpaces.emplace_back();
     space.name = name.text;
     space.outer = &outer;
@@ -133,7 +142,7 @@ class Declarer::Work {
   }
 
   OwnClass& newClass(const syntax::Name& name, Declarations& outer) {
-    checkFree(name, outer);
+    checkTypeName(name, outer);
     OwnClass& made = newOwnClass(module_, name, outer);
     outer.types[lowerCase(name.text)] = {Kind::Object, false, &made};
     outer.spaces[lowerCase(name.text)] = &made.declared;

@@ -13,6 +13,7 @@
 #include "language/operators.h"
 #include "language/spelling.h"
 #include "runtime/registry.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -286,7 +287,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
   if (const Class* type = registry().findClass(name.text)) {
     if (const Name* member = links.takeName()) return memberOfClass(*type, *member, links);
     const Arguments* given = links.peekArguments();
-    if (given && given->parenthesised) return viewAs(*type, name, *links.takeArguments());
+    if (given && given->parenthesised) return viewAs(*type, name, arguments(links.takeArguments()));
     fail(name.position,
          "the class " + type->name + " is no value; expected a member of it, or New " + type->name);
   }
@@ -296,7 +297,7 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
     return memberOfModule(*module, *member, links);
   }
   if (const std::vector<const Method*> functions = registry().findFunctions(name.text); !functions.empty()) {
-    return function(functions, name, links);
+    return function(functions, name, arguments(links.takeArguments()), links);
   }
   if (const Property* shared = registry().findSharedProperty(name.text)) {
     return property(*shared, nullptr);
@@ -310,10 +311,10 @@ Expr ExpressionCompiler::name(const Name& name, Links& links) {
 }
 
 // A function of the host's or a library's. Those that join two values of a kind join any number of them.
-Expr ExpressionCompiler::function(const std::vector<const Method*>& functions, const Name& name,
+Expr ExpressionCompiler::function(const std::vector<const Method*>& functions, const Name& name, Exprs given,
                                   Links& links) {
+  if (sameName(name.text, "Format")) return callIntrinsic(calleeOf(name), given);
   static constexpr std::string_view joining[] = {"BitAnd", "BitOr", "BitXor", "Min", "Max"};
-  Exprs given = arguments(links.takeArguments());
   const bool joins = std::any_of(std::begin(joining), std::end(joining),
                                  [&](std::string_view each) { return sameName(each, name.text); });
   const Depth depth(depth_, joins ? given.size() : 0, name.position);
@@ -329,9 +330,13 @@ Expr ExpressionCompiler::function(const std::vector<const Method*>& functions, c
 }
 
 // A checked view of an object as another class.
-Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, const Arguments& given) {
-  if (given.values.size() != 1) fail(name.position, "expected one value in " + type.name + "(…)");
-  Expr object = std::move(arguments(&given)[0]);
+Expr ExpressionCompiler::viewAs(const Class& type, const Name& name, Exprs given) {
+  if (given.size() != 1) {
+    fail(name.position,
+         "expected one value in " + type.name + "(…)" +
+             (type.isInterface || type.signature ? "" : "; New " + type.name + " makes an object"));
+  }
+  Expr object = std::move(given[0]);
   if (isPlainObject(object->type) && !type.signature) {  // any object may turn out to be one
     const Position position = object->position;
     object = referenceNode({Kind::Object},
@@ -414,12 +419,17 @@ Expr ExpressionCompiler::memberOfClass(const Class& type, const Name& name, Link
     for (const auto& [key, space] : each->declared.spaces) known.push_back(space->name);
   }
   for (const Property& shared : type.sharedProperties) known.push_back(shared.name);
+  if (type.findProperty(name.text) || !type.findMethods(name.text).empty()) {
+    throw WrongUse(
+        name.position, name.text,
+        name.text + " belongs to an object, such as New " + type.name + " makes, not to the class");
+  }
   failForMember(&type, name, "the class " + type.name + " has no shared member", known);
 }
 
 Expr ExpressionCompiler::memberOfModule(const Module& module, const Name& name, Links& links) {
   if (const std::vector<const Method*> functions = functionsOf(module, name.text); !functions.empty()) {
-    return function(functions, name, links);
+    return function(functions, name, arguments(links.takeArguments()), links);
   }
   std::vector<std::string> known;
   for (const Method& method : module.methods) known.push_back(method.declaration.name);
@@ -523,9 +533,10 @@ Exprs ExpressionCompiler::argumentsOf(const std::vector<const Method*>& methods,
     return !each->declaration.parameters.empty();
   });
   const Arguments* given = links.peekArguments();
-  const Method& first = *methods[0];
+  const Type result = methods[0]->declaration.result;
+  const Class* made = isPlainObject(result) ? result.objectClass : nullptr;
   const bool hasElements =
-      !first.isOwn || first.declaration.result.array || isPlainObject(first.declaration.result);
+      result.array || (made && (made->signature || !made->findMethods("Operator_Subscript").empty()));
   const bool indexed =
       !takesArguments && hasElements && given && given->parenthesised && !given->values.empty();
   return indexed ? Exprs() : arguments(links.takeArguments());

@@ -33,10 +33,13 @@ class ExpressionCompiler {
   Expr plainView(Expr value, Type type);
   Expr plainType(Type type, const syntax::Name& name, Links& links);
   Expr memberOfClass(const Class& type, const syntax::Name& name, Links& links);
-  Expr function(const std::vector<const Method*>& functions, const syntax::Name& name, Links& links);
+  Expr function(const std::vector<const Method*>& functions, const syntax::Name& name, Exprs given,
+                Links& links);
   Expr memberOfModule(const Module& module, const syntax::Name& name, Links& links);
   // In own_names.cpp: what a name is where the program itself gives it a meaning. Null where it does not.
   Expr ownName(const syntax::Name& name, Links& links);
+  Expr callOwn(const std::vector<const Method*>& methods, const syntax::Name& name, Expr self, Links& links);
+  Expr callOther(const syntax::Name& name, Exprs& given, Links& links);
   Expr memberOfSelf(const syntax::Name& name, Links& links);
   Expr memberOfSuper(const syntax::Name& name, Links& links);
   Expr memberOfSpace(const Declarations& space, const syntax::Name& name, Links& links);
@@ -50,7 +53,7 @@ class ExpressionCompiler {
   void checkConstructor(const Class& made, const syntax::Name& name) const;
   bool isConstantOfSpace(const syntax::Chain& chain) const;
   Expr elements(Expr value, Position start, const syntax::Arguments& indices, const std::string& written);
-  Expr viewAs(const Class& type, const syntax::Name& name, const syntax::Arguments& arguments);
+  Expr viewAs(const Class& type, const syntax::Name& name, Exprs given);
   // That there is no such member, where that does not follow from something else that is wrong.
   [[noreturn]] static void failForMember(const Class* type, const syntax::Name& name,
                                          const std::string& message, const std::vector<std::string>& known);

@@ -187,7 +187,9 @@ Expression ExpressionParser::primary() {
     default:
       if (!tokens_.accept(Symbol::open)) tokens_.failExpecting("an expression");
       Expression inner = expression();
-      if (tokens_.is(Symbol::comma)) tokens_.failHere("an array of several values is written Array(…)");
+      if (tokens_.is(Symbol::comma))
+        tokens_.failHere(
+            "only one value stands in parentheses; texts are joined with '+', an array is written Array(…)");
       tokens_.expect(Symbol::close, "after the expression");
       return {token.position, syntax::Parenthesised{boxed(std::move(inner))}};
   }

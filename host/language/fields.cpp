@@ -32,6 +32,7 @@ struct OfSelf {
   auto with(Frame& frame, Use use) const {
     return use(*frame.locals[0].heap);
   }
+  bool isSame(const OfSelf&) const { return true; }
 };
 
 // Of the one in a variable, which stays there while the field is read or written.
@@ -42,6 +43,7 @@ struct OfVariable {
   auto with(Frame& frame, Use use) const {
     return use(*notNil(frame.locals[slot], member).heap);
   }
+  bool isSame(const OfVariable& other) const { return other.slot == slot; }
 };
 
 // Of one that is computed.
@@ -53,6 +55,19 @@ struct OfValue {
     const Ref<Heap> held = object->reference(frame);
     return use(*notNil({.heap = held.get()}, member).heap);
   }
+  bool isSame(const OfValue& other) const {
+    return object->place() && other.object->place() && object->place()->isSame(*other.object->place());
+  }
+};
+
+// Of one that has been found, and is held.
+struct OfFound {
+  Heap& object;
+  template <typename Use>
+  auto with(Frame&, Use use) const {
+    return use(object);
+  }
+  bool isSame(const OfFound& other) const { return &other.object == &object; }
 };
 
 template <typename Object>
@@ -89,6 +104,20 @@ class FieldPlace final : public Place {
   std::unique_ptr<Place> again() const override {
     if constexpr (std::is_same_v<Object, OfSelf>) return std::make_unique<FieldPlace>(property_, OfSelf());
     return nullptr;
+  }
+  bool isSame(const Place& other) const override {
+    const auto* field = dynamic_cast<const FieldPlace*>(&other);
+    return field && &field->property_ == &property_ && field->object_.isSame(object_);
+  }
+  bool grow(Frame& frame, const Growth& growth) const override {
+    return object_.with(frame, [&](Heap& object) { return growShared(slotIn(object, property_), growth); });
+  }
+  bool withFound(Frame& frame, const std::function<void(const Place&)>& use) const override {
+    object_.with(frame, [&](Heap& found) {
+      const Ref<Heap> object = Ref<Heap>::share(&found);
+      use(FieldPlace<OfFound>(property_, OfFound{*object}));
+    });
+    return true;
   }
 
  private:

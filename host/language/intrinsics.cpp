@@ -4,8 +4,11 @@
 #include "language/arrays.h"
 #include "language/conditional.h"
 #include "language/conversions.h"
+#include "language/formats.h"
 #include "runtime/registry.h"
+#include "runtime/text.h"
 #include "runtime/variant.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -13,7 +16,22 @@ namespace {
 
 Expr str(const Callee&, Exprs arguments) { return displayed(std::move(arguments[0])); }
 
+// The digits of a number in a Variant or an object count as those of another do.
+bool isFormattedByContent(const Expression& value) {
+  return isVariant(value.type) ||
+         (isPlainObject(value.type) && value.type.objectClass && isWholeNumber(*value.type.objectClass));
+}
+
 Expr formatted(const Callee& callee, Exprs arguments) {
+  if (arguments.size() == 2 && isFormattedByContent(*arguments[0]) && isText(arguments[1]->type)) {
+    Expr value = convertTo(std::move(arguments[0]), {Kind::Variant}, "the argument value of Format");
+    return referenceNode(
+        {Kind::String}, [value = std::move(value), pattern = std::move(arguments[1])](Frame& f) -> Ref<Heap> {
+          const Ref<Heap> held = value->reference(f);
+          const Ref<Heap> spec = pattern->reference(f);
+          return makeText(formatted(held.get(), utf8Of(static_cast<const Text*>(spec.get()))));
+        });
+  }
   return callMethod(registry().findFunctions("Format"), callee, nullptr, std::move(arguments));
 }
 
@@ -55,9 +73,16 @@ constexpr struct {
   std::string_view name;
   std::size_t arguments;
   Expr (*make)(const Callee& callee, Exprs arguments);
-} intrinsics[] = {{"Str", 2, &formatted},       {"Str", 1, &str},       {"CStr", 1, &str},
-                  {"ToString", 2, &formatted},  {"ToString", 1, &str},  {"ToText", 1, &str},
-                  {"Ubound", 2, &ubound},       {"Ubound", 1, &ubound}, {"VarType", 1, &varTypeFunction},
+} intrinsics[] = {{"Str", 2, &formatted},
+                  {"Str", 1, &str},
+                  {"CStr", 1, &str},
+                  {"ToString", 2, &formatted},
+                  {"ToString", 1, &str},
+                  {"ToText", 1, &str},
+                  {"Ubound", 2, &ubound},
+                  {"Ubound", 1, &ubound},
+                  {"VarType", 1, &varTypeFunction},
+                  {"Format", anyCount, &formatted},
                   {"Array", anyCount, &arrayOf}};
 
 }  // namespace
@@ -79,8 +104,8 @@ Expr callIntrinsic(const Callee& callee, Exprs& arguments) {
     const bool isLast = &each == std::end(intrinsics) - 1 || !sameName(each.name, (&each + 1)->name);
     if (each.arguments != anyCount && arguments.size() != each.arguments) {
       if (!isLast) continue;
-      fail(callee.position,
-           callee.name + " takes " + counted(each.arguments) + ", found " + std::to_string(arguments.size()));
+      fail(callee.position, callee.name + " takes " + counted(each.arguments, "argument") + ", found " +
+                                std::to_string(arguments.size()));
     }
     return each.make(callee, std::move(arguments));
   }

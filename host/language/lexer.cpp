@@ -139,6 +139,8 @@ constexpr struct {
     {"==", "=", Symbol::equal},
     {"!=", "<>", Symbol::unequal},
     {"**", "^", Symbol::caret},
+    {"<<", "Bitwise.ShiftLeft(a, bits)", Symbol::times},
+    {">>", "Bitwise.ShiftRight(a, bits)", Symbol::times},
     {"&&", "And", Symbol::times},
     {"||", "Or", Symbol::times},
     {"[", "(", Symbol::open},
@@ -265,6 +267,7 @@ class Lexer {
       problems_.addWarning(here(), "a comment starts with a straight '");
       skipComment();
     } else if (c == '\'' || (c == '/' && peek(1) == '/')) {
+      if (c == '\'') warnOfQuotes();
       skipComment();
     } else if (c == ':') {
       openParentheses_ > 0 ? pair() : endLine();
@@ -380,6 +383,16 @@ class Lexer {
     tokens_.push_back(std::move(token));
   }
 
+  // Of a comment behind something that looks like a text: Print 'this'.
+  void warnOfQuotes() {
+    if (tokens_.empty() || tokens_.back().kind == TokenKind::endOfLine) return;
+    const std::string_view line = text_.substr(at_, text_.find('\n', at_) - at_);
+    const std::size_t closing = line.find('\'', 1);
+    if (closing == std::string_view::npos || closing == 1 || line[1] == ' ') return;
+    if (line.find_first_not_of(" \t\r)", closing + 1) != std::string_view::npos) return;
+    problems_.addWarning(here(), "this is a comment; a text stands in straight quotes: \"");
+  }
+
   void quoted() {
     Token token{TokenKind::text, "", here()};
     const std::size_t curly = lengthOfOne(doubleQuotes);
@@ -458,6 +471,24 @@ class Lexer {
     if ((peek() == '+' || peek() == '-') && peek(1) == peek() && restOfLineIsBlank(at_ + 2)) {
       wrong(here(), std::string("there is no '") + peek() + peek() + "'; write '" + peek() + "= 1'");
       at_ += 2;
+      return;
+    }
+    const bool endsLine = restOfLineIsBlank(at_ + 1);
+    const bool beginsLine = tokens_.empty() || tokens_.back().kind == TokenKind::endOfLine;
+    if ((peek() == '{' && endsLine) || (peek() == '}' && beginsLine)) {
+      wrong(here(),
+            std::string("leave out the '") + peek() + "'; a block goes on to its End, Next, Wend or Loop");
+      ++at_;
+      return;
+    }
+    if (peek() == '/' && peek(1) == '*') {
+      wrong(here(), "a comment begins with ' or // and goes on to the end of its line");
+      skipComment();
+      return;
+    }
+    if (peek() == '#' && peek(1) == ' ' && beginsLine) {
+      wrong(here(), "a comment begins with ' or //");
+      skipComment();
       return;
     }
     if (peek() == '{' || (peek() == '[' && !endsValue())) {

@@ -31,7 +31,7 @@ Type typeAs(const syntax::TypeName& name, Type type) {
 }
 
 [[noreturn]] void failForType(const syntax::TypeName& name, std::vector<std::string> known) {
-  if (const std::string advice = absent(name.text); !advice.empty()) {
+  if (const std::string advice = absentType(name.text); !advice.empty()) {
     throw UnknownName(name.position, name.text, "unknown type '" + name.text + "'" + advice);
   }
   for (const char* each :

@@ -107,6 +107,7 @@ struct Block {
 
 class Place;
 class MethodReference;
+struct Growth;
 
 class Expression {
  public:
@@ -173,6 +174,14 @@ class Place : public Expression {
   virtual void update(Frame& frame, const Change& change) const;
   // The same place once more, where finding it twice is no more than finding it once; else null.
   virtual std::unique_ptr<Place> again() const { return nullptr; }
+
+  // For texts that grow. Whether the other is found in the same way, and so is the same, unless something
+  // between the two has made a difference.
+  virtual bool isSame(const Place&) const { return false; }
+  // False, and nothing done, where the place's text cannot grow where it is.
+  virtual bool grow(Frame&, const Growth&) const { return false; }
+  // Finds the place only once for all that is done with it; false, and nothing done, where that cannot be.
+  virtual bool withFound(Frame&, const std::function<void(const Place&)>&) const { return false; }
 };
 
 // Throws ProgramError where it cannot be assigned to.

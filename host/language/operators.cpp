@@ -5,6 +5,7 @@
 #include "language/conversions.h"
 #include "language/operator_parts.h"
 #include "language/spelling.h"
+#include "runtime/wording.h"
 
 namespace host {
 

@@ -5,8 +5,10 @@
 #include "language/conversions.h"
 #include "language/delegates.h"
 #include "language/expression_compiler.h"
+#include "language/intrinsics.h"
 #include "language/spelling.h"
 #include "runtime/name.h"
+#include "runtime/registry.h"
 
 namespace host {
 
@@ -23,11 +25,29 @@ Expr ExpressionCompiler::ownName(const Name& name, Links& links) {
   if (Expr member = memberOfSelf(name, links)) return member;
   if (Expr variable = names_.find(name.text)) return variable;
   if (const std::vector<const Method*> subs = names_.findSubs(name.text); !subs.empty()) {
-    Exprs given = argumentsOf(subs, links);
-    return callMethod(subs, {name.text, name.position}, nullptr, std::move(given), links.resultUnused());
+    return callOwn(subs, name, nullptr, links);
   }
   if (const Declarations* space = names_.findSpace(name.text)) return nameOfSpace(*space, name, links);
   return nullptr;
+}
+
+Expr ExpressionCompiler::callOwn(const std::vector<const Method*>& methods, const Name& name, Expr self,
+                                 Links& links) {
+  Exprs given = argumentsOf(methods, links);
+  if (!anyTakes(methods, given)) {
+    if (Expr value = callOther(name, given, links)) return value;
+  }
+  return callMethod(methods, {name.text, name.position, links.taken()}, std::move(self), std::move(given),
+                    links.resultUnused());
+}
+
+// Where what the program declares does not take the arguments, a function of that name that the host or a
+// library has may be meant: Join(parts, separator) in a class that inherits from Thread. Null, and the
+// arguments stay, where that does not take them either.
+Expr ExpressionCompiler::callOther(const Name& name, Exprs& given, Links& links) {
+  const std::vector<const Method*> others = registry().findFunctions(name.text);
+  if (anyTakes(others, given)) return function(others, name, std::move(given), links);
+  return others.empty() && given.size() == 1 ? callIntrinsic({name.text, name.position}, given) : nullptr;
 }
 
 // The object whose method this is, and its members; shared ones of its class as well.
@@ -51,8 +71,9 @@ Expr ExpressionCompiler::memberOfSelf(const Name& name, Links& links) {
     fail(name.position, name.text + " belongs to an object, which a Shared method does not have");
   }
   if (namesSuper) return memberOfSuper(name, links);
-  if (!namesSelf) return memberOfObject(*own, std::move(self), name, links);
-  return self;
+  if (namesSelf) return self;
+  if (own->findProperty(name.text)) return memberOfObject(*own, std::move(self), name, links);
+  return callOwn(allowed(own->findMethods(name.text), name), name, std::move(self), links);
 }
 
 // Super.Name(…): what the class above makes of it.
@@ -87,7 +108,12 @@ Expr ExpressionCompiler::nameOfSpace(const Declarations& space, const Name& name
   if (const Name* member = links.takeName()) return memberOfSpace(space, *member, links);
   if (space.ofClass) {
     const syntax::Arguments* given = links.peekArguments();
-    if (given && given->parenthesised) return viewAs(*space.ofClass, name, *links.takeArguments());
+    if (given && given->parenthesised) {
+      Exprs values = arguments(links.takeArguments());
+      const bool isObject = values.size() == 1 && isPlainObject(values[0]->type);
+      if (Expr value = isObject ? nullptr : callOther(name, values, links)) return value;
+      return viewAs(*space.ofClass, name, std::move(values));
+    }
     fail(name.position,
          "the class " + space.name + " is no value; expected a member of it, or New " + space.name);
   }

@@ -6,6 +6,7 @@
 #include "language/shared_reference.h"
 #include "language/widen.h"
 #include "runtime/object.h"
+#include "runtime/text.h"
 
 namespace host {
 
@@ -23,6 +24,11 @@ class FoundPlace : public Place {  // a place that is a slot of memory
     const Slot old = std::exchange(slot(frame), owned);
     releaseSlot(old, type);
   }
+  bool isSame(const Place& other) const override {
+    const auto* found = dynamic_cast<const Derived*>(&other);
+    return found && found->number() == static_cast<const Derived*>(this)->number();
+  }
+  bool grow(Frame& frame, const Growth& growth) const override { return growth.happensIn(slot(frame).heap); }
 
  private:
   Slot& slot(Frame& frame) const { return static_cast<const Derived*>(this)->find(frame); }
@@ -34,6 +40,7 @@ class LocalPlace final : public FoundPlace<LocalPlace> {
     if (!ofType.isReference() && ofType.kind != Kind::Single) variable = Variable::local(slot);
     if (isPlainObject(ofType)) heldIn = slot;
   }
+  std::size_t number() const { return slot_; }
   Slot& find(Frame& frame) const { return frame.locals[slot_]; }
   std::unique_ptr<Place> again() const override { return localPlace(type, slot_); }
 
@@ -44,6 +51,7 @@ class LocalPlace final : public FoundPlace<LocalPlace> {
 class ByRefPlace final : public FoundPlace<ByRefPlace> {
  public:
   ByRefPlace(Type ofType, std::size_t slot) : FoundPlace(ofType), slot_(slot) {}
+  std::size_t number() const { return slot_; }
   Slot& find(Frame& frame) const { return *static_cast<Slot*>(frame.locals[slot_].pointer); }
   std::unique_ptr<Place> again() const override { return byRefPlace(type, slot_); }
 
@@ -69,6 +77,11 @@ class GlobalPlace final : public Place {
     }
   }
   std::unique_ptr<Place> again() const override { return globalPlace(global_); }
+  bool isSame(const Place& other) const override {
+    const auto* global = dynamic_cast<const GlobalPlace*>(&other);
+    return global && &global->global_ == &global_;
+  }
+  bool grow(Frame&, const Growth& growth) const override { return growShared(global_.slot, growth); }
 
  private:
   Global& global_;

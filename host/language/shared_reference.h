@@ -3,6 +3,7 @@
 
 #include "runtime/heap.h"
 #include "runtime/sharing.h"
+#include "runtime/text.h"
 #include "runtime/value.h"
 
 namespace host {
@@ -18,6 +19,12 @@ inline void storeShared(Slot& slot, Heap* owned) {
   Ref<Heap> old;  // goes when this thread is no longer alone with the slot
   const Changing change(&slot);
   old = Ref<Heap>::adopt(std::exchange(slot.heap, owned));
+}
+
+// Whether a text could grow in the slot, where it stays.
+inline bool growShared(Slot& slot, const Growth& growth) {
+  const Changing change(&slot);
+  return growth.happensIn(slot.heap);
 }
 
 }  // namespace host

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "runtime/text.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -150,7 +151,7 @@ std::string describe(const std::vector<Problem>& problems, const std::string& fi
   }
   if (errors > mostShown) {
     const std::size_t more = errors - mostShown;
-    described += file + ": … and " + std::to_string(more) + (more == 1 ? " more error\n" : " more errors\n");
+    described += file + ": … and " + counted(more, "more error") + "\n";
   }
   return described;
 }

@@ -112,23 +112,19 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
       best = candidate;
     }
   }
-  if (!best.empty()) return best;
+  if (!best.empty() && bestDistance < 2) return best;
   // What is written otherwise: the shortest that goes on from the name, then what shares a word.
+  std::string longer;
   for (const std::string& candidate : candidates) {
     if (wanted.size() < 3 || !lowerCase(candidate).starts_with(wanted)) continue;
-    if (best.empty() || candidate.size() < best.size()) best = candidate;
+    if (longer.empty() || candidate.size() < longer.size()) longer = candidate;
   }
+  if (!longer.empty()) return longer;
   if (!best.empty()) return best;
   for (const std::string& candidate : candidates) {
     if (shareWord(name, candidate)) return candidate;
   }
   return "";
-}
-
-std::string withArticle(const std::string& type) {
-  if (type == "Nil") return type;
-  const bool isSpokenWithVowel = type.find_first_of("AEIOaeio") == 0;  // not the U of UInt8
-  return (isSpokenWithVowel ? "an " : "a ") + type;
 }
 
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates) {

@@ -19,9 +19,6 @@ std::string nearest(std::string_view name, const std::vector<std::string>& candi
 // Of each line that nobody would read to its end, the beginning and the end.
 std::string withoutMiddle(const std::string& text);
 
-// "an Integer", "a String", but "Nil": a type in a sentence.
-std::string withArticle(const std::string& type);
-
 // "; did you mean 'Name'?", or nothing. Each takes time, so there are some hundreds of them, until more are
 // allowed.
 std::string suggestion(std::string_view name, const std::vector<std::string>& candidates);

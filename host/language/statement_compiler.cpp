@@ -13,6 +13,7 @@
 #include "language/shown.h"
 #include "language/spelling.h"
 #include "language/statements.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -159,7 +160,13 @@ void StatementCompiler::compile(const syntax::Assign& assign, Position position,
       !mayBeAssignedTo(name->text)) {
     fail(position, "the result of " + sub_->name + " is given by Return: Return …");
   }
-  Expr target = expressions_.compile(assign.target);
+  Expr target;
+  try {
+    target = expressions_.compile(assign.target);
+  } catch (const UnknownName& unknown) {
+    if (name && !assign.compound) failToAssignUnknown(unknown);
+    throw;
+  }
   if (!target->place()) failToAssign(assign.target, position);
   Expr value = expressions_.compile(assign.value);
   warnOfOverwriting(assign, target->type, value->type);
@@ -167,6 +174,20 @@ void StatementCompiler::compile(const syntax::Assign& assign, Position position,
   block.statements.push_back(assign.compound ? compoundAssignment(position, *assign.compound,
                                                                   std::move(target), std::move(value), hidden)
                                              : assignment(position, std::move(target), std::move(value)));
+}
+
+// A name that is assigned to is meant for a variable, and no function is suggested for it.
+void StatementCompiler::failToAssignUnknown(const UnknownName& unknown) const {
+  std::string message = unknown.what();
+  const std::string_view suggests = "; did you mean '";
+  if (const std::size_t at = message.find(suggests); at != std::string::npos) {
+    const std::size_t start = at + suggests.size();
+    if (mayBeAssignedTo(message.substr(start, message.find('\'', start) - start))) return;
+    message.erase(at);
+  }
+  if (!message.ends_with('\'')) return;  // it says what is meant
+  message += "; declare it first: Dim " + unknown.name + " As …";
+  throw UnknownName(unknown.position, unknown.name, message);
 }
 
 bool StatementCompiler::mayBeAssignedTo(const std::string& name) const {

@@ -37,6 +37,7 @@ class StatementCompiler {
   Type typeFor(const syntax::Name& name, Position position, Find find);
   Type typeFor(const syntax::Name& name, const syntax::TypeName& type);
   bool mayBeAssignedTo(const std::string& name) const;
+  void failToAssignUnknown(const UnknownName& unknown) const;
   [[noreturn]] void failToAssign(const syntax::Expression& target, Position position);
   static void warnOfOverwriting(const syntax::Assign& assign, Type target, Type value);
   void compile(const syntax::Const& constant, Position position, Block& block);

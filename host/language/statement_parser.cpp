@@ -340,6 +340,10 @@ Dim::Group StatementParser::dimGroup() {
                                                   : "…") +
                      " = …");
   }
+  if (tokens_.is(Keyword::subWord) || tokens_.is(Keyword::functionWord)) {  // Override Sub, Virtual Function
+    tokens_.failHere("leave out '" + last +
+                     "'; a method takes the place of the one above it that has the same parameters");
+  }
   tokens_.expect(Keyword::asWord, "after the variable " + last);
   if (tokens_.accept(Keyword::newWord)) {
     New made = expressions_.newObject();

@@ -11,6 +11,7 @@
 #include "runtime/output.h"
 #include "runtime/text.h"
 #include "runtime/thread.h"
+#include "runtime/wording.h"
 
 namespace host {
 

@@ -5,6 +5,7 @@
 
 #include "language/words.h"
 #include "runtime/variant.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -35,7 +36,7 @@ REALobject objectValue(REALobject value) {
   return asPending([&]() -> REALobject {
     const Type inside = typeIn(heapOf(value));
     if (value && (inside.array || inside.kind != Kind::Object)) {
-      throw HostException("TypeMismatchException", "A " + nameOf(inside) + " is no Object.");
+      throw HostException("TypeMismatchException", withLargeArticle(nameOf(inside)) + " is no Object.");
     }
     return reinterpret_cast<REALobject>(Ref<>::share(const_cast<Heap*>(heapOf(value))).detach());
   });

@@ -17,6 +17,7 @@
 #include "runtime/settings.h"
 #include "runtime/sharing.h"
 #include "runtime/throwing.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -103,7 +104,7 @@ void Array::reserve(std::int64_t wanted) {
   void* const made = isTooLarge ? nullptr : keeps ? std::malloc(bytes) : std::realloc(head, bytes);
   if (!made) {
     throwException("OutOfMemoryException",
-                   "There is no memory for an array of " + std::to_string(wanted) + " elements.");
+                   "There is no memory for an array of " + counted(wanted, "element") + ".");
   }
   if (keeps) {
     if (head) std::memcpy(made, head, sizeof(Former) + static_cast<std::size_t>(count()) * sizeof(Slot));
@@ -238,8 +239,7 @@ std::int64_t Array::find(std::int64_t from, const std::function<bool(Slot)>& mat
 std::int64_t Array::upperBound(std::int64_t dimension) const {
   if (dimension < 1 || dimension > dimensions) {
     throwException("OutOfBoundsException", "There is no dimension " + std::to_string(dimension) +
-                                               " in an array of " + std::to_string(dimensions) +
-                                               (dimensions == 1 ? " dimension." : " dimensions."));
+                                               " in an array of " + counted(dimensions, "dimension") + ".");
   }
   if (dimensions == 1) return count() - 1;
   const Using use(this);

@@ -13,6 +13,7 @@
 #include "runtime/host_record.h"
 #include "runtime/settings.h"
 #include "runtime/sharing.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -51,7 +52,7 @@ void resize(MemoryData& memory, std::int64_t size) {
                                                        : std::realloc(head, needed));
     if (!made) {
       throw HostException("OutOfMemoryException",
-                          "There is no memory for a MemoryBlock of " + std::to_string(size) + " bytes.");
+                          "There is no memory for a MemoryBlock of " + counted(size, "byte") + ".");
     }
     auto* const bytes = reinterpret_cast<std::byte*>(made + 1);
     if (keeps) copyFromShared(bytes, memory.bytes, static_cast<std::size_t>(memory.size));
@@ -68,9 +69,10 @@ std::byte* locate(REALobject self, std::int64_t offset, std::int64_t count) {
   const MemoryData& memory = memoryIn(self);
   const std::int64_t size = memory.size;
   if (offset < 0 || count < 0 || offset > size || count > size - offset) {
-    throw HostException("OutOfBoundsException",
-                        std::to_string(count) + " bytes at offset " + std::to_string(offset) +
-                            " are outside of the MemoryBlock of " + std::to_string(size) + " bytes.");
+    throw HostException("OutOfBoundsException", counted(count, "byte") + " at offset " +
+                                                    std::to_string(offset) + (count == 1 ? " is" : " are") +
+                                                    " outside of the MemoryBlock of " +
+                                                    counted(size, "byte") + ".");
   }
   return memory.bytes + offset;
 }

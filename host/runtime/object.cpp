@@ -3,6 +3,8 @@
 
 #include <cstring>
 
+#include "runtime/wording.h"
+
 namespace host {
 
 namespace {
@@ -17,7 +19,8 @@ void initialize(const Class& objectClass, Heap* object) {
 
 Ref<Object> makeObject(const Class& objectClass) {
   Heap* thing = allocate(objectClass, objectClass.instanceSize);
-  if (!thing) throwException("OutOfMemoryException", "There is no memory for a " + objectClass.name + ".");
+  if (!thing)
+    throwException("OutOfMemoryException", "There is no memory for " + withArticle(objectClass.name) + ".");
   std::memset(static_cast<void*>(thing + 1), 0, objectClass.instanceSize - sizeof(Heap));
   Ref<Object> made = Ref<Object>::adopt(static_cast<Object*>(thing));
   const PendingAside aside;

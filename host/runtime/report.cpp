@@ -10,6 +10,7 @@
 #include "runtime/registry.h"
 #include "runtime/text.h"
 #include "runtime/thread.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -146,10 +147,10 @@ std::string described(const Heap& thing) {
     what = "String \"" + utf8Of(static_cast<const Text*>(&thing), 160).substr(0, 40) + "\"";
   } else if (thing.objectClass == hostClasses().array) {
     const auto& array = static_cast<const Array&>(thing);
-    what = nameOf(typeOf(array)) + " of " + std::to_string(array.count()) + " elements";
+    what = nameOf(typeOf(array)) + " of " + counted(array.count(), "element");
   }
   const std::int64_t references = thing.references.load();
-  return what + ", " + std::to_string(references) + (references == 1 ? " reference\n" : " references\n");
+  return what + ", " + counted(references, "reference") + "\n";
 }
 
 }  // namespace
@@ -180,7 +181,7 @@ std::string describe(const HostException& exception) {
   text += exception.exception->objectClass->name + ": " + messageOf(*exception.exception) + "\n";
   for (std::size_t i = 0; i < trace.calls.size(); ++i) {
     if (trace.skipped != 0 && i == Trace::keptFirst) {
-      text += "  ... " + std::to_string(trace.skipped) + " calls more ...\n";
+      text += "  ... " + counted(trace.skipped, "call") + " more ...\n";
     }
     const Trace::Call& each = trace.calls[i];
     text += "  at " + place(each) + (*each.sub ? std::string(": ") + each.sub : "") + "\n";

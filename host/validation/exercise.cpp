@@ -11,6 +11,7 @@
 #include "runtime/name.h"
 #include "runtime/text.h"
 #include "runtime/variant.h"
+#include "runtime/wording.h"
 #include "validation/isolation.h"
 #include "validation/watch.h"
 
@@ -110,7 +111,7 @@ void refuseViolation() {
 std::string abridged(const std::string& text) {
   constexpr std::size_t mostShown = 120;
   if (text.size() <= 2 * mostShown) return text;
-  return text.substr(0, mostShown) + "... (" + std::to_string(text.size()) + " bytes, hash " +
+  return text.substr(0, mostShown) + "... (" + counted(text.size(), "byte") + ", hash " +
          std::to_string(NameHash()(text)) + ")";
 }
 

@@ -9,6 +9,7 @@
 
 #include "runtime/registry.h"
 #include "runtime/settings.h"
+#include "runtime/wording.h"
 
 namespace host {
 
@@ -239,7 +240,7 @@ bool RecordChecks::checkProperty(const Owner& owner, const REALproperty& record,
     } else if (offset > owner.dataSize || size > owner.dataSize - offset) {
       report(where, "offset",
              "its field at offset " + std::to_string(record.parameter) +
-                 " lies outside of the instance data of " + std::to_string(owner.dataSize) + " bytes");
+                 " lies outside of the instance data of " + counted(owner.dataSize, "byte"));
       sound = false;
     } else if (offset % size != 0) {
       report(where, "offset",
@@ -282,8 +283,7 @@ void RecordChecks::addClass(REALclassDefinition* record) {
     }
   }
   if (record->dataSize > mostData) {
-    report(where, "offset",
-           "its instance data of " + std::to_string(record->dataSize) + " bytes is too large");
+    report(where, "offset", "its instance data of " + counted(record->dataSize, "byte") + " is too large");
     kept.dataSize = 0;
     kept.constructor = kept.destructor = nullptr;
   }

@@ -5,13 +5,11 @@
 
 #include <algorithm>
 
+#include "runtime/wording.h"
+
 namespace host {
 
 namespace {
-
-std::string counted(std::size_t count, const std::string& one, const std::string& many) {
-  return std::to_string(count) + " " + (count == 1 ? one : many);
-}
 
 // A JSON text; bytes that are no ASCII stand as the library gave them, which registers its names in UTF-8.
 std::string json(const std::string& text) {
@@ -50,17 +48,14 @@ std::string textOf(const Validation& validation, const ValidationOptions& option
     if (!wasMade(check, validation)) continue;
     const auto faults = std::count_if(validation.findings.begin(), validation.findings.end(),
                                       [&](const Finding& each) { return each.check == check.name; });
-    const std::string found =
-        faults == 0 ? "no fault" : counted(static_cast<std::size_t>(faults), "fault", "faults");
+    const std::string found = faults == 0 ? "no fault" : counted(static_cast<std::size_t>(faults), "fault");
     text += fmt::format("{:<10} {:>6}  {:<10}  {}\n", check.name, validation.cases.at(check.name), found,
                         check.says);
   }
-  text += "\n" + options.library.filename().string() + ": " +
-          counted(validation.records, "record", "records") + ", " +
-          counted(validation.members, "member", "members") + ": ";
+  text += "\n" + options.library.filename().string() + ": " + counted(validation.records, "record") + ", " +
+          counted(validation.members, "member") + ": ";
   return text +
-         (validation.findings.empty() ? "no fault was found"
-                                      : counted(validation.findings.size(), "fault", "faults")) +
+         (validation.findings.empty() ? "no fault was found" : counted(validation.findings.size(), "fault")) +
          "\n";
 }
 

@@ -112,7 +112,7 @@ TEST(RefusedDeclarations, OfClasses) {
 
 TEST(RefusedDeclarations, OfArrays) {
   expectRefused({
-      {"Dim a() As Integer\nReDim a(1, 2)", "2:1 expected one upper bound, found 2"},
+      {"Dim a() As Integer\nReDim a(1, 2)", "2:1 expected 1 upper bound, found 2"},
       {"Dim a(1, 1) As Integer\nReDim a(1)", "2:1 expected 2 upper bounds, found 1"},
       {"Dim a(,) As Integer\nReDim a(1, 2, 3)", "2:1 expected 2 upper bounds, found 3"},
       {"Dim a(1, \"x\") As Integer", "1:10 expected Integer as the upper bound, found String"},

@@ -88,7 +88,8 @@ TEST(RefusedWords, SayWhatIsWrittenOtherwise) {
        "Variant.TypeInt32"},
       {"Dim d As New Dictionary(\"a\" : 1, \"b\" : 2)",
        "1:29 unexpected ':'; this host has no pairs; use a Dictionary, or a class with two properties"},
-      {"Dim a() As Integer = (1, 2)", "1:24 an array of several values is written Array(…)"},
+      {"Dim a() As Integer = (1, 2)",
+       "1:24 only one value stands in parentheses; texts are joined with '+', an array is written Array(…)"},
       {"Dim a() As Integer = {1, 2}", "1:22 an array of several values is written Array(…)"},
       {"Dim a() As Integer = [1, 2]", "1:22 an array of several values is written Array(…)"},
       {"Dim a() As Integer\nPrint a[0", "2:8 there is no '['; write '('"},
@@ -178,7 +179,16 @@ TEST(RefusedWords, AreMembersThatVariantsAndArraysLack) {
       {"Dim a() As Integer\nPrint a.IndexOf(1, \"x\")", "2:20 expected Integer as the start, found String"},
       {"Dim d As New Dictionary\nFor Each k As Variant In d\nNext",
        "2:26 For Each goes through arrays, not through a Dictionary; its keys are ….Keys"},
-      {"Dim d As New Dictionary\nPrint d.Get(1)", "2:9 Dictionary has no member 'Get'"},
+      {"Dim d As New Dictionary\nPrint d.Get(1)",
+       "2:9 Dictionary has no member 'Get'; write Value(key), or Lookup(key, default)"},
+      {"Dim d As New Dictionary\nd.Add(1, 2)",
+       "2:3 Dictionary has no member 'Add'; write d.Value(key) = value"},
+      {"Dim d As New Dictionary\nPrint d.Contains(1)",
+       "2:9 Dictionary has no member 'Contains'; write HasKey(key)"},
+      {"Class C\n  Override Sub S()\n  End Sub\nEnd Class",
+       "2:12 leave out 'Override'; a method takes the place of the one above it that has the same "
+       "parameters"},
+      {"Class C\nEnd Class\nDim a As C = C()", "3:14 expected one value in C(…); New C makes an object"},
   });
 }
 

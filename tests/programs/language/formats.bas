@@ -49,3 +49,34 @@ Dim least As Integer = -9223372036854775808
 Print Format(least, "#,##0;(#,##0.0)") + " " + Format(9007199254740993, "0%") + " " + Format(0, "#%;;zero")
 Dim large As UInt64 = 18446744073709551615
 Print Format(large, "#,##0") + " " + Str(large, "0.0") + " " + large.ToString("+0")
+
+' What a Variant holds, and what stands for a whole number, counts with all its digits.
+Dim held As Variant = 9223372036854775807
+Print Format(held, "#,##0")
+held = -9223372036854775807 - 1
+Print Format(held, "#,##0")
+Dim widest As UInt64 = &hFFFFFFFFFFFFFFFF
+held = widest
+Print Format(held, "#,##0") + " " + Str(held, "0")
+Dim exact As Currency = 123456789012.3456
+held = exact
+Print Format(held, "#,##0.0000") + " " + Format(held, "0.000") + " " + Format(held, "0%")
+Dim huge As Int128QTX = "-170141183460469231731687303715884105728"
+held = huge
+Print Format(held, "#,##0.00")
+Print Format(huge, "0;(#,##0)")
+Dim largest As UInt128QTX = "340282366920938463463374607431768211455"
+Print Format(largest, "+#,##0")
+Print Str(largest, "0%")
+held = 0.125
+Print Format(held, "0.00") + " " + Format(held, "")
+held = "12.5"
+Print Format(held, "0.00")
+exact = 999999.9999
+Print Format(exact, "0.000") + " " + Format(-exact, "#,##0")
+held = New Dictionary
+Try
+  Print Format(held, "0")
+Catch e As TypeMismatchException
+  Print e.Message
+End Try

@@ -1,0 +1,4 @@
+' A Main that nothing calls.
+Sub Main()
+  Print "never"
+End Sub
