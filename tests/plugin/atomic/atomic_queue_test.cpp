@@ -3,6 +3,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <cstring>
 #include <optional>
 #include <thread>
 #include <type_traits>
@@ -373,7 +374,8 @@ TEST(AtomicQueue, RefusesToCompareWithNil) {
   EXPECT_EQ(raised.message, "Other is nil");
 }
 
-std::vector<std::string> traceOf(const std::function<void()>& body) {
+template <typename Body>
+std::vector<std::string> traceOf(const Body& body) {
   debugging = true;
   const std::string log = logOf(body);
   debugging = false;
@@ -518,7 +520,8 @@ struct OutOfMemory : Fixture {
   }
 
   // Until `body` comes through; `check` after each failure. How many there were.
-  int failEach(const std::function<void()>& body, const std::function<void()>& check) {
+  template <typename Body, typename Check>
+  int failEach(const Body& body, const Check& check) {
     for (int failures = 0; failures < 100; ++failures) {
       failing.emplace(std::size_t{0}, SIZE_MAX, failures);
       body();

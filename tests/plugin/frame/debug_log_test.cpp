@@ -5,6 +5,7 @@
 
 #include "fake_host.h"
 #include "partial_write.h"
+#include "without_log_prefix.h"
 
 namespace qtx {
 namespace {

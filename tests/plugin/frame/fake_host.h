@@ -4,11 +4,10 @@
 
 #include <gtest/gtest.h>
 
-#include <cstring>
-#include <functional>
+#include <cstddef>
+#include <cstdint>
 #include <map>
 #include <memory>
-#include <new>
 #include <set>
 #include <string>
 #include <string_view>
@@ -18,7 +17,6 @@
 #include "frame/host_interface.h"
 #include "frame/host_operations.h"
 #include "frame/registration.h"
-#include "without_log_prefix.h"
 
 extern "C" void REALPluginMain(REALresolver resolver);
 
@@ -50,57 +48,21 @@ struct RaisedException {
 // gone at its end, but for those that keepAlive names.
 class FakeHost {
  public:
-  explicit FakeHost(double hostVersion = 2024.01) : version(hostVersion) {
-    current = this;
-    offerAll();
-    meetHost(&resolve);
-  }
-  ~FakeHost() {
-    for (const auto& [handle, object] : objects_) {
-      if (!keepAlive.contains(object->className)) {
-        ADD_FAILURE() << "object of " << object->className << " left with " << object->references
-                      << " references";
-      }
-    }
-    for (const auto& [handle, string] : strings_) {
-      ADD_FAILURE() << "string \"" << string->bytes << "\" left with " << string->references << " references";
-    }
-    EXPECT_EQ(openStringData, 0) << "string data not disposed of";
-    current = nullptr;
-  }
+  explicit FakeHost(double hostVersion = 2024.01);
+  ~FakeHost();
 
   // Registers the whole plug-in, as the real entry does.
   void load() { REALPluginMain(&resolve); }
 
-  static void* resolve(const char* name) {
-    ++current->lookUps[name];
-    const auto found = current->operations_.find(name);
-    return found == current->operations_.end() ? nullptr : found->second;
-  }
+  static void* resolve(const char* name);
   template <typename Result, typename... Arguments>
-  void offer(const std::string& name, Result (*operation)(Arguments...)) {
-    operations_[name] = reinterpret_cast<void*>(operation);
+  void offer(const char* name, Result (*operation)(Arguments...)) {
+    offerAddress(name, reinterpret_cast<void*>(operation));
   }
   void withhold(const std::string& name) { operations_.erase(name); }
 
-  REALobject makeObject(const std::string& className) {
-    auto object = std::make_unique<FakeObject>();
-    object->className = className;
-    const auto handle = reinterpret_cast<REALobject>(object.get());
-    objects_[handle] = std::move(object);
-    if (const auto* record = findClass(className); record && record->constructor) {
-      reinterpret_cast<void (*)(REALobject)>(record->constructor)(handle);
-    }
-    return handle;
-  }
-  REALstring makeString(std::string_view bytes, std::uint32_t textEncoding = encoding::utf8) {
-    auto string = std::make_unique<FakeString>();
-    string->bytes = std::string(bytes) + terminator;
-    string->encoding = textEncoding;
-    const auto handle = reinterpret_cast<REALstring>(string.get());
-    strings_[handle] = std::move(string);
-    return handle;
-  }
+  REALobject makeObject(const std::string& className);
+  REALstring makeString(std::string_view bytes, std::uint32_t textEncoding = encoding::utf8);
   FakeObject& object(REALobject handle) { return *objects_.at(handle); }
   FakeString& string(REALstring handle) { return *strings_.at(handle); }
   bool isAlive(REALobject handle) const { return objects_.contains(handle); }
@@ -109,65 +71,21 @@ class FakeHost {
     return handle ? std::string_view(string(handle).bytes.data(), string(handle).bytes.size() - 1) : "";
   }
 
-  void lock(REALobject handle) {
-    if (handle) ++object(handle).references;
-  }
-  void unlock(REALobject handle) {
-    if (!handle || --object(handle).references > 0) return;
-    if (const auto* record = findClass(object(handle).className); record && record->destructor) {
-      reinterpret_cast<void (*)(REALobject)>(record->destructor)(handle);
-    }
-    objects_.erase(handle);
-  }
-  void lock(REALstring handle) {
-    if (handle) ++string(handle).references;
-  }
-  void unlock(REALstring handle) {
-    if (handle && --string(handle).references == 0) strings_.erase(handle);
-  }
+  void lock(REALobject handle);
+  void unlock(REALobject handle);
+  void lock(REALstring handle);
+  void unlock(REALstring handle);
 
-  REALclassDefinition* findClass(std::string_view name) {
-    for (auto* record : classes) {
-      if (record->name == name) return record;
-    }
-    return nullptr;
-  }
+  REALclassDefinition* findClass(std::string_view name);
   // The function behind a declaration of a class's methods or shared methods, or of a global function ("").
   template <typename Signature>
   Signature* function(std::string_view className, std::string_view declaration) {
-    std::vector<REALmethodDefinition*> records;
-    if (className.empty()) {
-      records = functions;
-      if (module) {
-        for (std::size_t i = 0; i < module->methodCount; ++i) records.push_back(&module->methods[i]);
-      }
-    } else if (auto* record = findClass(className)) {
-      for (std::size_t i = 0; i < record->methodCount; ++i) records.push_back(&record->methods[i]);
-      for (std::size_t i = 0; i < record->sharedMethodCount; ++i)
-        records.push_back(&record->sharedMethods[i]);
-    }
-    for (auto* record : records) {
-      if (record->declaration == declaration) return reinterpret_cast<Signature*>(record->function);
-    }
-    ADD_FAILURE() << "nothing registered as " << declaration;
-    return nullptr;
+    return reinterpret_cast<Signature*>(addressOf(className, declaration));
   }
-  REALproperty* findProperty(std::string_view className, std::string_view name) {
-    auto* record = findClass(className);
-    for (std::size_t i = 0; record && i < record->propertyCount; ++i) {
-      if (record->properties[i].name == name) return &record->properties[i];
-    }
-    ADD_FAILURE() << "no property " << className << "." << name;
-    return nullptr;
-  }
+  REALproperty* findProperty(std::string_view className, std::string_view name);
 
   // The exception that was raised, and forgets it; a failure where not exactly one was.
-  RaisedException takeRaised() {
-    if (raised.size() != 1) ADD_FAILURE() << raised.size() << " exceptions raised instead of one";
-    RaisedException exception = raised.empty() ? RaisedException() : raised.back();
-    raised.clear();
-    return exception;
-  }
+  RaisedException takeRaised();
 
   double version;
   char terminator = '\0';                // behind every string's bytes
@@ -186,120 +104,24 @@ class FakeHost {
   static inline FakeHost* current = nullptr;
 
  private:
-  void offerAll() {
-    offer(
-        "REALGetRBVersion", +[] { return current->version; });
-    offer(
-        "RegisterPluginVersion", +[](std::int32_t number) { current->controlVersion = number; });
-    offer(
-        "PluginRegisterClass", +[](REALclassDefinition* record) {
-          record->dataOffset = FakeObject::dataOffset;
-          current->classes.push_back(record);
-        });
-    offer(
-        "PluginRegisterModule", +[](REALmoduleDefinition* record) { current->module = record; });
-    offer(
-        "PluginRegisterMethod", +[](REALmethodDefinition* record) { current->functions.push_back(record); });
-
-    offer(
-        "PluginNewInstance", +[](const char* name) {
-          return current->unknownClasses.contains(name) ? nullptr : current->makeObject(name);
-        });
-    offer(
-        "REALLockObject", +[](REALobject handle) {
-          if (!handle) ++current->nilLocks;
-          current->lock(handle);
-        });
-    offer(
-        "REALUnlockObject", +[](REALobject handle) {
-          EXPECT_NE(handle, nullptr);
-          current->unlock(handle);
-        });
-    offer(
-        "REALSetPropValueString", +[](REALobject handle, const char* name, REALstring text) {
-          if (text) current->object(handle).texts[name] = current->bytesOf(text);
-          return true;
-        });
-    offer(
-        "REALSetPropValueInteger", +[](REALobject handle, const char* name, RBInteger value) {
-          current->object(handle).integers[name] = value;
-          return true;
-        });
-    offer(
-        "RuntimeRaiseException", +[](REALobject handle) {
-          FakeObject& exception = current->object(handle);
-          const auto number = exception.integers.find("ErrorNumber");
-          current->raised.push_back({exception.className, exception.texts["Message"],
-                                     number == exception.integers.end() ? -1 : number->second});
-        });
-
-    offer(
-        "REALLockString", +[](REALstring handle) { current->lock(handle); });
-    offer(
-        "REALUnlockString", +[](REALstring handle) {
-          EXPECT_NE(handle, nullptr);
-          current->unlock(handle);
-        });
-    offer(
-        "StringGetCString",
-        +[](REALstring handle) -> const char* { return current->string(handle).bytes.data(); });
-    offer(
-        "REALLoadGlobalMethod", +[](const char* moduleName, const char* declaration) -> void* {
-          EXPECT_EQ(moduleName, nullptr);
-          return resolve(declaration);
-        });
-    offer(
-        "LenB( s as string ) as integer", +[](REALstring handle) -> RBInteger {
-          return static_cast<RBInteger>(current->bytesOf(handle).size());
-        });
-    offer(
-        "REALGetStringEncoding", +[](REALstring handle) { return current->string(handle).encoding; });
-    offer(
-        "REALBuildString", +[](const char* bytes, std::int32_t length, std::uint32_t) {
-          return current->makeString({bytes, static_cast<std::size_t>(length)}, encoding::none);
-        });
-    offer(
-        "REALBuildStringWithEncoding", +[](const char* bytes, std::int32_t length, std::uint32_t encoding) {
-          return current->makeString({bytes, static_cast<std::size_t>(length)}, encoding);
-        });
-    offer(
-        "REALSetStringEncoding",
-        +[](REALstring handle, std::uint32_t encoding) { current->string(handle).encoding = encoding; });
-    // Only the encoding changes; that it was asked for is on record.
-    offer(
-        "REALConvertString", +[](REALstring handle, std::uint32_t encoding) {
-          current->conversions.push_back("REALConvertString " + std::to_string(encoding));
-          return current->makeString(current->bytesOf(handle), encoding);
-        });
-    offer(
-        "PluginGetStringData", +[](REALstring handle, std::uint32_t encoding, REALstringData* out) {
-          current->conversions.push_back("PluginGetStringData " + std::to_string(encoding));
-          const std::string_view bytes = current->bytesOf(handle);
-          auto* copy = new char[bytes.size() + 1];
-          std::memcpy(copy, bytes.data(), bytes.size());
-          copy[bytes.size()] = current->terminator;
-          *out = {copy, bytes.size(), encoding, copy};
-          ++current->openStringData;
-          return true;
-        });
-    offer(
-        "PluginDisposeStringData", +[](REALstringData* data) {
-          delete[] static_cast<char*>(data->reserved);
-          *data = {};
-          --current->openStringData;
-        });
-  }
+  void offerAll();
+  void offerAddress(const char* name, void* operation);
+  REALproc addressOf(std::string_view className, std::string_view declaration);
 
   std::map<std::string, void*> operations_;
   std::map<REALobject, std::unique_ptr<FakeObject>> objects_;
   std::map<REALstring, std::unique_ptr<FakeString>> strings_;
 };
 
+// The standard error since it was captured, without the prefix of a log.
+std::string capturedLog();
+
 // What `body` writes to the log.
-inline std::string logOf(const std::function<void()>& body) {
+template <typename Body>
+std::string logOf(const Body& body) {
   testing::internal::CaptureStderr();
   body();
-  return withoutLogPrefix(testing::internal::GetCapturedStderr());
+  return capturedLog();
 }
 
 }  // namespace qtx

@@ -40,7 +40,8 @@ struct Recorder {
 };
 
 // What is called while `body` runs.
-Lines callsOf(const std::function<void()>& body) {
+template <typename Body>
+Lines callsOf(const Body& body) {
   calls.clear();
   body();
   return std::exchange(calls, {});

@@ -15,8 +15,8 @@ namespace {
 using Strings = std::vector<std::string>;
 
 // Makes a string, hands it to `body`, and gives it back.
-void withString(FakeHost& host, std::string_view bytes, std::uint32_t encoding,
-                const std::function<void(REALstring)>& body) {
+template <typename Body>
+void withString(FakeHost& host, std::string_view bytes, std::uint32_t encoding, const Body& body) {
   const REALstring string = host.makeString(bytes, encoding);
   body(string);
   EXPECT_EQ(host.string(string).references, 1);

@@ -1,4 +1,6 @@
 // Int128QTX and UInt128QTX through their records: every member's result, trace line and errors.
+#include <cstring>
+
 #include "int128/division.h"
 #include "int128/wide_functions.h"
 #include "int128_host.h"

@@ -1,6 +1,8 @@
 // Objects of the 128-bit classes behind the fake host, made, read and called through the records.
 #pragma once
 
+#include <cstring>
+
 #include "frame/fake_host.h"
 #include "int128/wide_integer.h"
 #include "int128_samples.h"

@@ -2,6 +2,7 @@
 #include "spline/spline_class.h"
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <optional>
 #include <thread>
