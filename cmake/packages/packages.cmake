@@ -27,7 +27,10 @@ endif()
 
 # Pages and examples say ./qtx, the command of the sources; where only qtxhost is installed, they say that.
 set(texts ${CMAKE_BINARY_DIR}/packaged)
-file(GLOB pages CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/examples/*)
+# Folders change with the files that come and go in them. With globs that are checked again, ninja could not tell in
+# advance that there is nothing to do.
+set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs ${PROJECT_SOURCE_DIR}/examples)
+file(GLOB pages RELATIVE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/docs/*.md ${PROJECT_SOURCE_DIR}/examples/*)
 list(REMOVE_ITEM pages docs/developing.md docs/performance.md)
 foreach(page ${pages})
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/${page})
@@ -37,7 +40,7 @@ foreach(page ${pages})
   get_filename_component(kind ${page} DIRECTORY)
   install(FILES ${texts}/${page} DESTINATION ${qtx_text_folder}/${kind})
 endforeach()
-file(GLOB pictures CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/*.svg)
+file(GLOB pictures ${PROJECT_SOURCE_DIR}/docs/*.svg)
 install(FILES ${pictures} DESTINATION ${qtx_text_folder}/docs)
 configure_file(${readme} ${texts}/README.md @ONLY)
 install(FILES ${texts}/README.md ${PROJECT_SOURCE_DIR}/CHANGELOG.md DESTINATION ${qtx_text_folder})
