@@ -13,4 +13,4 @@ add_library(macho_loader STATIC
   ${here}/variadic.cpp
 )
 target_include_directories(macho_loader PUBLIC ${here}/..)
-target_link_libraries(macho_loader PUBLIC ${CMAKE_DL_LIBS} PRIVATE qtx_options)
+target_link_libraries(macho_loader PUBLIC ${CMAKE_DL_LIBS} PRIVATE qtx_options qtx_is_fuzzed)
