@@ -427,6 +427,19 @@ class Lexer {
            (last.kind == TokenKind::word && !isReserved(last.keyword));
   }
 
+  // As in Left$(s, 2) or n% = 5, and not in a%b.
+  bool isTypeMark() const {
+    if (std::string_view("$%!#").find(peek()) == std::string_view::npos || tokens_.empty()) return false;
+    const Token& name = tokens_.back();
+    const int end = name.position.column + static_cast<int>(name.text.size());
+    if (name.kind != TokenKind::word || name.position.line != line_ || end != here().column) return false;
+    if (peek() == '$') return true;
+    if (stands("!=")) return false;
+    const std::size_t next = text_.find_first_not_of(" \t", at_ + 1);
+    return next == std::string_view::npos ||
+           std::string_view("=<>,)\r\n").find(text_[next]) != std::string_view::npos;
+  }
+
   // Of a whole #If, only its beginning is wrong; what stands in its first part is read.
   void directive() {
     const std::string name = directiveHere();
@@ -471,6 +484,11 @@ class Lexer {
     if ((peek() == '+' || peek() == '-') && peek(1) == peek() && restOfLineIsBlank(at_ + 2)) {
       wrong(here(), std::string("there is no '") + peek() + peek() + "'; write '" + peek() + "= 1'");
       at_ += 2;
+      return;
+    }
+    if (isTypeMark()) {
+      wrong(here(), std::string("a name has no mark of its type; leave out the '") + peek() + "'");
+      ++at_;
       return;
     }
     const bool endsLine = restOfLineIsBlank(at_ + 1);
@@ -533,7 +551,10 @@ class Lexer {
       const auto code = static_cast<unsigned char>(peek());
       const std::string shown =
           code < 0x20 || code == 0x7F ? std::to_string(code) : std::string("'") + peek() + "'";
-      wrong(here(), "unexpected character " + shown + (peek() == ';' ? "; texts are joined with '+'" : ""));
+      std::string message = "unexpected character " + shown;
+      if (peek() == ';') message += "; texts are joined with '+'";
+      if (peek() == '$' && isDigit(peek(1))) message += "; an amount has no sign of its currency";
+      wrong(here(), message);
     }
     ++at_;
   }

@@ -367,7 +367,7 @@ Const StatementParser::constant() {
   constant.type = typeIfAny();
   tokens_.expect(Symbol::equal, "after the constant " + constant.name.text);
   constant.value = expressions_.expression();
-  if (tokens_.is(Symbol::comma))
+  if (tokens_.is(Symbol::comma) && !tokens_.isNumberWithComma())
     tokens_.failHere("a line has one Const; write the next one in a line of its own");
   return constant;
 }

@@ -140,6 +140,19 @@ bool TokenReader::isColour() const {
          peek(1).text.size() > 6 && lowerCase(peek(1).text)[0] == 'c';
 }
 
+// 3,5 or 1,000, which ends before its comma, or is read on behind it.
+bool TokenReader::isNumberWithComma() const {
+  const std::size_t comma = is(Symbol::comma) || at_ == 0 ? at_ : at_ - 1;
+  if (comma == 0 || tokens_[comma].symbol != Symbol::comma) return false;
+  const Token& before = tokens_[comma - 1];
+  const Token& behind = tokens_[comma + 1];
+  const auto isNumber = [](const Token& token) {
+    return token.kind == TokenKind::integer || token.kind == TokenKind::real;
+  };
+  const auto width = behind.position.column - before.position.column;
+  return isNumber(before) && isNumber(behind) && width == static_cast<int>(before.text.size()) + 1;
+}
+
 void TokenReader::failExpecting(const std::string& what, const std::string& advice) const {
   std::string message = "expected " + what + ", found " + describe(peek());
   const bool mayGoOn = peek().kind == TokenKind::endOfLine && peek(1).kind != TokenKind::endOfText &&
@@ -148,6 +161,7 @@ void TokenReader::failExpecting(const std::string& what, const std::string& advi
   if (mayGoOn) message += "; a line goes on in the next one after ' _'";
   if (is(Symbol::ampersand)) message += isColour() ? absent("Color") : "; texts are joined with '+'";
   if (peek().kind == TokenKind::word && !isReserved(peek().keyword)) message += absent(peek().text);
+  if (isNumberWithComma()) message += "; a number has no commas, and a point before its fraction";
   failHere(message + advice);
 }
 

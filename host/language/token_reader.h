@@ -64,6 +64,7 @@ class TokenReader {
 
   [[noreturn]] void failHere(const std::string& message) const;
   bool isColour() const;
+  bool isNumberWithComma() const;
   [[noreturn]] void failExpecting(const std::string& what,
                                   const std::string& advice = "") const;  // "expected WHAT, found …"
 

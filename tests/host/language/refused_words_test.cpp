@@ -102,6 +102,25 @@ TEST(RefusedWords, SayWhatIsWrittenOtherwise) {
       {"Throw New RuntimeException", "1:1 unknown name 'Throw'; write Raise"},
       {"Dim o As Object = Nothing", "1:19 unknown name 'Nothing'; write Nil"},
       {"Print 1; 2", "1:8 unexpected character ';'; texts are joined with '+'"},
+      {"Dim x As Double = $5.00", "1:19 unexpected character '$'; an amount has no sign of its currency"},
+      {"Dim x As Double = 3,5",
+       "1:21 expected the name of a variable, found '5'; a number has no commas, and a point before its "
+       "fraction"},
+      {"Dim x As Integer\nx = 1,000",
+       "2:6 expected the end of the line after the statement, found ','; a number has no commas, and a point "
+       "before its fraction"},
+      {"Const half = 0,5",
+       "1:15 expected the end of the line after the statement, found ','; a number has no commas, and a "
+       "point "
+       "before its fraction"},
+      {"Dim x As Integer\nx = 1, 000", "2:6 expected the end of the line after the statement, found ','"},
+      {"Dim x As Integer\nx = (1),2", "2:8 expected the end of the line after the statement, found ','"},
+      {"Dim x As Integer\nx = 1,x", "2:6 expected the end of the line after the statement, found ','"},
+      {"Print Left$(\"abc\", 2)", "1:11 a name has no mark of its type; leave out the '$'"},
+      {"Dim n As Integer\nn% = 5", "2:2 a name has no mark of its type; leave out the '%'"},
+      {"Dim x As Double\nx!=5", "2:2 there is no '!='; write '<>'"},
+      {"Dim n As Integer\nPrint n%2", "2:8 there is no '%'; write 'Mod'"},
+      {"Dim n As Integer = 5\nPrint n#", "2:8 a name has no mark of its type; leave out the '#'"},
       {"Print (New RuntimeException).Reason", "1:30 RuntimeException has no member 'Reason'; write Message"},
       {"Dim c As Color = &cFF0000",
        "1:18 expected an expression, found '&'; this host has no colours; keep them as Integers"},
