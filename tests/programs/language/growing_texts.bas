@@ -173,16 +173,16 @@ Next
 Try
   long = long + "x"
 Catch e As OutOfMemoryException
-  Print Str(Len(long)) + " " + e.Message
+  Print Str(LenB(long)) + " " + e.Message
 End Try
 long = "0123456789abcdef"
 For i As Integer = 1 To 23
   long += long
 Next
-Print Len(long)
-long += long.Left(100000000)
+Print LenB(long)
+long += long.LeftB(100000000)
 Try
   long += long
 Catch e As OutOfMemoryException
-  Print Str(Len(long)) + " " + e.Message
+  Print Str(LenB(long)) + " " + e.Message
 End Try
