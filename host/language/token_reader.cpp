@@ -150,7 +150,8 @@ bool TokenReader::isNumberWithComma() const {
     return token.kind == TokenKind::integer || token.kind == TokenKind::real;
   };
   const auto width = behind.position.column - before.position.column;
-  return isNumber(before) && isNumber(behind) && width == static_cast<int>(before.text.size()) + 1;
+  return isNumber(before) && isNumber(behind) && behind.position.line == before.position.line &&
+         width == static_cast<int>(before.text.size()) + 1;
 }
 
 void TokenReader::failExpecting(const std::string& what, const std::string& advice) const {

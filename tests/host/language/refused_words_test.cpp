@@ -111,9 +111,10 @@ TEST(RefusedWords, SayWhatIsWrittenOtherwise) {
        "before its fraction"},
       {"Const half = 0,5",
        "1:15 expected the end of the line after the statement, found ','; a number has no commas, and a "
-       "point "
-       "before its fraction"},
+       "point before its fraction"},
       {"Dim x As Integer\nx = 1, 000", "2:6 expected the end of the line after the statement, found ','"},
+      {"Dim x As Integer\nx = 1, _\n      000",
+       "2:6 expected the end of the line after the statement, found ','"},
       {"Dim x As Integer\nx = (1),2", "2:8 expected the end of the line after the statement, found ','"},
       {"Dim x As Integer\nx = 1,x", "2:6 expected the end of the line after the statement, found ','"},
       {"Print Left$(\"abc\", 2)", "1:11 a name has no mark of its type; leave out the '$'"},
